@@ -1,0 +1,86 @@
+#include "db_access/all_list_edit.h"
+
+#include <array>
+
+#include "db_access/edit_entries.h"
+#include "db_access/session.h"
+#include "support/number_text.h"
+
+namespace channellist {
+
+namespace {
+
+constexpr LogModule kLogModule = LogModule::DatabaseAccess;
+
+// The FAV lists to renumber, by FAV index; 0: not asked for.
+using RenumberRequests = std::array<unsigned int, kFavListCount>;
+
+std::string favListFlagUpdate(std::vector<unsigned int> const& favListIds) {
+    std::string sql = "UPDATE FavoriteItem SET isDeleted = ? WHERE FavoriteId IN(";
+    for (std::size_t j = 0; j < kFavListCount; ++j)
+        sql += (j == 0 ? "" : ",") + numberText(favListIds[j]);
+    return sql + ") AND serviceId= ?;";
+}
+
+void collectRenumberRequests(EditEntry const& entry, std::vector<unsigned int> const& favListIds,
+                             RenumberRequests& requests) {
+    if ((entry.flag & (kEditDeleted | kEditRestore)) == 0)
+        return;
+    for (std::size_t j = 0; j < kFavListCount; ++j)
+        if (requests[j] == 0 && (entry.flag & kEditRenumberFav1 << j) != 0)
+            requests[j] = favListIds[j];
+}
+
+// Returns the status of the last step; a failing step has logged itself.
+int writeEntry(EditEntry const& entry, unsigned int favoriteListId, Statement& itemUpdate,
+               Statement& favListFlags) {
+    int const isDeleted = (entry.flag & kEditDeleted) != 0 ? 1 : 0;
+    LOG_FORMAT(Verbose, "serviceId=%u,isDeleted=%d,channelnumber:%d,flag=%d,restoreEdit:%d.",
+               entry.serviceId, isDeleted, static_cast<int>(entry.channelnumber),
+               static_cast<int>(entry.flag), (entry.flag & kEditRestore) != 0 ? 1 : 0);
+    itemUpdate.rebind(entry.channelnumber, isDeleted, favoriteListId, entry.serviceId);
+    int const status = itemUpdate.step("Update All list in the case of All list edit.");
+    if (status != SQLITE_DONE)
+        return status;
+    favListFlags.rebind(isDeleted, entry.serviceId);
+    return favListFlags.step("Update FAV list in the case of All list edit.");
+}
+
+// The results are not looked at: both have logged their failures, and the edit itself stands.
+void renumber(RenumberRequests const& requests) {
+    for (std::size_t j = 0; j < kFavListCount; ++j) {
+        if (requests[j] == 0)
+            continue;
+        LOG_FORMAT(Notice, "renumberFAVListId[j%d]:%d.", static_cast<int>(j),
+                   static_cast<int>(requests[j]));
+        dbaccess::renumberFAVList(requests[j], static_cast<unsigned char>(j + 1));
+        dbaccess::UpdateListTag(requests[j]);
+    }
+}
+
+}  // namespace
+
+int writeAllListEdit(unsigned int favoriteListId, std::vector<unsigned int> const& favListIds,
+                     std::vector<std::string> const& arguments, Statement& itemUpdate) {
+    RenumberRequests requests = {};
+    int status = SQLITE_DONE;
+    {
+        Statement favListFlags;
+        if (favListFlags.prepare(db, favListFlagUpdate(favListIds).c_str()) != SQLITE_OK)
+            return kFailed;
+        for (std::size_t index = 0; index < entryCount(arguments); ++index) {
+            std::optional<EditEntry> const entry = convertEntry(arguments, index);
+            if (!entry)
+                return kMalformed;
+            collectRenumberRequests(*entry, favListIds, requests);
+            status = writeEntry(*entry, favoriteListId, itemUpdate, favListFlags);
+            if (status != SQLITE_DONE)
+                return kFailed;
+        }
+        itemUpdate.finalize();
+    }
+    renumber(requests);
+    return status;
+}
+
+}  // namespace channellist

@@ -1,0 +1,37 @@
+// The write transaction of one edit.
+#ifndef CHANNELLIST_DB_ACCESS_EDIT_TRANSACTION_H
+#define CHANNELLIST_DB_ACCESS_EDIT_TRANSACTION_H
+
+#include <channellist-access/db_access.h>
+
+#include "support/log.h"
+
+namespace channellist {
+
+// Rolls back when it is left begun and not committed, by an early return or an exception. Every
+// statement runs through sqlexec, which logs its failure.
+class EditTransaction {
+  public:
+    explicit EditTransaction(sqlite3* connection) : connection_(connection) {}
+    ~EditTransaction() { rollback(); }
+    EditTransaction(EditTransaction const&) = delete;
+    EditTransaction& operator=(EditTransaction const&) = delete;
+
+    // Returns SQLite's code; unless it is 0 nothing was begun.
+    int begin();
+
+    // Tries again while readers of other processes hold the file; what cannot be committed is
+    // rolled back. Returns SQLite's code; the messages carry the caller's site.
+    int commit(CallSite const& site);
+
+  private:
+    int execute(const char* sql);
+    void rollback();
+
+    sqlite3* connection_;
+    bool open_ = false;
+};
+
+}  // namespace channellist
+
+#endif

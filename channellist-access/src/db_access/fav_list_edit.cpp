@@ -1,0 +1,174 @@
+#include "db_access/fav_list_edit.h"
+
+#include <unordered_set>
+
+#include "db_access/callback_value.h"
+#include "db_access/edit_entries.h"
+#include "db_access/session.h"
+
+namespace channellist {
+
+namespace {
+
+constexpr LogModule kLogModule = LogModule::DatabaseAccess;
+
+using ServiceIds = std::unordered_set<std::uint32_t>;
+
+// By FAV index, from 1.
+constexpr const char* kFavTagUpdates[] = {
+    "UPDATE Service SET FavTag= ? WHERE Pid= ?;",
+    "UPDATE Service SET FavTag2= ? WHERE Pid= ?;",
+    "UPDATE Service SET FavTag3= ? WHERE Pid= ?;",
+    "UPDATE Service SET FavTag4= ? WHERE Pid= ?;",
+};
+
+int readStoredServices(unsigned int favoriteListId, std::vector<unsigned int>& stored) {
+    std::string const sql =
+        "SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = " + numberText(favoriteListId) + ";";
+    char* error = nullptr;
+    return sqlexec(db, sql.c_str(), dbaccess::FAVserviceIdCallback, &stored, &error);
+}
+
+bool convertEntries(std::vector<std::string> const& arguments, std::vector<EditEntry>& entries) {
+    entries.reserve(entryCount(arguments));
+    for (std::size_t index = 0; index < entryCount(arguments); ++index) {
+        std::optional<EditEntry> const entry = convertEntry(arguments, index);
+        if (!entry)
+            return false;
+        entries.push_back(*entry);
+    }
+    return true;
+}
+
+void planRemovals(std::vector<unsigned int> const& stored, std::vector<EditEntry> const& entries,
+                  FavListPlan& plan) {
+    if (stored.empty())
+        LOG_TEXT(Verbose, "The ori FAV list is empty! No FAV service need to be removed.");
+    ServiceIds named;
+    for (EditEntry const& entry : entries)
+        named.insert(entry.serviceId);
+    for (std::uint32_t const serviceId : stored)
+        if (named.count(serviceId) == 0)
+            plan.removals.push_back(serviceId);
+}
+
+void planEntries(std::vector<unsigned int> const& stored, std::vector<EditEntry> const& entries,
+                 FavListPlan& plan) {
+    if (stored.empty())
+        LOG_TEXT(Verbose, "The ori FAV list is empty! All written FAV services are new services.");
+    ServiceIds const known(stored.begin(), stored.end());
+    for (EditEntry const& entry : entries) {
+        if (known.count(entry.serviceId) == 0) {
+            plan.additions.push_back({entry.serviceId, entry.channelnumber});
+            continue;
+        }
+        auto const deleted = static_cast<std::uint8_t>(entry.flag & kEditDeleted);
+        plan.updates.push_back({entry.serviceId, entry.channelnumber, deleted});
+    }
+}
+
+int writeUpdates(unsigned int favoriteListId, FavListPlan const& plan, Statement& itemUpdate) {
+    if (plan.updates.empty()) {
+        LOG_TEXT(Verbose, "No services to be updated!");
+        return SQLITE_DONE;
+    }
+    LOG_FORMAT(Verbose, "Update (count: %d) existed Services to FAV list.",
+               static_cast<int>(plan.updates.size()));
+    for (FavListPlan::Update const& update : plan.updates) {
+        itemUpdate.rebind(update.channelnumber, update.deleted, favoriteListId, update.serviceId);
+        if (itemUpdate.step("Update FAV Services.") != SQLITE_DONE)
+            return kFailed;
+    }
+    return SQLITE_DONE;
+}
+
+int writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
+    if (plan.additions.empty()) {
+        LOG_TEXT(Verbose, "No services to be added!");
+        return SQLITE_DONE;
+    }
+    LOG_FORMAT(Verbose, "Add (count: %d) new Services to FAV list.",
+               static_cast<int>(plan.additions.size()));
+    Statement insert;
+    if (insert.prepare(db,
+                       "INSERT INTO FavoriteItem (ServiceId, ChannelNum, FavoriteId, "
+                       "OriginalFavoriteId) VALUES (?, ?, ?, ?);") != SQLITE_OK)
+        return kFailed;
+    for (FavListPlan::Addition const& added : plan.additions) {
+        insert.rebind(added.serviceId, added.channelnumber, favoriteListId, favoriteListId);
+        if (insert.step("Add FAV Services.") != SQLITE_DONE)
+            return kFailed;
+    }
+    return SQLITE_DONE;
+}
+
+int writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
+    if (plan.removals.empty()) {
+        LOG_TEXT(Verbose, "No services to be removed!");
+        return SQLITE_DONE;
+    }
+    LOG_FORMAT(Verbose, "Remove (count: %d) unreceivable Services from FAV list.",
+               static_cast<int>(plan.removals.size()));
+    Statement remove;
+    if (remove.prepare(db, "DELETE FROM FavoriteItem WHERE FavoriteId= ? AND serviceId= ?;") !=
+        SQLITE_OK)
+        return kFailed;
+    for (std::uint32_t const serviceId : plan.removals) {
+        remove.rebind(favoriteListId, serviceId);
+        if (remove.step("Remove unreceivable FAV Services.") != SQLITE_DONE)
+            return kFailed;
+    }
+    return SQLITE_DONE;
+}
+
+// Returns the status of the last step, 0 when there was none.
+int writeFavTags(unsigned int favIndex, FavListPlan const& plan) {
+    Statement tag;
+    if (tag.prepare(db, kFavTagUpdates[favIndex - 1]) != SQLITE_OK)
+        return kFailed;
+    int status = 0;
+    for (FavListPlan::Addition const& added : plan.additions) {
+        tag.rebind(1, added.serviceId);
+        status = tag.step("Update FavTag in Service Table.(Added FAV services)");
+        if (status != SQLITE_DONE)
+            return kFailed;
+    }
+    for (std::uint32_t const serviceId : plan.removals) {
+        tag.rebind(0, serviceId);
+        status = tag.step("Update FavTag in Service Table.(Removed FAV services)");
+        if (status != SQLITE_DONE)
+            return kFailed;
+    }
+    return status;
+}
+
+}  // namespace
+
+int planFavListEdit(unsigned int favoriteListId, std::vector<std::string> const& arguments,
+                    FavListPlan& plan) {
+    std::vector<unsigned int> stored;
+    if (readStoredServices(favoriteListId, stored) != SQLITE_OK)
+        return kFailed;
+    std::vector<EditEntry> entries;
+    if (!convertEntries(arguments, entries))
+        return kMalformed;
+    planRemovals(stored, entries, plan);
+    planEntries(stored, entries, plan);
+    return 0;
+}
+
+int writeFavListEdit(unsigned int favoriteListId, unsigned int favIndex, FavListPlan const& plan,
+                     Statement& itemUpdate) {
+    int const updated = writeUpdates(favoriteListId, plan, itemUpdate);
+    itemUpdate.finalize();
+    if (updated != SQLITE_DONE || writeAdditions(favoriteListId, plan) != SQLITE_DONE ||
+        writeRemovals(favoriteListId, plan) != SQLITE_DONE)
+        return kFailed;
+    return writeFavTags(favIndex, plan);
+}
+
+}  // namespace channellist
+
+int dbaccess::FAVserviceIdCallback(void* context, int /*count*/, char** values, char** /*names*/) {
+    return channellist::appendUnsigned(values, *static_cast<std::vector<unsigned int>*>(context));
+}

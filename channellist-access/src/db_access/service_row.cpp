@@ -1,0 +1,211 @@
+// One row of the service query, from SQLite's column texts to a finished result row.
+#include <channellist-access/db_access.h>
+
+#include "db_access/callback_value.h"
+#include "db_access/rows.h"
+#include "db_access/session.h"
+#include "db_access/tuning_uri.h"
+#include "dbservice_query_result/raw_service_row.h"
+#include "dbservice_query_result/service_attributes.h"
+#include "support/number_text.h"
+#include "support/text.h"
+
+namespace channellist {
+namespace {
+
+constexpr LogModule kLogModule = LogModule::DatabaseAccess;
+
+// The bits of an item kind that a row passes on.
+constexpr unsigned int kItemTypeBits = 0x1 | 0x2 | 0x4 | 0x8 | 0x10 | 0x20 | 0x100;
+
+// A parameter of the tuning URI as a number; empty without it.
+std::string uriNumber(std::string_view key) {
+    std::optional<std::string_view> const value = getLocatorParameter(sv.locator, key);
+    return value ? numberText(leadingNumber(*value)) : std::string();
+}
+
+unsigned int completedAttributes() {
+    unsigned int attributes = static_cast<unsigned int>(sv.attributes);
+    if (getLocatorParameter(sv.locator, "hdtv") == std::string_view("1"))
+        attributes |= kAttributeHdtv;
+    if ((attributes & (kAttributeEncrypted | kAttributeLocked)) == 0)
+        attributes |= kAttributeFreeToView;
+    return attributes;
+}
+
+// Clients tell tuners apart by this class: second-generation frontends count as their first.
+std::int32_t tunerClass(std::int32_t frontend) {
+    switch (frontend) {
+        case 1:
+            return 1;  // analogue
+        case 2:
+        case 6:
+            return 2;  // terrestrial
+        case 3:
+        case 7:
+            return 3;  // cable
+        case 4:
+        case 8:
+            return 4;  // satellite
+        case 5:
+            return 5;  // IP
+        default:
+            return 0;
+    }
+}
+
+struct InputClass {
+    std::string_view locator;
+    std::int32_t frontendClass;
+};
+
+constexpr InputClass kInputClasses[] = {
+    {"rec://plain/hdmi", 6}, {"rec://plain/scart", 7},    {"rec://plain/avs", 8},
+    {"rec://plain/vga", 9},  {"rec://plain/spdifin", 10},
+};
+
+std::int32_t frontendClass() {
+    if (std::optional<std::string_view> const value = getLocatorParameter(sv.locator, "frontend"))
+        return tunerClass(leadingNumber(*value));
+    for (InputClass const& input : kInputClasses)
+        if (startsWith(sv.locator, input.locator))
+            return input.frontendClass;
+    return 0;
+}
+
+std::int32_t itemTypeBits(CallSite const& site) {
+    unsigned int const kind = static_cast<unsigned int>(sv.itemKind);
+    unsigned int const remaining = kind & ~kItemTypeBits;
+    if (remaining != 0)
+        LOG_FORMAT_AT(site, kLogModule, Error, "TYPE not handled completely: %x remaining.",
+                      remaining);
+    return static_cast<std::int32_t>(kind & kItemTypeBits);
+}
+
+std::string flagText(bool flag) { return flag ? "1" : "0"; }
+
+// The text of one column, out of the snapshot.
+std::string fieldText(int field, CallSite const& site) {
+    switch (field) {
+        case SERVICE_FIELD_CAPTION:
+            return sv.caption;
+        case SERVICE_FIELD_ROW_NUMBER:
+            return numberText(static_cast<std::int32_t>(m_selectedServiceListId++));
+        case SERVICE_FIELD_ATTRIBUTES:
+            return numberText(completedAttributes());
+        case SERVICE_FIELD_FRONTEND_CLASS:
+            return numberText(frontendClass());
+        case SERVICE_FIELD_SATELLITE:
+            return uriNumber("satid");
+        case SERVICE_FIELD_CHANNEL_NUMBER:
+            return sv.userIndex;
+        case SERVICE_FIELD_UUID:
+            return sv.uuid;
+        case SERVICE_FIELD_SERVICE_ID:
+            return uriNumber("sid");
+        case SERVICE_FIELD_TRANSPORT_STREAM_ID:
+            return uriNumber("tsid");
+        case SERVICE_FIELD_ORIGINAL_NETWORK_ID:
+            return uriNumber("onid");
+        case SERVICE_FIELD_ITEM_TYPE:
+            return numberText(itemTypeBits(site));
+        case SERVICE_FIELD_VISIBLE:
+            return flagText(sv.visible);
+        case SERVICE_FIELD_SELECTABLE:
+            return flagText(sv.selectable);
+        case SERVICE_FIELD_CI_SLOT:
+            return uriNumber("slotconfig");
+        case SERVICE_FIELD_PREVIEW_PAGE:
+            return numberText(sv.previewPage);
+        case SERVICE_FIELD_SUBTITLE_PAGE:
+            return numberText(sv.subtitlePage);
+        case SERVICE_FIELD_ENCODING:
+            return numberText(sv.encoding);
+        case SERVICE_FIELD_NETWORK_ID:
+            return sv.originalAncestor;
+        case SERVICE_FIELD_ORIGINAL_UUID:
+            return sv.originalUuid;
+        case SERVICE_FIELD_LCN:
+            return sv.originalLcn;
+        case SERVICE_FIELD_FREQUENCY:
+            return uriNumber("frequency");
+        case SERVICE_FIELD_TUNER_UUID:
+            return sv.tunerUuid;
+        case SERVICE_FIELD_TEST:
+            return "test";
+        case SERVICE_FIELD_PID:
+            return numberText(static_cast<std::int32_t>(sv.servicePid));
+        case SERVICE_FIELD_NIT_ID:
+            return sv.nitId;
+        case SERVICE_FIELD_SYMBOL_RATE:
+            return uriNumber("symbolrate");
+        case SERVICE_FIELD_POLARIZATION:
+            return uriNumber("polarization");
+        default:
+            return std::string();
+    }
+}
+
+// Names the row and the column that stopped the query.
+void logBadColumn(CallSite const& site, ResultRow const& columns, ServiceColumn column) {
+    RawServiceRow const row(columns);
+    std::string_view const name = serviceColumnName(column);
+    LOG_FORMAT_AT(site, kLogModule, Error,
+                  "service %s (uuid %s): column %.*s holds no number: '%s'",
+                  row.text(ServiceColumn::Pid).c_str(), row.text(ServiceColumn::Uuid).c_str(),
+                  static_cast<int>(name.size()), name.data(), row.text(column).c_str());
+}
+
+// Converts the row without letting an exception through to SQLite.
+int computeServiceGuarded(CallSite const& site, int count, ResultRow const& row, ResultSet* out) {
+    try {
+        return dbaccess::computeService(count, row, out);
+    } catch (BadServiceColumn const& error) {
+        logBadColumn(site, row, error.column());
+    } catch (std::exception const& error) {
+        LOG_FORMAT_AT(site, kLogModule, Error, "service row not converted: %s", error.what());
+    } catch (...) {
+        LOG_TEXT_AT(site, kLogModule, Error, "service row not converted");
+    }
+    return kStopQuery;
+}
+
+}  // namespace
+}  // namespace channellist
+
+using namespace channellist;
+
+int dbaccess::service_callback(void* data, int argc, char** values, char** names) {
+    if (values == nullptr || names == nullptr) {
+        LOG_TEXT(Error, "names or values NULL !!");
+        return kStopQuery;
+    }
+    std::unique_ptr<ResultRow> const svrow = copyRawRow(argc, values);
+    if (!svrow) {
+        LOG_TEXT(Error, "malloc error of svrow !!");
+        return kStopQuery;
+    }
+    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow->size()));
+    if (computeServiceGuarded(CALL_SITE, argc, *svrow, static_cast<ResultSet*>(data)) != 0) {
+        LOG_TEXT(Error, "serivce_callback failed!!");
+        return kStopQuery;
+    }
+    return kContinueQuery;
+}
+
+int dbaccess::computeService(int argc, std::vector<std::string> const& svrow, ResultSet* out) {
+    if (static_cast<unsigned int>(argc) > svrow.size() || svrow.size() < kServiceColumnCount) {
+        LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
+        return kMalformed;
+    }
+    fetchServiceItem(svrow);
+    boost::shared_ptr<ResultRow> const row = newResultRow(m_svfield.size());
+    if (!row) {
+        LOG_TEXT(Error, "new memory failed!");
+        return kMalformed;
+    }
+    for (std::size_t column = 0; column < row->size(); ++column)
+        (*row)[column] = fieldText(m_svfield[column], CALL_SITE);
+    out->push_back(row);
+    return 0;
+}
