@@ -29,7 +29,6 @@ void writeWhole(const char* text, std::size_t length) noexcept {
     // The kernel keeps writes to a pipe whole up to PIPE_BUF only; the lock does it for any length.
     static std::mutex mutex;
     const std::lock_guard<std::mutex> lock(mutex);
-
     while (length > 0) {
         const ssize_t written = write(STDERR_FILENO, text, length);
         if (written > 0) {
