@@ -1,0 +1,87 @@
+/// Reads and writes channel lists in the text format of VDR, `channels.conf`.
+///
+/// One line is a channel of up to thirteen fields, separated by colons:
+///
+///     name,short name;provider:frequency:parameters:source:symbol rate:video pid:audio pids:
+///     teletext pid:conditional access:service id:network id:transport stream id:radio id
+///
+/// or, with a colon in front, the name of the group of channels that follows; `:@n name` also
+/// goes on counting the channels at n. A `|` in a name stands for a colon. Older lists leave out
+/// the ids at the end, and even the teletext pid. An empty line is nothing, and a line that
+/// begins with `#` and is no channel is a comment.
+#pragma once
+
+#include <channel-database/builder.h>
+
+#include <istream>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace channel_database {
+
+/// A line of a channel list that is a channel.
+struct Channel {
+    std::string name;
+    std::string shortName;
+    std::string provider;
+    int frequency = 0;      ///< as given: MHz for satellites, else MHz, kHz or Hz
+    char polarization = 0;  ///< 'H', 'V', 'L', 'R', or 0
+    /// Value by letter: B bandwidth, C code rate, M modulation, P stream or PLP id, S 1 for the
+    /// second generation (DVB-S2, -T2, -C2), and others that no database column needs.
+    std::map<char, int> parameters;
+    std::string source;  ///< "C", "T" or an orbital position, "S19.2E"
+    int symbolRate = 0;
+    std::string videoPid, audioPids, teletextPid;  ///< as given
+    std::vector<int> conditionalAccess;            ///< without the 0 that says free to air
+    int serviceId = 0;
+    int networkId = 0;
+    int transportStreamId = 0;
+    int radioId = 0;
+
+    int number = 0;  ///< position in the whole list
+    int group = -1;  ///< index in ChannelsConf::groups; -1 in front of the first
+    int line = 0;    ///< counted from 1
+
+    Delivery delivery() const;
+    /// In kHz: the frequency times 1000 until it is no smaller than a satellite's in kHz, any
+    /// other's in Hz.
+    int frequencyInKHz() const;
+    /// Tenths of a degree, west negative; 0 for cable and terrestrial channels.
+    int orbitalPosition() const;
+    bool isRadio() const;
+    /// Access numbers below 16 only name the receiving device.
+    bool isEncrypted() const;
+    /// The parameter's value; 0 when the line leaves it out or to the receiver.
+    int parameter(char letter) const;
+    /// The parameter field as formatChannel() writes it: "HC34M2S0".
+    std::string parameterText() const;
+};
+
+/// Why a line is no channel.
+struct LineError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// A line that could not be read.
+struct RejectedLine {
+    int line;
+    std::string reason;
+};
+
+/// A whole channel list.
+struct ChannelsConf {
+    std::vector<Channel> channels;
+    std::vector<std::string> groups;
+    std::vector<RejectedLine> rejected;
+};
+
+/// Reads one channel line; throws LineError.
+Channel parseChannel(const std::string& line);
+/// Reads a whole list. Lines that are not UTF-8 are taken as Latin-1.
+ChannelsConf parseChannelsConf(std::istream& text);
+/// The channel's line, with all thirteen fields.
+std::string formatChannel(const Channel& channel);
+
+}  // namespace channel_database

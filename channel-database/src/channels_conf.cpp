@@ -1,0 +1,349 @@
+#include <channel-database/channels_conf.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+#include "utf8.h"
+
+namespace channel_database {
+namespace {
+
+constexpr int kAutomatic = 999;
+constexpr int kAutomaticQam = 998;
+constexpr std::string_view kPolarizations = "HVLR";
+
+/// A parameter's letter and the values it may have; any up to 65535 when none is named.
+struct ParameterRule {
+    char letter;
+    std::vector<int> values;
+};
+
+const std::vector<ParameterRule>& parameterRules() {
+    static const std::vector<int> codeRates{0, 12, 13, 14, 23, 25, 34, 35, 45, 56, 67, 78, 89, 910};
+    static const std::vector<ParameterRule> rules{
+        {'B', {5, 6, 7, 8, 10, 1712}},
+        {'C', codeRates},
+        {'D', codeRates},
+        {'G', {4, 8, 16, 32, 128, 19128, 19256}},
+        {'I', {0, 1}},
+        {'M', {2, 5, 6, 7, 10, 11, 12, 16, 32, 64, 128, 256, kAutomaticQam}},
+        {'N', {0, 1}},
+        {'O', {0, 15, 10, 5, 20, 25, 35}},
+        {'P', {}},
+        {'Q', {}},
+        {'S', {0, 1}},
+        {'T', {1, 2, 4, 8, 16, 32}},
+        {'X', {0, 1}},
+        {'Y', {0, 1, 2, 4}},
+    };
+    return rules;
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view kBlank = " \t\r\n";
+    const auto first = text.find_first_not_of(kBlank);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    for (;;) {
+        const auto end = text.find(separator);
+        parts.emplace_back(trimmed(text.substr(0, end)));
+        if (end == std::string_view::npos) {
+            return parts;
+        }
+        text.remove_prefix(end + 1);
+    }
+}
+
+/// The number at the beginning of `text`, which is taken off it.
+std::optional<int> leadingNumber(std::string_view& text, int base = 10) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    if (error != std::errc() || number < 0) {
+        return std::nullopt;
+    }
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return number;
+}
+
+int numberField(const char* what, std::string_view text, int largest, int base = 10) {
+    std::string_view rest = text;
+    const auto number = leadingNumber(rest, base);
+    if (!number || !rest.empty() || *number > largest) {
+        throw LineError(std::string(what) + " '" + std::string(text) + "' is no number up to " +
+                        std::to_string(largest));
+    }
+    return *number;
+}
+
+void readNames(std::string field, Channel& channel) {
+    if (const auto semicolon = field.find(';'); semicolon != std::string::npos) {
+        channel.provider = field.substr(semicolon + 1);
+        field.erase(semicolon);
+    }
+    // A long name may hold a comma, a short one never does.
+    if (const auto comma = field.rfind(','); comma != std::string::npos) {
+        channel.shortName = field.substr(comma + 1);
+        field.erase(comma);
+    }
+    channel.name = field;
+    for (std::string* text : {&channel.name, &channel.shortName, &channel.provider}) {
+        std::replace(text->begin(), text->end(), '|', ':');
+    }
+}
+
+void checkParameter(char letter, int value) {
+    const auto& rules = parameterRules();
+    const auto rule = std::find_if(rules.begin(), rules.end(),
+                                   [&](const ParameterRule& r) { return r.letter == letter; });
+    if (rule == rules.end()) {
+        throw LineError(std::string("parameter ") + letter + " is not known");
+    }
+    const auto& values = rule->values;
+    const bool fits = values.empty()
+                          ? value <= 65535
+                          : std::find(values.begin(), values.end(), value) != values.end();
+    if (!fits && value != kAutomatic) {
+        throw LineError(std::string("parameter ") + letter + " cannot be " + std::to_string(value));
+    }
+}
+
+void readParameters(std::string_view field, Channel& channel) {
+    while (!field.empty()) {
+        const char given = field[0];
+        const char letter =
+            given >= 'a' && given <= 'z' ? static_cast<char>(given - 'a' + 'A') : given;
+        field.remove_prefix(1);
+        const auto value = leadingNumber(field);
+        if (value) {
+            checkParameter(letter, *value);
+            channel.parameters[letter] = *value;
+        } else if (kPolarizations.find(letter) != std::string_view::npos) {
+            channel.polarization = letter;
+        } else {
+            throw LineError(std::string("parameter ") + given + " has no value");
+        }
+    }
+}
+
+/// The orbital position of "S19.2E" in tenths of a degree.
+std::optional<int> readOrbitalPosition(std::string_view source) {
+    source.remove_prefix(1);
+    const auto degrees = leadingNumber(source);
+    if (!degrees || *degrees > 180) {
+        return std::nullopt;
+    }
+    int tenths = *degrees * 10;
+    if (source.size() == 3 && source[0] == '.' && source[1] >= '0' && source[1] <= '9') {
+        tenths += source[1] - '0';
+        source.remove_prefix(2);
+    }
+    if (source == "E") {
+        return tenths;
+    }
+    return source == "W" ? std::optional<int>(-tenths) : std::nullopt;
+}
+
+void checkSource(const std::string& source) {
+    const bool known = source == "C" || source == "T" ||
+                       (!source.empty() && source[0] == 'S' && readOrbitalPosition(source));
+    if (!known) {
+        throw LineError("source '" + source + "' is no satellite, cable or terrestrial source");
+    }
+}
+
+void readConditionalAccess(const std::string& field, Channel& channel) {
+    for (const std::string& part : split(field, ',')) {
+        if (const int id = numberField("conditional access", part, 0xFFFF, 16)) {
+            channel.conditionalAccess.push_back(id);
+        }
+    }
+}
+
+std::string withBars(std::string text) {
+    std::replace(text.begin(), text.end(), ':', '|');
+    return text;
+}
+
+std::string hexadecimal(int number) {
+    char digits[8];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number, 16).ptr;
+    std::transform(digits, end, digits,
+                   [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return std::string(digits, end);
+}
+
+}  // namespace
+
+Channel parseChannel(const std::string& line) {
+    auto fields = split(line, ':');
+    if (fields.size() < 9 || fields.size() > 13) {
+        throw LineError("a channel has 9 to 13 fields, this line " + std::to_string(fields.size()));
+    }
+    if (fields.size() == 9) {
+        fields.insert(fields.begin() + 7, "0");  // the oldest lists have no teletext pid
+    }
+    fields.resize(13, "0");
+
+    Channel channel;
+    readNames(fields[0], channel);
+    channel.frequency = numberField("frequency", fields[1], 2147483647);
+    if (channel.frequency == 0) {
+        throw LineError("the frequency is 0");
+    }
+    readParameters(fields[2], channel);
+    channel.source = fields[3];
+    checkSource(channel.source);
+    channel.symbolRate = numberField("symbol rate", fields[4], 2147483647);
+    channel.videoPid = fields[5];
+    std::string_view pid = channel.videoPid;
+    if (!leadingNumber(pid)) {
+        throw LineError("video pid '" + channel.videoPid + "' is no number");
+    }
+    channel.audioPids = fields[6];
+    channel.teletextPid = fields[7];
+    readConditionalAccess(fields[8], channel);
+    channel.serviceId = numberField("service id", fields[9], 0xFFFF);
+    channel.networkId = numberField("network id", fields[10], 0xFFFF);
+    channel.transportStreamId = numberField("transport stream id", fields[11], 0xFFFF);
+    channel.radioId = numberField("radio id", fields[12], 0xFFFF);
+    return channel;
+}
+
+ChannelsConf parseChannelsConf(std::istream& text) {
+    ChannelsConf list;
+    int lineNumber = 0;
+    int nextNumber = 1;
+    for (std::string raw; std::getline(text, raw);) {
+        ++lineNumber;
+        if (lineNumber == 1 && raw.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+            raw.erase(0, 3);
+        }
+        const std::string line = isUtf8(raw) ? raw : latin1ToUtf8(raw);
+        std::string_view content = trimmed(line);
+        if (content.empty()) {
+            continue;
+        }
+        if (content[0] == ':') {
+            content.remove_prefix(1);
+            if (content.substr(0, 1) == "@") {
+                std::string_view behind = content.substr(1);
+                if (const auto number = leadingNumber(behind)) {
+                    nextNumber = std::max(nextNumber, *number);
+                    content = behind;
+                }
+            }
+            std::string name(trimmed(content));
+            if (!name.empty()) {  // a number alone leaves the group open
+                std::replace(name.begin(), name.end(), '|', ':');
+                list.groups.push_back(name);
+            }
+            continue;
+        }
+        try {
+            Channel channel = parseChannel(std::string(content));
+            channel.number = nextNumber++;
+            channel.group = static_cast<int>(list.groups.size()) - 1;
+            channel.line = lineNumber;
+            list.channels.push_back(std::move(channel));
+        } catch (const LineError& error) {
+            if (content[0] != '#') {
+                list.rejected.push_back({lineNumber, error.what()});
+            }
+        }
+    }
+    return list;
+}
+
+std::string formatChannel(const Channel& channel) {
+    std::string names = withBars(channel.name);
+    if (!channel.shortName.empty()) {
+        names += "," + withBars(channel.shortName);
+    }
+    if (!channel.provider.empty()) {
+        names += ";" + withBars(channel.provider);
+    }
+    std::string access;
+    for (const int id : channel.conditionalAccess) {
+        access += (access.empty() ? "" : ",") + hexadecimal(id);
+    }
+    const std::string fields[] = {names,
+                                  std::to_string(channel.frequency),
+                                  channel.parameterText(),
+                                  channel.source,
+                                  std::to_string(channel.symbolRate),
+                                  channel.videoPid,
+                                  channel.audioPids,
+                                  channel.teletextPid,
+                                  access.empty() ? "0" : access,
+                                  std::to_string(channel.serviceId),
+                                  std::to_string(channel.networkId),
+                                  std::to_string(channel.transportStreamId),
+                                  std::to_string(channel.radioId)};
+    std::string line;
+    for (const std::string& field : fields) {
+        line += (&field == fields ? "" : ":") + field;
+    }
+    return line;
+}
+
+Delivery Channel::delivery() const {
+    const bool second = parameter('S') == 1;
+    switch (source[0]) {
+        case 'T':
+            return second ? Delivery::DvbT2 : Delivery::DvbT;
+        case 'C':
+            return second ? Delivery::DvbC2 : Delivery::DvbC;
+        default:
+            return second ? Delivery::DvbS2 : Delivery::DvbS;
+    }
+}
+
+int Channel::frequencyInKHz() const {
+    std::int64_t scaled = frequency;
+    while (scaled < 1000000) {
+        scaled *= 1000;
+    }
+    return static_cast<int>(source[0] == 'S' ? scaled : (scaled + 500) / 1000);
+}
+
+int Channel::orbitalPosition() const {
+    return source[0] == 'S' ? readOrbitalPosition(source).value_or(0) : 0;
+}
+
+bool Channel::isRadio() const {
+    std::string_view rest = videoPid;
+    return leadingNumber(rest).value_or(0) <= 1;  // 1 stands for encrypted radio
+}
+
+bool Channel::isEncrypted() const {
+    return std::any_of(conditionalAccess.begin(), conditionalAccess.end(),
+                       [](int id) { return id >= 0x10; });
+}
+
+int Channel::parameter(char letter) const {
+    const auto found = parameters.find(letter);
+    const bool automatic = found == parameters.end() || found->second == kAutomatic ||
+                           (letter == 'M' && found->second == kAutomaticQam);
+    return automatic ? 0 : found->second;
+}
+
+std::string Channel::parameterText() const {
+    std::string text;
+    if (polarization != 0) {
+        text += polarization;
+    }
+    for (const auto& [letter, value] : parameters) {
+        text += letter + std::to_string(value);
+    }
+    return text;
+}
+
+}  // namespace channel_database

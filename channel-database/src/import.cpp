@@ -1,0 +1,254 @@
+#include <channel-database/import.h>
+
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+namespace channel_database {
+namespace {
+
+constexpr int kFavLists = 4;
+constexpr int kAstraPosition = 192;
+constexpr int kAstraNetwork = 1;
+constexpr int kNoNetwork = -1;  // of a list whose services come from many
+constexpr const char* kInputs[] = {"hdmi1", "hdmi2",  "hdmi3",    "hdmi4",    "AV1",      "AVS",
+                                   "PC IN", "ANALOG", "SPDIF IN", "SCART AV", "COMPONENT"};
+
+/// The set numbers 19.2 degrees east 4; the others follow from their position, which keeps them
+/// apart from any number that a set gives itself.
+int satelliteNumber(int position) {
+    return position == kAstraPosition ? 4 : 1000 + (position < 0 ? 3600 + position : position);
+}
+
+int polarizationNumber(char letter) {
+    constexpr std::string_view kLetters = "HVLR";
+    const auto index = kLetters.find(letter);
+    return index == std::string_view::npos ? 0 : static_cast<int>(index) + 1;
+}
+
+/// Low and high band of the universal LNB, whose switching frequency is 11.7 GHz.
+int bandNumber(int kHz) {
+    if (kHz < 10700000 || kHz > 12750000) {
+        return 0;
+    }
+    return kHz < 11700000 ? 1 : 2;
+}
+
+/// The MODCOD of EN 302 307, table 12; 0 when the two do not go together.
+int modulationCoding(int modulation, int codeRate) {
+    struct Row {
+        int modulation;
+        int first;
+        std::vector<int> codeRates;
+    };
+    static const Row kRows[] = {{2, 1, {14, 13, 25, 12, 35, 23, 34, 45, 56, 89, 910}},
+                                {5, 12, {35, 23, 34, 56, 89, 910}},
+                                {6, 18, {23, 34, 45, 56, 89, 910}},
+                                {7, 24, {34, 45, 56, 89, 910}}};
+    for (const Row& row : kRows) {
+        for (std::size_t i = 0; i < row.codeRates.size(); ++i) {
+            if (row.modulation == modulation && row.codeRates[i] == codeRate) {
+                return row.first + static_cast<int>(i);
+            }
+        }
+    }
+    return 0;
+}
+
+/// The list says nothing about the picture, so the name has to: "ZDF HD", "Ultra HD", "UHD1".
+bool isHighDefinition(const Channel& channel) {
+    return !channel.isRadio() && channel.name.find("HD") != std::string::npos;
+}
+
+class Importer {
+  public:
+    Importer(ChannelDatabase& database, const ChannelsConf& list)
+        : database_(database),
+          list_(list),
+          all_(makeList("tamun.sl2.servicelist$all", "$all", "all")),
+          av_(makeList("tamun.sl2.servicelist$av", "$av", "av")) {
+        for (int i = 1; i <= kFavLists; ++i) {
+            const std::string number = std::to_string(i);
+            makeList("User.tvFAV" + number, "FAV" + number, "fav" + number);
+        }
+    }
+
+    void addInputs() {
+        int number = 0;
+        for (const char* name : kInputs) {
+            database_.put(av_, database_.input(name), ++number);
+        }
+    }
+
+    void addChannel(const Channel& channel) {
+        Service service = makeService(channel);
+        const Id delivery = deliveryList(channel);
+        database_.put(delivery, service, channel.number);
+        database_.put(all_, service, channel.number).original(delivery);
+        if (channel.orbitalPosition() == kAstraPosition) {
+            const Id astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
+                                    "astra-19.2e", kAstraNetwork);
+            database_.put(astra, service, channel.number);
+        }
+        if (channel.group >= 0) {
+            addToGroup(channel, service, delivery);
+        }
+    }
+
+    void finish() {
+        database_.run(
+            "UPDATE FavoriteList SET MaxChannelNumber = (SELECT ifnull(max(ChannelNum), 0)"
+            " FROM FavoriteItem WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0)");
+    }
+
+  private:
+    Id makeList(const std::string& creator, const std::string& name, const std::string& uuid,
+                int network = kNoNetwork) {
+        const Id list = database_.list(creator).name(name).uuid(uuid).networkId(network);
+        lists_[uuid] = list;
+        return list;
+    }
+
+    /// The list of that uuid, made when it is wanted for the first time.
+    Id listOf(const std::string& creator, const std::string& name, const std::string& uuid,
+              int network = kNoNetwork) {
+        const auto found = lists_.find(uuid);
+        return found != lists_.end() ? found->second : makeList(creator, name, uuid, network);
+    }
+
+    Id deliveryList(const Channel& channel) {
+        switch (channel.source[0]) {
+            case 'T':
+                return listOf("servicelist://tamun.dvbt", "DVB-T", "dvbt");
+            case 'C':
+                return listOf("servicelist://tamun.dvbc", "DVB-C", "dvbc");
+            default:
+                return listOf("servicelist://tamun.dvbs", "DVB-S", "dvbs");
+        }
+    }
+
+    void addToGroup(const Channel& channel, Service& service, Id delivery) {
+        const std::string kind = channel.isRadio() ? "radio" : "tv";
+        const std::string number = std::to_string(channel.group + 1);
+        const std::string& name = list_.groups[static_cast<std::size_t>(channel.group)];
+        const Id user = listOf("User." + kind + "." + number, name, "user-" + kind + "-" + number);
+        database_.put(user, service, ++counts_[user]).original(delivery);
+        if (channel.group < kFavLists) {
+            const Id fav = lists_.at("fav" + number);
+            database_.put(fav, service, ++counts_[fav]).original(delivery);
+            service.favTag(channel.group + 1);
+        }
+    }
+
+    Service makeService(const Channel& channel) {
+        const std::string transponder = transponderText(channel);
+        const auto known = tuners_.find(transponder);
+        Service service = database_.service(channel.delivery(), channel.name, kNewId,
+                                            known == tuners_.end() ? kNewId : known->second);
+        if (known == tuners_.end()) {
+            tuners_[transponder] = service.tuner();
+            writeTuner(channel, service.tunerUuid(transponder));
+        }
+        service.uuid(newUuid(channel))
+            .triplet(channel.networkId, channel.transportStreamId, channel.serviceId)
+            .set("MediaType", channel.isRadio() ? 2 : 1)
+            .encrypted(channel.isEncrypted())
+            .hdtv(isHighDefinition(channel));
+        if (!channel.shortName.empty()) {
+            service.shortName(channel.shortName).serviceName(channel.name);  // lists show the name
+        }
+        return service;
+    }
+
+    static std::string transponderText(const Channel& channel) {
+        return channel.source + "-" + std::to_string(channel.frequencyInKHz()) + "-" +
+               channel.parameterText() + "-" + std::to_string(channel.symbolRate) + "-" +
+               std::to_string(channel.networkId);
+    }
+
+    static void writeTuner(const Channel& channel, Service& service) {
+        const int kHz = channel.frequencyInKHz();
+        service.nitId(channel.networkId)
+            .frequency(kHz)
+            .set("SpectrumInversion", channel.parameter('I'));
+        switch (channel.delivery()) {
+            case Delivery::DvbT:
+            case Delivery::DvbT2:
+                service.set("Constellation", channel.parameter('M'));
+                service.set("Bandwidth", channel.parameter('B'));
+                break;
+            case Delivery::DvbC:
+                service.set("Modulation", channel.parameter('M'));
+                service.symbolRate(channel.symbolRate);
+                break;
+            case Delivery::DvbC2:
+                service.set("Bandwidth", channel.parameter('B'));
+                break;
+            case Delivery::DvbS:
+                service.set("Modulation", channel.parameter('M'));
+                service.set("CodeRate", channel.parameter('C'));
+                break;
+            default:
+                service.set("ModulationCoding",
+                            modulationCoding(channel.parameter('M'), channel.parameter('C')));
+                break;
+        }
+        if (channel.delivery() == Delivery::DvbT2 || channel.delivery() == Delivery::DvbC2) {
+            service.plpId(channel.parameter('P'));
+        }
+        if (channel.source[0] == 'S') {
+            service.satellite(satelliteNumber(channel.orbitalPosition()))
+                .symbolRate(channel.symbolRate)
+                .polarization(polarizationNumber(channel.polarization))
+                .set("Band", bandNumber(kHz));
+        }
+    }
+
+    /// The channel id; "#2" and so on behind it when the list names the channel again.
+    std::string newUuid(const Channel& channel) {
+        // Lists without ids know a transponder by its frequency alone.
+        const bool hasIds = channel.networkId != 0 || channel.transportStreamId != 0;
+        const int transponder =
+            hasIds ? channel.transportStreamId : channel.frequencyInKHz() / 1000;
+        std::string id = channel.source + "-" + std::to_string(channel.networkId) + "-" +
+                         std::to_string(transponder) + "-" + std::to_string(channel.serviceId);
+        if (channel.radioId != 0) {
+            id += "-" + std::to_string(channel.radioId);
+        }
+        const int occurrence = ++uuids_[id];
+        return occurrence == 1 ? id : id + "#" + std::to_string(occurrence);
+    }
+
+    ChannelDatabase& database_;
+    const ChannelsConf& list_;
+    std::map<std::string, Id> lists_;   // by uuid
+    std::map<std::string, Id> tuners_;  // by transponder
+    std::map<std::string, int> uuids_;
+    std::map<Id, Id> counts_;  // of the items of the lists that count from 1
+    Id all_;
+    Id av_;
+};
+
+}  // namespace
+
+void importChannels(ChannelDatabase& database, const ChannelsConf& list,
+                    const ImportProgress& progress) {
+    Transaction transaction(database);
+    if (database.value("SELECT count(*) FROM FavoriteList") != "0") {
+        throw std::runtime_error("the database holds lists already");
+    }
+    Importer importer(database, list);
+    importer.addInputs();
+    std::size_t done = 0;
+    for (const Channel& channel : list.channels) {
+        importer.addChannel(channel);
+        if (progress) {
+            progress(++done, list.channels.size());
+        }
+    }
+    importer.finish();
+    transaction.commit();
+}
+
+}  // namespace channel_database
