@@ -1,0 +1,183 @@
+#include "support/platform_doubles.h"
+
+#include <dlfcn.h>
+#include <orv-debug/orv_debug.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace platform {
+namespace {
+
+struct State {
+    int sleepCount = 0;
+    unsigned long long sleptMicroseconds = 0;
+    std::function<void(int)> sleepHook;
+    std::vector<std::string> commands;
+    std::function<int(const std::string&)> commandHook;
+    std::vector<Message> messages;
+    int checkCount = 0;
+    std::function<bool(unsigned int)> enabled;
+    std::vector<std::string> openedPaths;
+    std::map<std::string, std::string> redirections;
+};
+
+std::mutex stateMutex;
+State state;
+
+// The answer of `read` while no other thread changes the state.
+template <typename Action>
+auto locked(Action action) {
+    std::lock_guard<std::mutex> const lock(stateMutex);
+    return action(state);
+}
+
+// What this thread asked last and was told is enabled; 0 when nothing.
+thread_local unsigned int enabledWord = 0;
+
+constexpr char kPrefix[] = "%s:%d:%s(): ";
+
+std::string formatted(const char* format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    int const length = std::vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    text.pop_back();
+    return text;
+}
+
+Message takenApart(unsigned int word, const char* format, va_list arguments) {
+    Message message;
+    message.module = word >> 16;
+    message.level = word & 0xffff;
+    message.format = format;
+    va_list again;
+    va_copy(again, arguments);
+    message.text = formatted(format, again);
+    va_end(again);
+    if (message.format.rfind(kPrefix, 0) != 0 || message.text.back() != '\n' ||
+        enabledWord != word) {
+        message.text = "MALFORMED " + message.text;
+        return message;
+    }
+    message.file = va_arg(arguments, const char*);
+    message.line = va_arg(arguments, int);
+    message.function = va_arg(arguments, const char*);
+    auto const prefix = message.file.size() + message.function.size() +
+                        std::to_string(message.line).size() + sizeof "::(): " - 1;
+    message.text = message.text.substr(prefix, message.text.size() - prefix - 1);
+    return message;
+}
+
+}  // namespace
+
+void reset() {
+    locked([](State& s) { s = State(); });
+}
+
+int sleepCount() {
+    return locked([](State& s) { return s.sleepCount; });
+}
+
+unsigned long long sleptMicroseconds() {
+    return locked([](State& s) { return s.sleptMicroseconds; });
+}
+
+void onSleep(std::function<void(int)> hook) {
+    locked([&](State& s) { s.sleepHook = std::move(hook); });
+}
+
+std::vector<std::string> commands() {
+    return locked([](State& s) { return s.commands; });
+}
+
+void onCommand(std::function<int(const std::string&)> hook) {
+    locked([&](State& s) { s.commandHook = std::move(hook); });
+}
+
+std::vector<Message> messages() {
+    return locked([](State& s) { return s.messages; });
+}
+
+void forgetMessages() {
+    locked([](State& s) { s.messages.clear(); });
+}
+
+int checkCount() {
+    return locked([](State& s) { return s.checkCount; });
+}
+
+void enableLevels(std::function<bool(unsigned int)> enabled) {
+    locked([&](State& s) { s.enabled = std::move(enabled); });
+}
+
+std::vector<std::string> openedPaths() {
+    return locked([](State& s) { return s.openedPaths; });
+}
+
+void redirectOpen(const std::string& path, const std::string& file) {
+    locked([&](State& s) { s.redirections[path] = file; });
+}
+
+}  // namespace platform
+
+using platform::locked;
+using platform::State;
+
+extern "C" int usleep(useconds_t microseconds) {
+    auto const [hook, count] = locked([&](State& s) {
+        s.sleptMicroseconds += microseconds;
+        ++s.sleepCount;
+        return std::pair(s.sleepHook, s.sleepCount);
+    });
+    if (hook) {
+        hook(count);
+    }
+    return 0;
+}
+
+extern "C" int system(const char* command) {
+    auto const hook = locked([&](State& s) {
+        s.commands.emplace_back(command);
+        return s.commandHook;
+    });
+    return hook ? hook(command) : 0;
+}
+
+extern "C" int orvDebugCheckLevelGetFrameAndChunk(unsigned int* descriptor) {
+    bool const isPlain = descriptor[1] == 0 && descriptor[2] == 0;
+    bool const isEnabled = locked([&](State& s) {
+        ++s.checkCount;
+        return !s.enabled || s.enabled(descriptor[0] & 0xffff);
+    });
+    platform::enabledWord = isPlain && isEnabled ? descriptor[0] : 0;
+    return isEnabled ? 1 : 0;
+}
+
+extern "C" void orvDebugOutput0(unsigned int* descriptor, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    auto message = platform::takenApart(descriptor[0], format, arguments);
+    va_end(arguments);
+    platform::enabledWord = 0;
+    locked([&](State& s) { s.messages.push_back(std::move(message)); });
+}
+
+extern "C" int sqlite3_open(const char* path, sqlite3** connection) {
+    static auto const realOpen =
+        reinterpret_cast<decltype(&sqlite3_open)>(dlsym(RTLD_NEXT, "sqlite3_open"));
+    std::string const file = locked([&](State& s) {
+        s.openedPaths.emplace_back(path);
+        auto const redirection = s.redirections.find(path);
+        return redirection == s.redirections.end() ? std::string(path) : redirection->second;
+    });
+    return realOpen(file.c_str(), connection);
+}

@@ -1,0 +1,56 @@
+// A channel database of its own for every test, behind the fixed path that the library opens.
+#pragma once
+
+#include <channel-database/builder.h>
+#include <channellist-access/db_access.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/platform_doubles.h"
+
+/// Holds a write lock on the database in a connection of its own until release() or its end.
+class DatabaseLock {
+  public:
+    explicit DatabaseLock(const std::string& file);
+    ~DatabaseLock() { release(); }
+    DatabaseLock(const DatabaseLock&) = delete;
+    DatabaseLock& operator=(const DatabaseLock&) = delete;
+    void release();
+
+  private:
+    sqlite3* connection_ = nullptr;
+};
+
+class TestDatabase : public testing::Test {
+  protected:
+    /// Makes the directory and the empty database, and brings the library's globals and the
+    /// platform's doubles into the state of a fresh process.
+    void SetUp() override;
+    /// Closes the library's connections, which must hold no open statement any more.
+    void TearDown() override;
+
+    /// The rows of a query on a separate connection, "a|b;c|d", NULL as "NULL".
+    std::string rows(const std::string& sql) const;
+    /// The cells of an answer of the library, "a|b;c|d".
+    static std::string joined(const ResultSet& answer);
+    static std::string joined(const ResultRow& row);
+    /// Column `column` of every row of an answer, "a;b".
+    static std::string column(const ResultSet& answer, std::size_t column);
+    /// Texts of the messages of one level so far.
+    static std::vector<std::string> texts(unsigned int level = 1000);
+    /// Number of times that the library opened the fixed path.
+    static int opens();
+
+    const std::string& file() const { return file_; }
+    const std::string& directory() const { return directory_; }
+    /// The builder's connection to the database.
+    channel_database::ChannelDatabase& database() { return *database_; }
+
+  private:
+    std::string directory_;
+    std::string file_;
+    std::unique_ptr<channel_database::ChannelDatabase> database_;
+};
