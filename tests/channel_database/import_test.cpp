@@ -24,7 +24,7 @@ ChannelsConf sample() {
 }
 
 const char kSmallList[] =
-    "Ungrouped:410:M64:C:6900:1:1:0:100:8:0:0:0\n"
+    "Ungrouped:410:M64:C:6900:255:256:0:100:8:0:0:0\n"
     ":First\n"
     "Astra HD,AHD:11493:HC23M5O35P0S1:S19.2E:22000:5101=27:0:0:0:10301:1:1019:0\n"
     "Radio:12603:LC56M2S0:S19.2E:22000:0:101:0:0:7289:1:1111:0\n"
