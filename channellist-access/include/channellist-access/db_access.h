@@ -4,8 +4,7 @@
 // Conventions of every function here, unless its comment says otherwise:
 //
 // - Opening. There is no initialisation call. A function that "opens on demand" uses `db` when it
-// is
-//   not null (a host may set it to a connection of its own before the first call) and otherwise
+//   is not null (a host may set it to a connection of its own before the first call) and otherwise
 //   opens the file, once per process. When the open fails the handle is closed, `db` is null again,
 //   and the next call tries anew; get_dbservices differs, see there. `db` is never closed.
 // - Locks. Four entry points hold svresult_mutex from start to return: get_dbservices,
@@ -160,8 +159,7 @@ CHANNELLIST_ACCESS_EXPORT int service_callback(void* data, int argc, char** valu
 /// one: 6 HDMI, 7 SCART, 8 AVS, 9 VGA, 10 S/PDIF, else 0.
 ///
 /// @return 0; -1 with nothing appended when `argc` (as an unsigned number) exceeds the row's
-/// length,
-///         the row is shorter than 34 strings, or the result row cannot be allocated.
+///         length, the row is shorter than 34 strings, or the result row cannot be allocated.
 /// @throws boost::bad_lexical_cast when an integer column does not convert.
 CHANNELLIST_ACCESS_EXPORT int computeService(int argc, std::vector<std::string> const& svrow,
                                              ResultSet* out);
@@ -238,8 +236,7 @@ CHANNELLIST_ACCESS_EXPORT int onServiceListEdit(std::vector<std::string> argumen
 ///
 /// @param listPid key of the list
 /// @return 0; -2 when `favIndex` is not 1 to 4, the database is not open, the list has no such
-/// item,
-///         or the statement does not prepare; nothing is written then.
+///         item, or the statement does not prepare; nothing is written then.
 CHANNELLIST_ACCESS_EXPORT int renumberFAVList(unsigned int listPid, unsigned char favIndex);
 
 /// Advances the change counter of the list with key `listPid` by one; 65535 becomes 0. Does not
@@ -342,8 +339,7 @@ CHANNELLIST_ACCESS_EXPORT int getOttFav4List(std::vector<unsigned int>& values);
 CHANNELLIST_ACCESS_EXPORT int initViews(sqlite3* db);
 
 /// A busy handler for sqlite3_busy_handler that never gives up: sleeps 100 ms, logs `count`,
-/// returns
-/// 1. The library registers it nowhere. `arg` is not used.
+/// returns 1. The library registers it nowhere. `arg` is not used.
 CHANNELLIST_ACCESS_EXPORT int busy_callback(void* arg, int count);
 
 /// Prints the folders, then `argc`, and queries the services of the lists whose uuids are argv[1]

@@ -56,7 +56,7 @@ int editInTransaction(CallSite const& site, Write write) {
     LOG_TEXT_AT(site, kLogModule, Verbose, "COMMIT TRANSACTION.");
     if (transaction.commit(site) != SQLITE_OK)
         return kFailed;
-    // The edit is committed whether or not the flush succeeds.
+    // The edit stands whatever this gives, and in a host that ignores SIGCHLD it always gives -1.
     [[maybe_unused]] int const flushed = std::system("sync");
     return status;
 }
