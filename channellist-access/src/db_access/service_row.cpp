@@ -180,13 +180,14 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    std::unique_ptr<ResultRow> const svrow = copyRawRow(argc, values);
-    if (!svrow) {
+    // Kept from row to row for its memory. Like `sv` it has no lock of its own.
+    static ResultRow svrow;
+    if (!copyRawRow(argc, values, svrow)) {
         LOG_TEXT(Error, "malloc error of svrow !!");
         return kStopQuery;
     }
-    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow->size()));
-    if (computeServiceGuarded(CALL_SITE, argc, *svrow, static_cast<ResultSet*>(data)) != 0) {
+    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow.size()));
+    if (computeServiceGuarded(CALL_SITE, argc, svrow, static_cast<ResultSet*>(data)) != 0) {
         LOG_TEXT(Error, "serivce_callback failed!!");
         return kStopQuery;
     }
@@ -205,8 +206,8 @@ int dbaccess::computeService(int argc, std::vector<std::string> const& svrow, Re
         return kMalformed;
     }
     TuningUri const uri(sv.locator);
-    for (std::size_t column = 0; column < row->size(); ++column)
-        (*row)[column] = fieldText(m_svfield[column], uri, CALL_SITE);
+    for (int const field : m_svfield)
+        row->push_back(fieldText(field, uri, CALL_SITE));
     out->push_back(row);
     return 0;
 }
