@@ -14,8 +14,8 @@ namespace {
 
 constexpr LogModule kLogModule = LogModule::ItemAssembly;
 
-constexpr char kVideoBroadcast[] = "object.item.videoItem.videoBroadcast";
-constexpr char kAudioBroadcast[] = "object.item.audioItem.audioBroadcast";
+std::string const kVideoBroadcast = "object.item.videoItem.videoBroadcast";
+std::string const kAudioBroadcast = "object.item.audioItem.audioBroadcast";
 constexpr std::int32_t kMediaTypeRadio = 2;
 
 // What the item of a list says of a service; a negative value leaves the service's own flag.
@@ -46,7 +46,7 @@ ServiceSnapshot snapshotOf(ItemInfo const& item) {
     };
 }
 
-void setBroadcastProperties(ItemInfo& item, RawServiceRow const& row, const char* subType) {
+void setBroadcastProperties(ItemInfo& item, RawServiceRow const& row, std::string const& subType) {
     item.setItemSubType(subType);
     item.setVisible(row.isSet(ServiceColumn::SVisible));
     item.setSelectable(row.isSet(ServiceColumn::SSelectable));
@@ -79,8 +79,8 @@ void completeItem(ItemInfo& item, RawServiceRow const& row, std::string const& l
 }
 
 template <typename Item>
-void assembleBroadcast(RawServiceRow const& row, const char* subType, unsigned int attributes,
-                       ItemOverrides const& overrides) {
+void assembleBroadcast(RawServiceRow const& row, std::string const& subType,
+                       unsigned int attributes, ItemOverrides const& overrides) {
     Item item(row.text(ServiceColumn::ExternalName), row.text(ServiceColumn::Uuid));
     setBroadcastProperties(item, row, subType);
     completeItem(item, row, row.text(ServiceColumn::Uri), attributes, overrides);
