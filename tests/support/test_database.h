@@ -3,6 +3,7 @@
 
 #include <channel-database/builder.h>
 #include <channellist-access/db_access.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -10,6 +11,9 @@
 #include <vector>
 
 #include "support/platform_doubles.h"
+
+/// What the library says of each attempt on a busy database.
+constexpr char kTryAgain[] = " database is locked, try again";
 
 /// Holds a write lock on the database in a connection of its own until release() or its end.
 class DatabaseLock {
