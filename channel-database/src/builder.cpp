@@ -34,15 +34,15 @@ constexpr TunerKind kTuners[] = {
 };
 // clang-format on
 
-void bind(sqlite3_stmt* statement, int position, const Value& value) {
+int bind(sqlite3_stmt* statement, int position, const Value& value) {
     if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        sqlite3_bind_int64(statement, position, *number);
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-        sqlite3_bind_text(statement, position, text->data(), static_cast<int>(text->size()),
-                          SQLITE_TRANSIENT);
-    } else {
-        sqlite3_bind_null(statement, position);
+        return sqlite3_bind_int64(statement, position, *number);
     }
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        return sqlite3_bind_text(statement, position, text->data(), static_cast<int>(text->size()),
+                                 SQLITE_TRANSIENT);
+    }
+    return sqlite3_bind_null(statement, position);
 }
 
 sqlite3* openFile(const std::string& path) {
@@ -159,9 +159,12 @@ Service ChannelDatabase::input(const std::string& name, Id pid) {
 
 void ChannelDatabase::run(const std::string& sql, std::initializer_list<Value> parameters) {
     sqlite3_stmt* statement = prepared(sql);
+    sqlite3_clear_bindings(statement);
     int position = 0;
     for (const Value& value : parameters) {
-        bind(statement, ++position, value);
+        if (bind(statement, ++position, value) != SQLITE_OK) {
+            fail(sql);
+        }
     }
     while (sqlite3_step(statement) == SQLITE_ROW) {
     }

@@ -180,6 +180,48 @@ std::string hexadecimal(int number) {
     return std::string(digits, end);
 }
 
+/// Gathers a list line by line.
+struct ListReader {
+    void read(std::string_view line, int lineNumber) {
+        if (line.empty()) {
+            return;
+        }
+        if (line[0] == ':') {
+            readGroup(line.substr(1));
+            return;
+        }
+        try {
+            Channel channel = parseChannel(std::string(line));
+            channel.number = nextNumber++;
+            channel.group = static_cast<int>(list.groups.size()) - 1;
+            channel.line = lineNumber;
+            list.channels.push_back(std::move(channel));
+        } catch (const LineError& error) {
+            if (line[0] != '#') {
+                list.rejected.push_back({lineNumber, error.what()});
+            }
+        }
+    }
+
+    void readGroup(std::string_view text) {
+        if (text.substr(0, 1) == "@") {
+            std::string_view behind = text.substr(1);
+            if (const auto number = leadingNumber(behind)) {
+                nextNumber = std::max(nextNumber, *number);
+                text = behind;
+            }
+        }
+        std::string name(trimmed(text));
+        if (!name.empty()) {  // a number alone leaves the group open
+            std::replace(name.begin(), name.end(), '|', ':');
+            list.groups.push_back(std::move(name));
+        }
+    }
+
+    ChannelsConf list;
+    int nextNumber = 1;
+};
+
 }  // namespace
 
 Channel parseChannel(const std::string& line) {
@@ -218,48 +260,19 @@ Channel parseChannel(const std::string& line) {
 }
 
 ChannelsConf parseChannelsConf(std::istream& text) {
-    ChannelsConf list;
+    ListReader reader;
     int lineNumber = 0;
-    int nextNumber = 1;
-    for (std::string raw; std::getline(text, raw);) {
+    for (std::string line; std::getline(text, line);) {
         ++lineNumber;
-        if (lineNumber == 1 && raw.compare(0, 3, "\xEF\xBB\xBF") == 0) {
-            raw.erase(0, 3);
+        if (lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+            line.erase(0, 3);
         }
-        const std::string line = isUtf8(raw) ? raw : latin1ToUtf8(raw);
-        std::string_view content = trimmed(line);
-        if (content.empty()) {
-            continue;
+        if (!isUtf8(line)) {
+            line = latin1ToUtf8(line);
         }
-        if (content[0] == ':') {
-            content.remove_prefix(1);
-            if (content.substr(0, 1) == "@") {
-                std::string_view behind = content.substr(1);
-                if (const auto number = leadingNumber(behind)) {
-                    nextNumber = std::max(nextNumber, *number);
-                    content = behind;
-                }
-            }
-            std::string name(trimmed(content));
-            if (!name.empty()) {  // a number alone leaves the group open
-                std::replace(name.begin(), name.end(), '|', ':');
-                list.groups.push_back(name);
-            }
-            continue;
-        }
-        try {
-            Channel channel = parseChannel(std::string(content));
-            channel.number = nextNumber++;
-            channel.group = static_cast<int>(list.groups.size()) - 1;
-            channel.line = lineNumber;
-            list.channels.push_back(std::move(channel));
-        } catch (const LineError& error) {
-            if (content[0] != '#') {
-                list.rejected.push_back({lineNumber, error.what()});
-            }
-        }
+        reader.read(trimmed(line), lineNumber);
     }
-    return list;
+    return std::move(reader.list);
 }
 
 std::string formatChannel(const Channel& channel) {

@@ -5,13 +5,8 @@
 ///
 /// Exit codes: 0 made, 1 not made (the reason is on standard error), 2 wrong arguments.
 
-#include <channel-database/import.h>
+#include <channel-database/database_file.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 
 namespace {
@@ -44,39 +39,9 @@ bool readArguments(int argc, char** argv, Arguments& arguments) {
     return true;
 }
 
-ChannelsConf readList(const std::string& path) {
-    std::ifstream file(path);
-    if (!file) {
-        throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
-    }
-    ChannelsConf list = parseChannelsConf(file);
-    if (file.bad()) {
-        throw std::runtime_error("cannot read " + path + " to its end");
-    }
+void reportRejectedLines(const ChannelsConf& list, const std::string& path) {
     for (const RejectedLine& rejected : list.rejected) {
         std::cerr << path << ":" << rejected.line << ": skipped: " << rejected.reason << "\n";
-    }
-    if (list.channels.empty()) {
-        throw std::runtime_error(path + " holds no channel");
-    }
-    return list;
-}
-
-/// Writes beside the target and renames at the end, so that a failure leaves no half database and
-/// an old one as it was.
-void makeDatabase(const ChannelsConf& list, const std::string& path) {
-    const std::string unfinished = path + ".part";
-    std::filesystem::remove(unfinished);
-    try {
-        {
-            ChannelDatabase database(unfinished);
-            importChannels(database, list);
-        }
-        std::filesystem::rename(unfinished, path);
-    } catch (...) {
-        std::error_code ignored;
-        std::filesystem::remove(unfinished, ignored);
-        throw;
     }
 }
 
@@ -89,11 +54,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        if (!arguments.force && std::filesystem::exists(arguments.database)) {
-            throw std::runtime_error(arguments.database + " exists; --force replaces it");
-        }
-        const ChannelsConf list = readList(arguments.list);
-        makeDatabase(list, arguments.database);
+        const ChannelsConf list = readChannelsConf(arguments.list);
+        reportRejectedLines(list, arguments.list);
+        makeDatabaseFile(list, arguments.database, arguments.force);
         std::cout << arguments.database << ": " << list.channels.size() << " channels, "
                   << list.groups.size() << " groups, " << list.rejected.size()
                   << " lines skipped\n";

@@ -4,7 +4,18 @@
 
 namespace channel_database {
 
-/// Whether the bytes are well-formed UTF-8 (the check is by lead and continuation bytes).
+/// How many bytes continue the character that begins with `lead`; -1 when none does.
+inline int continuationBytes(unsigned char lead) {
+    if (lead < 0x80) {
+        return 0;
+    }
+    if (lead < 0xC2 || lead > 0xF4) {
+        return -1;
+    }
+    return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+}
+
+/// Whether the text is UTF-8, judged by its lead and continuation bytes.
 inline bool isUtf8(const std::string& text) {
     int expected = 0;
     for (const char c : text) {
@@ -13,16 +24,9 @@ inline bool isUtf8(const std::string& text) {
         if (continues != (expected > 0)) {
             return false;
         }
-        if (continues) {
-            --expected;
-        } else if (byte >= 0x80) {
-            expected = byte >= 0xC2 && byte < 0xE0   ? 1
-                       : byte >= 0xE0 && byte < 0xF0 ? 2
-                       : byte >= 0xF0 && byte < 0xF5 ? 3
-                                                     : -1;
-            if (expected < 0) {
-                return false;
-            }
+        expected = continues ? expected - 1 : continuationBytes(byte);
+        if (expected < 0) {
+            return false;
         }
     }
     return expected == 0;

@@ -27,7 +27,8 @@ struct Message {
 /// Forgets all records, hooks and redirections, and enables every level.
 void reset();
 
-/// Sleeps are recorded and take no time; the hook gets the number of the sleep, from 1 on.
+/// Sleeps take no time and those of the library are recorded, not those of SQLite's busy timeout;
+/// the hook gets the number of the sleep, from 1 on.
 int sleepCount();
 unsigned long long sleptMicroseconds();
 void onSleep(std::function<void(int)> hook);

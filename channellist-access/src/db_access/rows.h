@@ -5,6 +5,7 @@
 #include <channellist-access/result_rows.h>
 #include <boost/smart_ptr/make_shared.hpp>
 
+#include <exception>
 #include <memory>
 #include <new>
 
@@ -19,7 +20,7 @@ inline std::unique_ptr<ResultRow> copyRawRow(int count, char** values) noexcept 
         row->reserve(static_cast<std::size_t>(count));
         for (int column = 0; column < count; ++column)
             row->emplace_back(values[column] != nullptr ? values[column] : "");
-    } catch (std::bad_alloc const&) {
+    } catch (std::exception const&) {
         row.reset();
     }
     return row;

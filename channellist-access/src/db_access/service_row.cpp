@@ -149,11 +149,11 @@ std::string fieldText(int field, CallSite const& site) {
 // Names the row and the column that stopped the query.
 void logBadColumn(CallSite const& site, ResultRow const& columns, ServiceColumn column) {
     RawServiceRow const row(columns);
-    std::string_view const name = serviceColumnName(column);
     LOG_FORMAT_AT(site, kLogModule, Error,
                   "service %s (uuid %s): column %.*s holds no number: '%s'",
                   row.text(ServiceColumn::Pid).c_str(), row.text(ServiceColumn::Uuid).c_str(),
-                  static_cast<int>(name.size()), name.data(), row.text(column).c_str());
+                  static_cast<int>(serviceColumnName(column).size()),
+                  serviceColumnName(column).data(), row.text(column).c_str());
 }
 
 // Converts the row without letting an exception through to SQLite.

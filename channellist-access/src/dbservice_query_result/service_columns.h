@@ -30,14 +30,19 @@ enum class ServiceColumn : std::size_t {
 inline constexpr std::size_t kServiceColumnCount =
     static_cast<std::size_t>(ServiceColumn::NITId) + 1;
 
-// The name of a column as the query spells it.
+// The name of a column as the query spells it. It walks by index: GCC's undefined-behaviour
+// sanitizer refuses pointer searches in a constant expression.
 constexpr std::string_view serviceColumnName(ServiceColumn column) {
-    std::string_view list = kServiceColumnList;
-    for (std::size_t skipped = 0; skipped < static_cast<std::size_t>(column); ++skipped)
-        list.remove_prefix(list.find(',') + 1);
-    list = list.substr(0, list.find(','));
-    list.remove_prefix(list.find_first_not_of(' '));
-    return list;
+    std::size_t start = 0;
+    for (std::size_t skipped = 0; skipped < static_cast<std::size_t>(column); ++start)
+        if (kServiceColumnList[start] == ',')
+            ++skipped;
+    if (kServiceColumnList[start] == ' ')
+        ++start;
+    std::size_t end = start;
+    while (kServiceColumnList[end] != ',' && kServiceColumnList[end] != '\0')
+        ++end;
+    return std::string_view(kServiceColumnList + start, end - start);
 }
 
 static_assert(kServiceColumnCount == 34);

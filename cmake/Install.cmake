@@ -1,0 +1,48 @@
+# What `cmake --install` puts into a prefix, by component:
+#
+#   runtime      the library, under its SONAME
+#   development  headers, link name, CMake package, pkg-config file
+#   stand-in     the debug library of this repository, for machines that are no set; only when asked
+#                for by `--component stand-in`, so that it never overwrites the set's own
+include(CMakePackageConfigHelpers)
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/channellist-access")
+set(package_build_dir "${PROJECT_BINARY_DIR}/package")
+
+install(TARGETS channellist-access
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        COMPONENT runtime
+        NAMELINK_COMPONENT development)
+install(DIRECTORY channellist-access/include/
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+
+# The package defines its target itself: an exported one would name the debug library's target, which
+# no consumer has.
+configure_package_config_file(cmake/package/channellist-access-config.cmake.in
+    "${package_build_dir}/channellist-access-config.cmake"
+    INSTALL_DESTINATION "${package_dir}"
+    PATH_VARS CMAKE_INSTALL_INCLUDEDIR CMAKE_INSTALL_LIBDIR)
+write_basic_package_version_file("${package_build_dir}/channellist-access-config-version.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    "${package_build_dir}/channellist-access-config.cmake"
+    "${package_build_dir}/channellist-access-config-version.cmake"
+    DESTINATION "${package_dir}" COMPONENT development)
+
+# Written when it is installed: it names the prefix, which `cmake --install --prefix` may choose. A
+# prefix relative to the file would be taken twice where pkg-config puts a sysroot before it.
+install(CODE "
+    set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
+    set(PROJECT_VERSION \"${PROJECT_VERSION}\")
+    set(CMAKE_INSTALL_LIBDIR \"${CMAKE_INSTALL_LIBDIR}\")
+    set(CMAKE_INSTALL_INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
+    configure_file(\"${PROJECT_SOURCE_DIR}/cmake/package/channellist-access.pc.in\"
+        \"${package_build_dir}/channellist-access.pc\" @ONLY)"
+    COMPONENT development)
+install(FILES "${package_build_dir}/channellist-access.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+if(NOT CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY)
+    install(TARGETS orv-debug
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT stand-in EXCLUDE_FROM_ALL)
+endif()

@@ -1,0 +1,21 @@
+# 32-bit ARM, hard-float, with Debian's cross compiler. Headers and libraries beside the compiler's
+# own come from a sysroot, which scripts/arm-sysroot lays out; the tests run in qemu's user mode.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR arm)
+
+set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
+set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+
+set(CHANNELLIST_ACCESS_SYSROOT "${CMAKE_CURRENT_LIST_DIR}/../../build/arm-sysroot"
+    CACHE PATH "Root of the target's headers and libraries")
+get_filename_component(CHANNELLIST_ACCESS_SYSROOT "${CHANNELLIST_ACCESS_SYSROOT}" ABSOLUTE)
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CHANNELLIST_ACCESS_SYSROOT)
+
+# Not CMAKE_SYSROOT: the compiler keeps its C++ headers and its C library outside of it.
+set(CMAKE_FIND_ROOT_PATH "${CHANNELLIST_ACCESS_SYSROOT}")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-arm;-L;${CHANNELLIST_ACCESS_SYSROOT}")

@@ -1,0 +1,148 @@
+#include <channel-database/import.h>
+#include <channellist-access/db_access.h>
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+
+using namespace channel_database;
+using testing::ElementsAre;
+
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+ChannelsConf parsed(const std::string& text) {
+    std::istringstream stream(text);
+    return parseChannelsConf(stream);
+}
+
+ChannelsConf sample() {
+    std::ifstream file(SAMPLE_CHANNELS);
+    return parseChannelsConf(file);
+}
+
+const char kSmallList[] =
+    "Ungrouped:410:M64:C:6900:255:256:0:100:8:0:0:0\n"
+    ":First\n"
+    "Astra HD,AHD:11493:HC23M5O35P0S1:S19.2E:22000:5101=27:0:0:0:10301:1:1019:0\n"
+    "Radio:12603:LC56M2S0:S19.2E:22000:0:101:0:0:7289:1:1111:0\n"
+    ":@10 Second\n"
+    "T2:474166670:B8M256P3S1T32:T:0:5=27:0:0:0:17472:9018:16515:0\n"
+    "T2:474166670:B8M256P3S1T32:T:0:5=27:0:0:0:17472:9018:16515:0\n"
+    "West:12515:VC56M2S0:S1W:22000:5=2:0:0:0:3:2:1:0\n";
+
+TEST(Import, MakesTheLists) {
+    ChannelDatabase d(":memory:");
+    std::vector<std::size_t> steps;
+    importChannels(d, parsed(kSmallList), [&](std::size_t done, std::size_t total) {
+        steps.push_back(done);
+        EXPECT_EQ(total, 6U);
+    });
+    EXPECT_THAT(steps, ElementsAre(1, 2, 3, 4, 5, 6));
+    EXPECT_EQ(
+        d.rows("SELECT Creator, Name, Uuid, NetworkId, MaxChannelNumber,"
+               " (SELECT group_concat(ChannelNum || s.Name, ' ') FROM FavoriteItem"
+               "  JOIN Service s ON s.Pid = ServiceId WHERE FavoriteId = l.Pid)"
+               " FROM FavoriteList l WHERE Uuid <> 'av' ORDER BY Creator"),
+        (Rows{{"User.radio.1", "First", "user-radio-1", "-1", "1", "1Radio"},
+              {"User.tv.1", "First", "user-tv-1", "-1", "1", "1Astra HD"},
+              {"User.tv.2", "Second", "user-tv-2", "-1", "3", "1T2 2T2 3West"},
+              {"User.tvFAV1", "FAV1", "fav1", "-1", "2", "1Astra HD 2Radio"},
+              {"User.tvFAV2", "FAV2", "fav2", "-1", "3", "1T2 2T2 3West"},
+              {"User.tvFAV3", "FAV3", "fav3", "-1", "0", "NULL"},
+              {"User.tvFAV4", "FAV4", "fav4", "-1", "0", "NULL"},
+              {"servicelist://tamun.Astra 19.2°E", "Astra 19.2°E", "astra-19.2e", "1", "3",
+               "2Astra HD 3Radio"},
+              {"servicelist://tamun.dvbc", "DVB-C", "dvbc", "-1", "1", "1Ungrouped"},
+              {"servicelist://tamun.dvbs", "DVB-S", "dvbs", "-1", "12", "2Astra HD 3Radio 12West"},
+              {"servicelist://tamun.dvbt", "DVB-T", "dvbt", "-1", "11", "10T2 11T2"},
+              {"tamun.sl2.servicelist$all", "$all", "all", "-1", "12",
+               "1Ungrouped 2Astra HD 3Radio 10T2 11T2 12West"}}));
+    EXPECT_EQ(
+        d.value(
+            "SELECT count(*) FROM FavoriteItem i JOIN Service s ON s.Pid = ServiceId"
+            " JOIN FavoriteList l ON l.Pid = FavoriteId WHERE l.Name LIKE 'FAV%'"
+            " AND (Creator = 'User.tvFAV1') <> FavTag AND (Creator = 'User.tvFAV2') <> FavTag2"),
+        "0");
+}
+
+TEST(Import, KeepsTheServicesAndTheirTransponders) {
+    ChannelDatabase d(":memory:");
+    importChannels(d, parsed(kSmallList));
+    ASSERT_EQ(dbaccess::initViews(d.connection()), SQLITE_OK);
+    EXPECT_EQ(
+        d.rows(
+            "SELECT s.Uuid, MediaType, Encrypted, Hdtv, ServiceName, substr(u.Uri, 13)"
+            " FROM Service s JOIN UriView u ON u.Pid = s.Pid JOIN DvbService ON ServiceId = s.Pid"),
+        (Rows{{"C-0-410-8", "1", "1", "0", "",
+               "dvbc?frontend=3&frequency=410000&symbolrate=6900&modulation=64&onid=0&sid=8&tsid=0"
+               "&nid=0&encrypted=1"},
+              {"S19.2E-1-1019-10301", "1", "0", "1", "Astra HD",
+               "dvbs?frontend=8&satid=4&modcod=13&frequency=11493000&symbolrate=22000"
+               "&polarization=1&band=1&onid=1&sid=10301&tsid=1019&nid=1"},
+              {"S19.2E-1-1111-7289", "2", "0", "0", "",
+               "dvbs?frontend=4&satid=4&coderate=56&frequency=12603000&symbolrate=22000"
+               "&modulation=2&polarization=3&band=2&onid=1&sid=7289&tsid=1111&nid=1"},
+              {"T-9018-16515-17472", "1", "0", "0", "",
+               "dvbt?frontend=6&plpid=3&groupid=0&frequency=474167&bandwidth=8&modulation=256"
+               "&onid=9018&sid=17472&tsid=16515&nid=9018"},
+              {"T-9018-16515-17472#2", "1", "0", "0", "",
+               "dvbt?frontend=6&plpid=3&groupid=0&frequency=474167&bandwidth=8&modulation=256"
+               "&onid=9018&sid=17472&tsid=16515&nid=9018"},
+              {"S1W-2-1-3", "1", "0", "0", "",
+               "dvbs?frontend=4&satid=4590&coderate=56&frequency=12515000&symbolrate=22000"
+               "&modulation=2&polarization=2&band=2&onid=2&sid=3&tsid=1&nid=2"}}));
+    EXPECT_EQ(d.value("SELECT count(*) FROM Tuner"), "5") << "both T2 services share one";
+}
+
+TEST(Import, LeavesADatabaseWithListsAlone) {
+    ChannelDatabase d(":memory:");
+    d.list("User.tv");
+    EXPECT_THROW(importChannels(d, parsed(kSmallList)), std::runtime_error);
+    EXPECT_EQ(
+        d.value("SELECT (SELECT count(*) FROM Service) || (SELECT count(*) FROM FavoriteList)"),
+        "01");
+}
+
+TEST(Import, TheSampleHoldsEveryKind) {
+    const ChannelsConf list = sample();
+    EXPECT_TRUE(list.rejected.empty());
+    EXPECT_GE(list.channels.size(), 150U);
+    ChannelDatabase d(":memory:");
+    importChannels(d, list);
+    EXPECT_EQ(d.value("SELECT group_concat(Type, ' ') FROM (SELECT DISTINCT Type FROM Service"
+                      " ORDER BY Type)"),
+              "0 2 3 4 6 8");
+    for (const char* wanted : {"Encrypted", "MediaType = 2", "FavTag", "FavTag4", "Hdtv"}) {
+        EXPECT_NE(d.value(std::string("SELECT count(*) FROM Service WHERE ") + wanted), "0")
+            << wanted;
+    }
+}
+
+// The library itself reads what the importer makes.
+TEST(Import, TheLibraryShowsTheSample) {
+    const ChannelsConf list = sample();
+    ChannelDatabase d(":memory:");
+    importChannels(d, list);
+    db = d.connection();
+    const auto services = dbaccess::get_dbservices("all");
+    ASSERT_EQ(services.size(), list.channels.size());
+    for (std::size_t i = 0; i < services.size(); ++i) {
+        const auto& row = *services[i];
+        const Channel& c = list.channels[i];
+        EXPECT_THAT((std::vector<std::string>{row[0], row[1], row[5], row[7], row[8]}),
+                    ElementsAre(std::to_string(c.number), c.name, std::to_string(c.serviceId),
+                                std::to_string(c.transportStreamId), std::to_string(c.networkId)));
+    }
+    EXPECT_EQ(dbaccess::get_dbservices("av").size(), 11U);
+    std::string anchor;
+    EXPECT_EQ(dbaccess::getAstraAnchorService(anchor), 0);
+    EXPECT_EQ(d.value("SELECT Tid FROM DvbService JOIN Service ON Pid = ServiceId WHERE Uuid = '" +
+                      anchor + "'"),
+              "1111");
+    db = nullptr;
+}
+
+}  // namespace

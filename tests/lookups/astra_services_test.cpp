@@ -1,0 +1,208 @@
+// The Astra 19.2E anchor and the scramble flag of its list.
+#include <gmock/gmock.h>
+
+#include "support/test_database.h"
+
+namespace {
+
+using channel_database::Service;
+using channel_database::Value;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr char kStandardList[] = "servicelist://tamun.Astra 19.2\xc2\xb0\x45";
+constexpr char kOperatorList[] = "servicelist://tamun.Astra 19.2\xc2\xb0\x45.14";
+constexpr char kNoAnchor[] = "can't find Astra Anchor Service!";
+constexpr char kNoRow[] = "sqlite3_step failed:101, hint:'Get a astra anchor service.'.";
+
+class AstraServices : public TestDatabase {
+  protected:
+    Service anchor(const std::string& uuid, const Value& frequency = 12603750) {
+        return database().dvbs(uuid).uuid(uuid).satellite(4).frontend(4).frequency(frequency);
+    }
+    // The anchor's uuid, or "-2" when there is none and the string is untouched.
+    static std::string found() {
+        std::string uuid;
+        int const result = dbaccess::getAstraAnchorService(uuid);
+        return uuid.empty() ? std::to_string(result) : uuid;
+    }
+    // The scramble flag with the result behind it when that is not 0.
+    static std::string scrambled() {
+        int flag = 9;
+        int const result = dbaccess::checkAstraScrambleService(flag);
+        return std::to_string(flag) + (result == 0 ? "" : " " + std::to_string(result));
+    }
+    static bool mutexIsFree() {
+        return pthread_mutex_trylock(&svresult_mutex) == 0 &&
+               pthread_mutex_unlock(&svresult_mutex) == 0;
+    }
+    void TearDown() override {
+        EXPECT_TRUE(mutexIsFree());
+        TestDatabase::TearDown();
+    }
+};
+
+TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
+    const struct {
+        const char* name;
+        std::function<void(channel_database::Item, Service)> change;
+        const char* expected;
+    } cases[] = {
+        {"plain", [](auto, auto) {}, "it"},
+        {"lowest frequency", [](auto, auto s) { s.frequency(12600750); }, "it"},
+        {"below it", [](auto, auto s) { s.frequency(12600749); }, "-2"},
+        {"highest frequency", [](auto, auto s) { s.frequency(12606750); }, "it"},
+        {"above it", [](auto, auto s) { s.frequency(12606751); }, "-2"},
+        {"other satellite", [](auto, auto s) { s.satellite(3); }, "-2"},
+        {"other frontend", [](auto, auto s) { s.frontend(8); }, "-2"},
+        {"no tuner", [](auto, auto s) { s.without("Tuner"); }, "-2"},
+        {"deleted", [](auto i, auto) { i.deleted(2); }, "-2"},
+        {"invisible", [](auto i, auto s) { i.visible(0), s.visible(0); }, "it"},
+        {"empty uuid", [](auto, auto s) { s.uuid(""); }, "-2"},
+    };
+    auto const list = database().list(kStandardList);
+    for (const auto& c : cases) {
+        auto const service = anchor("it");
+        c.change(database().put(list, service, 1), service);
+        EXPECT_EQ(found(), c.expected) << c.name;
+        database().run("DELETE FROM FavoriteItem");
+    }
+}
+
+TEST_F(AstraServices, CreatorFollowsThePattern) {
+    const struct {
+        const char* creator;
+        const char* expected;
+    } cases[] = {
+        {kStandardList, "it"},
+        {kOperatorList, "it"},
+        {"servicelist://tamun.Astra 19.2E", "it"},
+        {"SERVICELIST://TAMUN.ASTRA 19.2 east and e", "it"},
+        {"servicelist://tamun.Astra 19.2E.15", "-2"},
+        {"servicelist://tamun.Astra 28.2E", "-2"},
+        {"x servicelist://tamun.Astra 19.2E", "-2"},
+    };
+    auto const list = database().list("");
+    database().put(list, anchor("it"), 1);
+    for (const auto& c : cases) {
+        database().run("UPDATE FavoriteList SET Creator = ?", {c.creator});
+        EXPECT_EQ(found(), c.expected) << c.creator;
+    }
+}
+
+TEST_F(AstraServices, FirstByChannelNumberOfTheOperatorsListWins) {
+    auto const standard = database().list(kStandardList);
+    database().put(standard, anchor("second"), 20);
+    database().put(standard, anchor("first"), 3);
+    EXPECT_EQ(found(), "first");
+    EXPECT_THAT(texts(), ElementsAre(kNoRow, kNoAnchor));  // of the operator's list
+    EXPECT_THAT(texts(4000), Contains("The Astra Anchor Service Uuid is [first]."));
+
+    database().put(database().list(kOperatorList), anchor("operator"), 99);
+    platform::forgetMessages();
+    EXPECT_EQ(found(), "operator");
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_THAT(texts(4000), ElementsAre(" called.", " called. isOperator = 1.",
+                                         "The Astra Anchor Service Uuid is [operator]."));
+}
+
+TEST_F(AstraServices, WithoutAnAnchorTheCallersTextStaysAndCounts) {
+    std::string uuid = "mine";
+    EXPECT_EQ(dbaccess::getAstraAnchorService(uuid), 0);
+    EXPECT_EQ(uuid, "mine");
+    database().put(database().list(kStandardList), anchor("it").uuid(nullptr), 1);
+    EXPECT_EQ(dbaccess::_getAstraAnchorService(uuid, false), 0);
+    EXPECT_EQ(uuid, "mine");
+
+    uuid.clear();
+    platform::forgetMessages();
+    EXPECT_EQ(dbaccess::getAstraAnchorService(uuid), -2);
+    EXPECT_THAT(texts(), ElementsAre(kNoRow, kNoAnchor, kNoAnchor));
+}
+
+TEST_F(AstraServices, ScrambleFlagIsSetByAnyServiceOfTheList) {
+    const struct {
+        Value encrypted;
+        const char* expected;
+    } cases[] = {{0, "0"},  {1, "1"},     {2, "0"},    {-1, "0"},   {nullptr, "0"},
+                 {"", "0"}, {"yes", "0"}, {"+1", "1"}, {"1x", "0"}, {"-4294967295", "1"}};
+    auto const list = database().list(kStandardList);
+    database().put(list, anchor("it"), 1);
+    auto other = database().dvbt("other");  // any tuner, deleted or not
+    database().put(list, other, 2).deleted();
+    database().put(list, database().dvbs("last"), 3);
+    for (const auto& c : cases) {
+        other.encrypted(c.encrypted);
+        EXPECT_EQ(scrambled(), c.expected)
+            << database().value("SELECT quote(Encrypted) FROM Service WHERE Name='other'");
+    }
+    // A flag that is no number does not end the walk.
+    other.encrypted("yes");
+    database().run("UPDATE Service SET Encrypted = 1 WHERE Name = 'last'");
+    EXPECT_EQ(scrambled(), "1");
+    EXPECT_THAT(texts(1), Contains("Astra standard servicelist has scramble service."));
+}
+
+TEST_F(AstraServices, ScrambleFlagIsThatOfTheChosenList) {
+    auto const standard = database().list(kStandardList);
+    auto const ofOperator = database().list(kOperatorList);
+    auto free = anchor("free");
+    database().put(standard, anchor("scrambled").encrypted(), 1);
+    database().put(ofOperator, database().dvbs("no anchor"), 1);
+    EXPECT_EQ(scrambled(), "1");
+    database().put(ofOperator, free, 2);
+    EXPECT_EQ(scrambled(), "0");
+    EXPECT_THAT(texts(1), Contains("Astra operator servicelist hasn't scramble service."));
+
+    database().run("DELETE FROM DvbSTuner");
+    platform::forgetMessages();
+    EXPECT_EQ(scrambled(), "0 -2");
+    EXPECT_THAT(texts(), ElementsAre(kNoRow, kNoAnchor, kNoRow, kNoAnchor,
+                                     "Astra Scramble Service is missing. Set isExistent 0!"));
+}
+
+TEST_F(AstraServices, FailuresLeaveTheOutputsAlone) {
+    database().put(database().list(kOperatorList), anchor("it").encrypted(), 1);
+    database().run("ALTER TABLE Service RENAME COLUMN Encrypted TO Other");
+    EXPECT_EQ(scrambled(), "0");
+    EXPECT_THAT(texts(), Contains(HasSubstr("no such column: Encrypted")));
+    database().run("DROP TABLE DvbSTuner");
+    EXPECT_EQ(found(), "-2");
+
+    EXPECT_EQ(sqlite3_close(db), SQLITE_OK);
+    db = nullptr;
+    platform::forgetMessages();
+    EXPECT_EQ(found(), "-2");
+    EXPECT_THAT(texts(), ElementsAre(StartsWith("sqlite3_prepare_v2 failed:1"),
+                                     StartsWith("sqlite3_prepare_v2 failed:1")));
+
+    EXPECT_EQ(sqlite3_close(db), SQLITE_OK);
+    db = nullptr;
+    platform::forgetMessages();
+    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    EXPECT_EQ(found(), "-2");
+    EXPECT_EQ(scrambled(), "9 -2");
+    EXPECT_EQ(db, nullptr);
+    EXPECT_THAT(texts(),
+                ElementsAre("open or create db failed,res:14", "open or create db failed,res:14"));
+    EXPECT_THAT(texts(1), ElementsAre("will open db ", "will open db "));
+}
+
+TEST_F(AstraServices, LockedDatabaseIsWaitedForInEachList) {
+    database().put(database().list(kOperatorList), anchor("it"), 1);
+    EXPECT_EQ(found(), "it");
+    DatabaseLock lock(file());
+    EXPECT_EQ(found(), "-2");
+    EXPECT_EQ(platform::sleepCount(), 100);
+    platform::onSleep([&](int count) {
+        if (count == 103)
+            lock.release();
+    });
+    EXPECT_EQ(found(), "it");
+    EXPECT_EQ(platform::sleepCount(), 103);
+}
+
+}  // namespace

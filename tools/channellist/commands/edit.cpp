@@ -1,0 +1,147 @@
+// channellist edit LIST OPERATION...
+#include <channellist-access/db_access.h>
+
+#include <iostream>
+
+#include "commands/command.h"
+#include "database/list_naming.h"
+#include "database/query.h"
+#include "edit/difference.h"
+#include "edit/operations.h"
+#include "edit/request.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+    std::string list;
+    std::vector<std::string> words;
+    bool dryRun = false;
+    bool renumber = false;
+    bool json = false;
+};
+
+std::set<std::int64_t> ottNumbers(int favIndex) {
+    constexpr int (*kReaders[])(std::vector<unsigned int>&) = {
+        dbaccess::getOttFav1List, dbaccess::getOttFav2List, dbaccess::getOttFav3List,
+        dbaccess::getOttFav4List};
+    std::vector<unsigned int> numbers;
+    if (favIndex >= 1 && favIndex <= 4) {
+        kReaders[favIndex - 1](numbers);
+    }
+    return std::set<std::int64_t>(numbers.begin(), numbers.end());
+}
+
+// Only FAV lists gain and lose services; in the others an edit changes numbers and hides.
+void checkVerbs(const List& list, const std::vector<Operation>& operations) {
+    for (const Operation& operation : operations) {
+        if (list.favIndex == 0 && (operation.verb == Verb::Add || operation.verb == Verb::Remove)) {
+            throw Failure(
+                "services are added to and removed from FAV1 to FAV4 only; hide and"
+                " restore them in " +
+                    displayName(list),
+                kUsage);
+        }
+    }
+}
+
+std::vector<Entry> addableServices(const std::vector<Operation>& operations) {
+    for (const Operation& operation : operations) {
+        if (operation.verb == Verb::Add) {
+            return readEntries(findList("all").uuid);
+        }
+    }
+    return {};
+}
+
+// A FAV list's request drops stored items that the library does not deliver.
+void noteUndelivered(const List& list, std::size_t delivered) {
+    Query count(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId = ?");
+    count.bind(std::int64_t{list.pid}).next();
+    const auto lost = count.number(0) - static_cast<std::int64_t>(delivered);
+    if (list.favIndex != 0 && lost > 0) {
+        std::cerr << "channellist: " << displayName(list) << " holds " << lost
+                  << " items that it cannot show; the edit drops them\n";
+    }
+}
+
+std::string explain(const Options& options, int code) {
+    if (options.dryRun) {
+        return "Dry run: nothing is written.";
+    }
+    return code == 0 ? "Written: no service joined or left the list."
+                     : "Written, and flushed to the disk.";
+}
+
+void report(const Options& options, const std::vector<Change>& changes, const std::string& result) {
+    if (options.json) {
+        printJson({{"written", !options.dryRun && !changes.empty()},
+                   {"result", result},
+                   {"changes", differencesJson(changes)}});
+        return;
+    }
+    printDifferences(changes);
+    std::cout << result << "\n";
+}
+
+int run(const std::string& database, const Options& options) {
+    const std::vector<Operation> operations = parseOperations(options.words);
+    if (operations.empty() && !options.renumber) {
+        throw Failure("edit needs an operation or --renumber", kUsage);
+    }
+    Session session(database, options.dryRun ? Access::Read : Access::Write);
+    const List list = findList(options.list);
+    checkVerbs(list, operations);
+    const std::vector<Entry> before = readEntries(list.uuid);
+    ListContent content(displayName(list), before, ottNumbers(list.favIndex));
+    apply(operations, addableServices(operations), content);
+    const bool renumberList = options.renumber && list.favIndex != 0;
+    if (content.entries() == before && !renumberList) {
+        report(options, {}, "Nothing to change.");
+        return kSuccess;
+    }
+    noteUndelivered(list, before.size());
+    if (options.dryRun) {
+        session.continueOnCopy();
+    }
+    const Snapshot stored = takeSnapshot(list);
+    const int code = submit(
+        list.favIndex != 0 ? favListRequest(list, content.entries())
+                           : otherListRequest(list, before, content.entries(), options.renumber));
+    if (renumberList) {
+        renumber(list);
+    }
+    report(options, differences(stored, takeSnapshot(list)), explain(options, code));
+    return kSuccess;
+}
+
+}  // namespace
+
+void addEditCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command = app.add_subcommand("edit", "Changes a list");
+    auto options = std::make_shared<Options>();
+    command->add_option("LIST", options->list, "uuid, or a name that only one list has")
+        ->required();
+    command->add_option("OPERATION", options->words,
+                        "add SERVICE [at NUMBER] | remove SERVICE | move SERVICE to NUMBER |"
+                        " hide SERVICE | restore SERVICE, one after the other; a SERVICE is its"
+                        " channel number, its name or uuid, or id:N for the database key");
+    command->add_flag("-n,--dry-run", options->dryRun,
+                      "edit a copy in memory, and show what would change");
+    command->add_flag("--renumber", options->renumber,
+                      "close the gaps: in this list when it is FAV1 to FAV4, else in those that"
+                      " hold a service that is hidden or restored");
+    addJsonOption(*command, options->json);
+    command->footer(
+        "add takes services of the list of all services; add and remove work on FAV1 to FAV4.\n"
+        "hide keeps the entry and marks it deleted. In other lists it hides the service in\n"
+        "FAV1 to FAV4 too.\n"
+        "Examples:\n"
+        "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
+        "  channellist edit FAV2 move 7 to 1 --renumber\n"
+        "  channellist edit all hide id:21 --renumber");
+    command->callback(
+        [&line, options] { line.run = [&line, options] { return run(line.database, *options); }; });
+}
+
+}  // namespace tool

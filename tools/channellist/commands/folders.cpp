@@ -1,0 +1,100 @@
+// channellist folders
+#include <channellist-access/field_ids.h>
+
+#include <cstdlib>
+#include <iostream>
+
+#include "commands/command.h"
+#include "output/json_text.h"
+#include "output/text_table.h"
+#include "services/service_reader.h"
+
+namespace tool {
+namespace {
+
+// By the flags that the library derives from a list's creator.
+std::string kindOf(const ResultRow& folder) {
+    switch (std::strtoul(folder[FOLDER_FIELD_FLAGS].c_str(), nullptr, 10)) {
+        case 0x05:
+            return "user TV";
+        case 0x09:
+            return "user radio";
+        case 0x10:
+            return "all services";
+        case 0x20:
+            return "inputs";
+        case 0x40:
+            return "delivery";
+        case 0x42:
+            return "digital";
+        case 0x140:
+            return "analogue";
+        default:
+            return "other";
+    }
+}
+
+void printTable(const std::vector<ResultRow>& folders) {
+    TextTable table({{"Name"},
+                     {"FAV"},
+                     {"Kind"},
+                     {"Network", Align::Right},
+                     {"Tag", Align::Right},
+                     {"Capability", Align::Right},
+                     {"UUID"}});
+    for (const ResultRow& folder : folders) {
+        table.add({folder[FOLDER_FIELD_CAPTION], folder[FOLDER_FIELD_FAV_NAME], kindOf(folder),
+                   folder[FOLDER_FIELD_NETWORK_ID], folder[FOLDER_FIELD_UPDATE_TAG],
+                   folder[FOLDER_FIELD_CAPABILITY], folder[FOLDER_FIELD_UUID]});
+    }
+    table.print(std::cout);
+}
+
+void printObjects(const std::vector<ResultRow>& folders) {
+    Json list = Json::array();
+    for (const ResultRow& folder : folders) {
+        list.push_back({{"name", folder[FOLDER_FIELD_CAPTION]},
+                        {"uuid", folder[FOLDER_FIELD_UUID]},
+                        {"fav", folder[FOLDER_FIELD_FAV_NAME]},
+                        {"kind", kindOf(folder)},
+                        {"flags", numberOrText(folder[FOLDER_FIELD_FLAGS])},
+                        {"capability", numberOrText(folder[FOLDER_FIELD_CAPABILITY])},
+                        {"networkId", numberOrText(folder[FOLDER_FIELD_NETWORK_ID])},
+                        {"updateTag", numberOrText(folder[FOLDER_FIELD_UPDATE_TAG])}});
+    }
+    printJson(list);
+}
+
+int run(const std::string& database, const Format& format) {
+    const Session session(database);
+    const Rows folders = format.raw ? readRawFolders() : readFolders();
+    if (format.raw) {
+        (format.json ? printRawJson : printRaw)(folders.rows);
+    } else {
+        (format.json ? printObjects : printTable)(folders.rows);
+    }
+    if (!folders.complete) {
+        throw Failure(
+            "the lists end in front of one that cannot be read; \"channellist check\""
+            " names it");
+    }
+    return kSuccess;
+}
+
+}  // namespace
+
+void addFoldersCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command =
+        app.add_subcommand("folders", "The lists that a viewer can browse, in the set's order");
+    auto format = std::make_shared<Format>();
+    addFormatOptions(*command, *format);
+    command->footer(
+        "Examples:\n"
+        "  channellist folders\n"
+        "  channellist folders --json | jq '.[].name'\n"
+        "  channellist folders --raw --db copy-of-servicelist.db");
+    command->callback(
+        [&line, format] { line.run = [&line, format] { return run(line.database, *format); }; });
+}
+
+}  // namespace tool

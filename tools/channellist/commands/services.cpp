@@ -1,0 +1,122 @@
+// channellist services LIST
+#include <channellist-access/field_ids.h>
+
+#include <iostream>
+
+#include "commands/command.h"
+#include "database/list_naming.h"
+#include "output/json_text.h"
+#include "output/text_table.h"
+#include "services/service_reader.h"
+#include "services/service_words.h"
+
+namespace tool {
+namespace {
+
+void printTable(const std::vector<ResultRow>& services) {
+    TextTable table({{"No", Align::Right},
+                     {"LCN", Align::Right},
+                     {"Name"},
+                     {"Kind"},
+                     {"Delivery"},
+                     {"ONID", Align::Right},
+                     {"TSID", Align::Right},
+                     {"SID", Align::Right},
+                     {"Id", Align::Right},
+                     {"FAV"},
+                     {"State"}});
+    for (const ResultRow& service : services) {
+        table.add({service[SERVICE_FIELD_CHANNEL_NUMBER], service[SERVICE_FIELD_LCN],
+                   service[SERVICE_FIELD_CAPTION], kindOf(service), deliveryOf(service),
+                   service[SERVICE_FIELD_ORIGINAL_NETWORK_ID],
+                   service[SERVICE_FIELD_TRANSPORT_STREAM_ID], service[SERVICE_FIELD_SERVICE_ID],
+                   service[SERVICE_FIELD_PID], joined(favouritesOf(service), " "),
+                   joined(statesOf(service))});
+    }
+    table.print(std::cout);
+}
+
+// The keys that are a column of the row as it is.
+constexpr struct {
+    const char* key;
+    ServiceField field;
+} kNumberKeys[] = {
+    {"onid", SERVICE_FIELD_ORIGINAL_NETWORK_ID},
+    {"tsid", SERVICE_FIELD_TRANSPORT_STREAM_ID},
+    {"sid", SERVICE_FIELD_SERVICE_ID},
+    {"lcn", SERVICE_FIELD_LCN},
+    {"networkId", SERVICE_FIELD_NETWORK_ID},
+    {"nitId", SERVICE_FIELD_NIT_ID},
+    {"satellite", SERVICE_FIELD_SATELLITE},
+    {"frequency", SERVICE_FIELD_FREQUENCY},
+    {"symbolRate", SERVICE_FIELD_SYMBOL_RATE},
+    {"polarization", SERVICE_FIELD_POLARIZATION},
+    {"ciSlot", SERVICE_FIELD_CI_SLOT},
+    {"previewPage", SERVICE_FIELD_PREVIEW_PAGE},
+    {"subtitlePage", SERVICE_FIELD_SUBTITLE_PAGE},
+    {"encoding", SERVICE_FIELD_ENCODING},
+    {"attributes", SERVICE_FIELD_ATTRIBUTES},
+};
+
+Json objectOf(const ResultRow& service) {
+    Json object = {{"number", numberOrText(service[SERVICE_FIELD_CHANNEL_NUMBER])},
+                   {"name", service[SERVICE_FIELD_CAPTION]},
+                   {"id", numberOrText(service[SERVICE_FIELD_PID])},
+                   {"uuid", service[SERVICE_FIELD_UUID]},
+                   {"kind", kindOf(service)},
+                   {"delivery", deliveryOf(service)},
+                   {"state", statesOf(service)},
+                   {"favourites", favouritesOf(service)},
+                   {"tunerUuid", service[SERVICE_FIELD_TUNER_UUID]}};
+    for (const auto& each : kNumberKeys) {
+        object[each.key] = numberOrText(service[each.field]);
+    }
+    return object;
+}
+
+void printObjects(const std::vector<ResultRow>& services) {
+    Json list = Json::array();
+    for (const ResultRow& service : services) {
+        list.push_back(objectOf(service));
+    }
+    printJson(list);
+}
+
+int run(const std::string& database, const std::string& word, const Format& format) {
+    const Session session(database);
+    const List list = findList(word);
+    const Rows services = format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
+    if (format.raw) {
+        (format.json ? printRawJson : printRaw)(services.rows);
+    } else {
+        (format.json ? printObjects : printTable)(services.rows);
+    }
+    if (!services.complete) {
+        throw Failure(
+            "the list ends in front of a service that cannot be read; \"channellist"
+            " check\" names it");
+    }
+    return kSuccess;
+}
+
+}  // namespace
+
+void addServicesCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command =
+        app.add_subcommand("services", "The services of a list, in the set's order");
+    auto list = std::make_shared<std::string>();
+    auto format = std::make_shared<Format>();
+    command->add_option("LIST", *list, "uuid, or a name that only one list has: FAV1, all")
+        ->required();
+    addFormatOptions(*command, *format);
+    command->footer(
+        "Examples:\n"
+        "  channellist services FAV1\n"
+        "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"deleted\")'\n"
+        "  channellist services all --raw");
+    command->callback([&line, list, format] {
+        line.run = [&line, list, format] { return run(line.database, *list, *format); };
+    });
+}
+
+}  // namespace tool

@@ -1,0 +1,90 @@
+#include "database/list_naming.h"
+
+#include <channellist-access/db_access.h>
+
+#include <algorithm>
+
+#include "database/query.h"
+#include "failure.h"
+
+namespace tool {
+namespace {
+
+constexpr char kFavCreator[] = "User.tvFAV";
+
+// "FAV1" for the creator "User.tvFAV1"; "" for any other list.
+std::string favName(const List& list) {
+    return list.creator.compare(0, sizeof kFavCreator - 1, kFavCreator) == 0
+               ? list.creator.substr(list.creator.find("FAV"))
+               : std::string();
+}
+
+bool isCalled(const List& list, const std::string& word) {
+    return list.name == word || favName(list) == word ||
+           (word == "all" && list.creator == "tamun.sl2.servicelist$all") ||
+           (word == "av" && list.creator == "tamun.sl2.servicelist$av");
+}
+
+std::string candidates(const std::vector<List>& lists) {
+    std::string text;
+    for (const List& list : lists) {
+        text += (text.empty() ? "" : ", ") + list.uuid;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::vector<List> allLists() {
+    std::vector<List> lists;
+    Query rows(db, "SELECT Pid, Uuid, Name, Creator FROM FavoriteList");
+    while (rows.next()) {
+        lists.push_back({static_cast<unsigned int>(rows.number(0)), rows.text(1), rows.text(2),
+                         rows.text(3), 0});
+    }
+    // Edits count the FAV lists by the place of their rows, whatever digit their creators end with.
+    Query favLists(db, "SELECT Pid FROM FavoriteList WHERE Creator LIKE 'User.tvFAV%'");
+    for (int index = 1; favLists.next(); ++index) {
+        const auto pid = static_cast<unsigned int>(favLists.number(0));
+        const auto list = std::find_if(lists.begin(), lists.end(),
+                                       [&](const List& each) { return each.pid == pid; });
+        if (list != lists.end()) {
+            list->favIndex = index;
+        }
+    }
+    return lists;
+}
+
+List findList(const std::string& word) {
+    const std::vector<List> lists = allLists();
+    for (const List& list : lists) {
+        if (!list.uuid.empty() && list.uuid == word) {
+            return list;
+        }
+    }
+    std::vector<List> called;
+    std::copy_if(lists.begin(), lists.end(), std::back_inserter(called),
+                 [&](const List& list) { return isCalled(list, word); });
+    if (called.empty()) {
+        throw Failure("no list has the uuid or name '" + word +
+                      "'; \"channellist folders\" shows the lists");
+    }
+    if (called.size() > 1) {
+        throw Failure("several lists are called '" + word +
+                      "', name one by its uuid: " + candidates(called));
+    }
+    if (called[0].uuid.empty()) {
+        throw Failure("the list '" + word + "' has no uuid, so no request can name it");
+    }
+    return called[0];
+}
+
+std::string displayName(const List& list) {
+    const std::string fav = favName(list);
+    if (!fav.empty()) {
+        return fav;
+    }
+    return list.name.empty() ? list.uuid : list.name;
+}
+
+}  // namespace tool

@@ -1,0 +1,129 @@
+#include "database/session.h"
+
+#include <channellist-access/db_access.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "database/query.h"
+#include "failure.h"
+
+namespace tool {
+namespace {
+
+constexpr int kBusyTimeoutMilliseconds = 1000;  // that of the library's service query
+constexpr int kMemory = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
+constexpr char kOttFile[] = "zentova_DB_V1.3.db";
+
+// SQLite opens lazily and takes an empty file for a database; these sentences come before.
+void checkFile(const std::string& path) {
+    struct stat file;
+    if (stat(path.c_str(), &file) != 0) {
+        throw Failure(errno == ENOENT ? "there is no database " + path
+                                      : "cannot open " + path + ": " + std::strerror(errno));
+    }
+    if (S_ISDIR(file.st_mode)) {
+        throw Failure(path + " is a directory, not a database");
+    }
+    if (S_ISREG(file.st_mode) && file.st_size == 0) {
+        throw Failure(path + " is empty: it holds no channel database");
+    }
+}
+
+void checkContent(const std::string& path, int code) {
+    if (code == SQLITE_NOTADB) {
+        throw Failure(path + " is no SQLite database");
+    }
+    if (code == SQLITE_BUSY) {
+        throw Failure(path + " is locked by another process");
+    }
+    if (code != SQLITE_OK) {
+        throw Failure("cannot read " + path + ": " + sqlite3_errmsg(db));
+    }
+    if (queryNumber(db,
+                    "SELECT count(*) FROM sqlite_master WHERE type IN ('table', 'view')"
+                    " AND lower(name) IN ('service', 'favoritelist', 'favoriteitem')") == 0) {
+        throw Failure(path +
+                      " is a SQLite database, but no channel database: it has none of the"
+                      " tables Service, FavoriteList and FavoriteItem");
+    }
+}
+
+sqlite3* openChecked(const std::string& path, int flags, sqlite3*& connection) {
+    if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) {
+        throw Failure("cannot open " + path + ": " + sqlite3_errmsg(connection));
+    }
+    sqlite3_busy_timeout(connection, kBusyTimeoutMilliseconds);
+    return connection;
+}
+
+bool isFile(const std::string& path) {
+    struct stat file;
+    return !path.empty() && stat(path.c_str(), &file) == 0;
+}
+
+void openOttDatabase() {
+    const std::string path = ottDatabasePath();
+    if (isFile(path)) {
+        openChecked(path, SQLITE_OPEN_READONLY, db_zentova);
+        return;
+    }
+    openChecked(":memory:", kMemory, db_zentova);
+    sqlite3_exec(db_zentova, "CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex INTEGER)",
+                 nullptr, nullptr, nullptr);
+}
+
+void closeAll() {
+    for (sqlite3** connection : {&db, &db_zentova}) {
+        sqlite3_close(*connection);
+        *connection = nullptr;
+    }
+}
+
+}  // namespace
+
+std::string ottDatabasePath() {
+    const char* home = std::getenv("HOME");
+    return home == nullptr ? std::string() : std::string(home) + "/" + kOttFile;
+}
+
+bool ottDatabaseExists() { return *sqlite3_db_filename(db_zentova, "main") != '\0'; }
+
+Session::Session(const std::string& path, Access access) {
+    checkFile(path);
+    try {
+        openChecked(path, access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE,
+                    db);
+        checkContent(path, sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr,
+                                        nullptr));
+        if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1) {
+            throw Failure(path + " cannot be written");
+        }
+        openOttDatabase();
+    } catch (...) {
+        closeAll();
+        throw;
+    }
+}
+
+void Session::continueOnCopy() {
+    sqlite3* copy = nullptr;
+    openChecked(":memory:", kMemory, copy);
+    sqlite3_backup* const backup = sqlite3_backup_init(copy, "main", db, "main");
+    if (backup != nullptr) {
+        sqlite3_backup_step(backup, -1);
+        sqlite3_backup_finish(backup);
+    }
+    const bool copied = sqlite3_errcode(copy) == SQLITE_OK;
+    sqlite3_close(copied ? std::exchange(db, copy) : copy);
+    if (!copied) {
+        throw Failure("the database could not be copied: is it locked by another process?");
+    }
+}
+
+Session::~Session() { closeAll(); }
+
+}  // namespace tool

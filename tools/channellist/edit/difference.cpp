@@ -1,0 +1,125 @@
+#include "edit/difference.h"
+
+#include <iostream>
+#include <utility>
+
+#include "failure.h"
+#include "output/text_table.h"
+#include "services/service_words.h"
+
+namespace tool {
+namespace {
+
+// An entry's service, and how often the list named it before.
+using Key = std::pair<unsigned int, int>;
+using KeyedEntries = std::vector<std::pair<Key, const Entry*>>;
+
+KeyedEntries keyed(const std::vector<Entry>& entries) {
+    std::map<unsigned int, int> occurrences;
+    KeyedEntries result;
+    for (const Entry& entry : entries) {
+        result.emplace_back(Key(entry.serviceId, occurrences[entry.serviceId]++), &entry);
+    }
+    return result;
+}
+
+std::vector<std::string> wordsFor(const Entry& before, const Entry& after) {
+    std::vector<std::string> words;
+    if (before.number != after.number) {
+        words.emplace_back("moved");
+    }
+    if (before.deleted != after.deleted) {
+        words.emplace_back(after.deleted ? "hidden" : "restored");
+    }
+    return words;
+}
+
+void compare(const std::string& listName, const std::vector<Entry>& before,
+             const std::vector<Entry>& after, std::vector<Change>& changes) {
+    const KeyedEntries stored = keyed(before);
+    const KeyedEntries written = keyed(after);
+    const std::map<Key, const Entry*> olds(stored.begin(), stored.end());
+    const std::map<Key, const Entry*> news(written.begin(), written.end());
+    for (const auto& [key, entry] : stored) {
+        if (news.count(key) == 0) {
+            changes.push_back({listName,
+                               {"removed"},
+                               std::to_string(entry->number),
+                               "",
+                               entry->name,
+                               entry->serviceId});
+        }
+    }
+    for (const auto& [key, entry] : written) {
+        const std::string number = std::to_string(entry->number);
+        const auto old = olds.find(key);
+        if (old == olds.end()) {
+            changes.push_back({listName, {"added"}, "", number, entry->name, entry->serviceId});
+        } else if (!(*old->second == *entry)) {
+            changes.push_back({listName, wordsFor(*old->second, *entry),
+                               std::to_string(old->second->number), number, entry->name,
+                               entry->serviceId});
+        }
+    }
+}
+
+}  // namespace
+
+Snapshot takeSnapshot(const List& edited) {
+    Snapshot snapshot;
+    for (const List& list : allLists()) {
+        if (list.pid != edited.pid && list.favIndex == 0) {
+            continue;
+        }
+        try {
+            snapshot.lists.push_back({displayName(list), readEntries(list.uuid)});
+        } catch (const Failure&) {
+            if (list.pid == edited.pid) {
+                throw;
+            }
+            snapshot.lists.push_back({displayName(list), {}});
+        }
+    }
+    return snapshot;
+}
+
+std::vector<Change> differences(const Snapshot& before, const Snapshot& after) {
+    std::vector<Change> changes;
+    for (std::size_t i = 0; i < before.lists.size() && i < after.lists.size(); ++i) {
+        compare(before.lists[i].listName, before.lists[i].entries, after.lists[i].entries, changes);
+    }
+    return changes;
+}
+
+void printDifferences(const std::vector<Change>& changes) {
+    if (changes.empty()) {
+        std::cout << "no entry of a list differs\n";
+        return;
+    }
+    TextTable table({{"List"},
+                     {"Change"},
+                     {"Before", Align::Right},
+                     {"After", Align::Right},
+                     {"Name"},
+                     {"Id", Align::Right}});
+    for (const Change& change : changes) {
+        table.add({change.listName, joined(change.what), change.before, change.after, change.name,
+                   std::to_string(change.serviceId)});
+    }
+    table.print(std::cout);
+}
+
+Json differencesJson(const std::vector<Change>& changes) {
+    Json list = Json::array();
+    for (const Change& change : changes) {
+        list.push_back({{"list", change.listName},
+                        {"change", change.what},
+                        {"before", numberOrText(change.before)},
+                        {"after", numberOrText(change.after)},
+                        {"name", change.name},
+                        {"id", change.serviceId}});
+    }
+    return list;
+}
+
+}  // namespace tool

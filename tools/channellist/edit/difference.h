@@ -1,0 +1,38 @@
+// What an edit changed, or would change, in the lists that it reaches.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "database/list_naming.h"
+#include "edit/list_content.h"
+#include "output/json_text.h"
+
+namespace tool {
+
+// The entries of the edited list and of the four FAV lists. A FAV list that cannot be read is left
+// out: its content says nothing.
+struct Snapshot {
+    struct Content {
+        std::string listName;
+        std::vector<Entry> entries;
+    };
+    std::vector<Content> lists;
+};
+
+Snapshot takeSnapshot(const List& edited);
+
+struct Change {
+    std::string listName;
+    std::vector<std::string> what;  // "added", "removed", "moved", "hidden", "restored"
+    std::string before, after;      // channel numbers, "" where there is none
+    std::string name;
+    unsigned int serviceId;
+};
+
+std::vector<Change> differences(const Snapshot& before, const Snapshot& after);
+void printDifferences(const std::vector<Change>& changes);
+Json differencesJson(const std::vector<Change>& changes);
+
+}  // namespace tool

@@ -1,0 +1,34 @@
+// The operations of an edit, as words of the command line.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "edit/list_content.h"
+
+namespace tool {
+
+enum class Verb { Add, Remove, Move, Hide, Restore };
+
+struct Operation {
+    Verb verb;
+    std::string service;
+    std::optional<std::int64_t> number;  // of `add ... at` and `move ... to`
+};
+
+// Reads "add SERVICE [at NUMBER] | remove SERVICE | move SERVICE to NUMBER | hide SERVICE |
+// restore SERVICE ...". Throws Failure (kUsage).
+std::vector<Operation> parseOperations(const std::vector<std::string>& words);
+
+// The place in `entries` of the service that `word` means: digits are a channel number, "id:N" is
+// the database key, anything else a uuid or name. Throws Failure, naming the candidates when there
+// are several.
+std::size_t findEntry(const std::vector<Entry>& entries, const std::string& word,
+                      const std::string& listName);
+
+// Does the operations one after the other; `all` holds the services that can be added.
+void apply(const std::vector<Operation>& operations, const std::vector<Entry>& all,
+           ListContent& content);
+
+}  // namespace tool

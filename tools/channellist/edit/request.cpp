@@ -1,0 +1,113 @@
+#include "edit/request.h"
+
+#include <channellist-access/db_access.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "database/query.h"
+#include "failure.h"
+
+namespace tool {
+namespace {
+
+// Bits of an entry's flag word.
+constexpr unsigned int kDeleted = 0x01;
+constexpr unsigned int kRestored = 0x02;
+constexpr unsigned int kRenumberFav1 = 0x04;  // and the next three for FAV2 to FAV4
+
+constexpr int kMalformed = -1;
+
+void append(std::vector<std::string>& request, unsigned int flags, const Entry& entry) {
+    request.push_back(std::to_string(flags));
+    request.push_back(std::to_string(entry.number));
+    request.push_back(std::to_string(entry.serviceId));
+}
+
+// The renumbering flags of each service that a FAV list holds.
+std::map<unsigned int, unsigned int> renumberFlags() {
+    std::map<unsigned int, unsigned int> flags;
+    for (const List& list : allLists()) {
+        if (list.favIndex == 0) {
+            continue;
+        }
+        Query items(db, "SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = ?");
+        items.bind(std::int64_t{list.pid});
+        while (items.next()) {
+            flags[static_cast<unsigned int>(items.number(0))] |= kRenumberFav1
+                                                                 << (list.favIndex - 1);
+        }
+    }
+    return flags;
+}
+
+std::string explain(int code) {
+    if (code == kMalformed) {
+        return "the edit was refused: a number of the request does not convert; nothing is written";
+    }
+    const auto lists = allLists();
+    const auto count = std::count_if(lists.begin(), lists.end(),
+                                     [](const List& list) { return list.favIndex != 0; });
+    std::string sentence =
+        "the edit failed and was rolled back: nothing is written but the list's update tag";
+    if (count != 4) {
+        sentence +=
+            "; it needs exactly four FAV lists, and the database has " + std::to_string(count);
+    }
+    return sentence;
+}
+
+}  // namespace
+
+std::vector<std::string> favListRequest(const List& list, const std::vector<Entry>& after) {
+    std::vector<std::string> request = {list.uuid};
+    for (const Entry& entry : after) {
+        append(request, entry.deleted ? kDeleted : 0, entry);
+    }
+    return request;
+}
+
+std::vector<std::string> otherListRequest(const List& list, const std::vector<Entry>& before,
+                                          const std::vector<Entry>& after, bool renumber) {
+    const auto renumbering = renumber ? renumberFlags() : std::map<unsigned int, unsigned int>();
+    std::vector<std::string> request = {list.uuid};
+    for (std::size_t i = 0; i < after.size(); ++i) {  // nothing joins or leaves such a list
+        if (after[i] == before[i]) {
+            continue;
+        }
+        unsigned int flags = after[i].deleted ? kDeleted : 0;
+        if (after[i].deleted != before[i].deleted) {
+            flags |= after[i].deleted ? kDeleted : kRestored;
+            const auto held = renumbering.find(after[i].serviceId);
+            flags |= held == renumbering.end() ? 0 : held->second;
+        }
+        append(request, flags, after[i]);
+    }
+    return request;
+}
+
+int submit(const std::vector<std::string>& request) {
+    const int code = dbaccess::onServiceListEdit(request);
+    if (code < 0) {
+        throw Failure(explain(code));
+    }
+    return code;
+}
+
+void renumber(const List& favList) {
+    pthread_mutex_lock(&svresult_mutex);
+    char* error = nullptr;
+    int code = sqlexec(db, "BEGIN IMMEDIATE TRANSACTION", nullptr, nullptr, &error);
+    if (code == SQLITE_OK) {
+        dbaccess::renumberFAVList(favList.pid, static_cast<unsigned char>(favList.favIndex));
+        dbaccess::UpdateListTag(favList.pid);
+        code = sqlexec(db, "COMMIT TRANSACTION", nullptr, nullptr, &error);
+    }
+    pthread_mutex_unlock(&svresult_mutex);
+    if (code != SQLITE_OK) {
+        throw Failure("the list is written, but it could not be renumbered");
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,23 @@
+// JSON for scripts.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+using Json = nlohmann::ordered_json;
+
+// The number that `text` is, null for an empty text, else the text itself.
+Json numberOrText(const std::string& text);
+
+// Rows as arrays of texts, one a line.
+void printRawJson(const std::vector<std::vector<std::string>>& rows);
+// Rows as lines of texts with tabs between them; control characters as "\x09".
+void printRaw(const std::vector<std::vector<std::string>>& rows);
+
+// Bytes that are no UTF-8 become the replacement character.
+void printJson(const Json& value);
+
+}  // namespace tool

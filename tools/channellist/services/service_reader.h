@@ -1,0 +1,27 @@
+// Reads lists through the library, with every column that it has.
+#pragma once
+
+#include <channellist-access/db_access.h>
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// What a list delivers. `complete` is false when the library stopped in front of rows that it could
+// not convert; it has named the first of them on standard error.
+struct Rows {
+    std::vector<ResultRow> rows;
+    bool complete = true;
+};
+
+// The rows' columns are numbered by field id: row[SERVICE_FIELD_CAPTION].
+Rows readServices(const std::string& listUuid);
+// row[FOLDER_FIELD_CAPTION]
+Rows readFolders();
+
+// The rows in the columns that the library gives on its own accord.
+Rows readRawServices(const std::string& listUuid);
+Rows readRawFolders();
+
+}  // namespace tool
