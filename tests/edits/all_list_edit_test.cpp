@@ -1,4 +1,6 @@
 // Edits of the All list and of every other list that is no FAV list.
+#include <array>
+
 #include "edits/edit_test.h"
 
 namespace {
@@ -10,14 +12,12 @@ using testing::IsSupersetOf;
 using AllListEdit = EditTest;
 
 TEST_F(AllListEdit, DeletesEverywhereAndRenumbersTheListsAskedFor) {
-    EXPECT_EQ(edit("all", {{0, 1, 11}, {0x15, 2, 12}, {0, 3, 99}}), 101);
-    EXPECT_THAT(changes(),
-                ElementsAre("FavoriteItem 111: ChannelNum 2>1", "FavoriteItem 112: ChannelNum 3>2",
-                            "FavoriteItem 112: isDeleted 0>1", "FavoriteItem 612: isDeleted 0>1",
-                            "FavoriteItem 614: ChannelNum 9>2", "FavoriteItem 712: isDeleted 0>1",
-                            "FavoriteItem 812: isDeleted 0>1", "FavoriteList 1: UpdateTag 0>1",
-                            "FavoriteList 6: UpdateTag 0>1", "FavoriteList 6: MaxChannelNumber 0>2",
-                            "FavoriteList 8: UpdateTag 0>1"));
+    EXPECT_EQ(edit("all  0 1 11  21 2 12  0 3 99"), 101);
+    EXPECT_EQ(changes(),
+              "Item 111: ChannelNum 2>1; Item 112: ChannelNum 3>2; Item 112: isDeleted"
+              " 0>1; Item 612: isDeleted 0>1; Item 614: ChannelNum 9>2; Item 712:"
+              " isDeleted 0>1; Item 812: isDeleted 0>1; List 1: UpdateTag 0>1; List 6:"
+              " UpdateTag 0>1; List 6: MaxChannelNumber 0>2; List 8: UpdateTag 0>1");
     EXPECT_EQ(statements(), R"(SELECT Pid FROM FavoriteList WHERE Uuid = 'all';
 UPDATE FavoriteList SET UpdateTag = case UpdateTag WHEN 65535 then 0 else UpdateTag+1 end Where Pid= 1;
 SELECT Pid FROM FavoriteList WHERE Creator like 'User.tvFAV%' ;
@@ -45,31 +45,27 @@ COMMIT TRANSACTION
 }
 
 TEST_F(AllListEdit, ObeysTheFlags) {
-    struct Case {
-        Entries entries;
-        const char* deleted;  // flags of service 12's items, in lists 1, 6, 7 and 8
-        const char* tags;     // update tags of lists 1, 2, 6, 7, 8 and 9
+    // Arguments; deleted flags of service 12 in lists 1, 6, 7 and 8; tags of the six lists.
+    std::array<std::string, 3> const cases[] = {
+        {"all  0 3 12", "0000", "100000"},
+        {"all  60 3 12", "0000", "100000"},
+        {"all  2 3 12", "0000", "100000"},
+        {"all  6 3 12", "0000", "101000"},
+        {"all  10 3 12", "0000", "100100"},
+        {"all  1 3 12", "1111", "100000"},
+        {"all  5 3 12", "1111", "101000"},
+        {"all  4294967233 3 12", "1111", "100000"},
+        {"all  4294967295 3 12", "1111", "101111"},
+        {"all  33 3 12  18 9 99  18 9 99  13 3 12", "1111", "101111"},
     };
-    Case const cases[] = {
-        {{{0x00, 3, 12}}, "0000", "100000"},
-        {{{0x3c, 3, 12}}, "0000", "100000"},
-        {{{0x02, 3, 12}}, "0000", "100000"},
-        {{{0x06, 3, 12}}, "0000", "101000"},
-        {{{0x0a, 3, 12}}, "0000", "100100"},
-        {{{0x01, 3, 12}}, "1111", "100000"},
-        {{{0x05, 3, 12}}, "1111", "101000"},
-        {{{0xffffffc1, 3, 12}}, "1111", "100000"},
-        {{{0xffffffff, 3, 12}}, "1111", "101111"},
-        {{{0x21, 3, 12}, {0x12, 9, 99}, {0x12, 9, 99}, {0x0d, 3, 12}}, "1111", "101111"},
-    };
-    for (auto const& test : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << &test - cases);
+    for (auto const& [arguments, deleted, tags] : cases) {
+        SCOPED_TRACE(arguments);
         change("UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 12");
         change("UPDATE FavoriteList SET UpdateTag = 0");
-        EXPECT_EQ(edit("all", test.entries), 101);
+        EXPECT_EQ(edit(arguments), 101);
         EXPECT_EQ(rows("SELECT group_concat(isDeleted, '') FROM FavoriteItem WHERE ServiceId = 12"),
-                  test.deleted);
-        EXPECT_EQ(rows("SELECT group_concat(UpdateTag, '') FROM FavoriteList"), test.tags);
+                  deleted);
+        EXPECT_EQ(rows("SELECT group_concat(UpdateTag, '') FROM FavoriteList"), tags);
     }
     EXPECT_THAT(texts(4000),
                 Contains("serviceId=99,isDeleted=0,channelnumber:9,flag=18,restoreEdit:1."));
@@ -80,10 +76,10 @@ TEST_F(AllListEdit, ObeysTheFlags) {
 }
 
 TEST_F(AllListEdit, IsTheEditOfEveryOtherList) {
-    EXPECT_EQ(edit("cable", {{1, 8, 11}, {0, 5, 14}}), 101);
-    EXPECT_THAT(changes(),
-                ElementsAre("FavoriteItem 211: ChannelNum 2>8", "FavoriteItem 211: isDeleted 0>1",
-                            "FavoriteItem 711: isDeleted 0>1", "FavoriteList 2: UpdateTag 0>1"));
+    EXPECT_EQ(edit("cable  1 8 11  0 5 14"), 101);
+    EXPECT_EQ(changes(),
+              "Item 211: ChannelNum 2>8; Item 211: isDeleted 0>1; "
+              "Item 711: isDeleted 0>1; List 2: UpdateTag 0>1");
 }
 
 // What fails in a renumbering is logged; the edit stands, and the renumbering goes on.
@@ -91,12 +87,11 @@ TEST_F(AllListEdit, IsCommittedWhenARenumberingFails) {
     ott("('FAV3', 1)");
     change("UPDATE FavoriteItem SET ChannelNum = ChannelNum + 4 WHERE FavoriteId IN (7, 8)");
     forbid("UPDATE OF ChannelNum ON FavoriteItem", "NEW.Id = 711");
-    EXPECT_EQ(edit("all", {{0x1a, 1, 10}}), 101);
-    EXPECT_THAT(changes(),
-                ElementsAre("FavoriteItem 710: ChannelNum 5>1", "FavoriteItem 812: ChannelNum 8>2",
-                            "FavoriteList 1: UpdateTag 0>1", "FavoriteList 7: UpdateTag 0>1",
-                            "FavoriteList 7: MaxChannelNumber 0>7", "FavoriteList 8: UpdateTag 0>1",
-                            "FavoriteList 8: MaxChannelNumber 0>2"));
+    EXPECT_EQ(edit("all  26 1 10"), 101);
+    EXPECT_EQ(changes(),
+              "Item 710: ChannelNum 5>1; Item 812: ChannelNum 8>2; List 1: UpdateTag"
+              " 0>1; List 7: UpdateTag 0>1; List 7: MaxChannelNumber 0>7; List 8:"
+              " UpdateTag 0>1; List 8: MaxChannelNumber 0>2");
     std::string const hint = ", hint:'Renumber fav item in the case of All list edit.'.";
     EXPECT_THAT(texts(),
                 ElementsAre("sqlite3_step failed:19" + hint, "sqlite3_step failed:21" + hint));
@@ -104,22 +99,21 @@ TEST_F(AllListEdit, IsCommittedWhenARenumberingFails) {
 
 // A FAV list edit, then one of the All list that deletes every second service from both.
 TEST_F(AllListEdit, AndFavListEditTakeFiveThousandEntries) {
-    constexpr unsigned int kCount = 5000;
     change(
         "WITH RECURSIVE n(i) AS (SELECT 1000 UNION ALL SELECT i + 1 FROM n WHERE i < 5999)"
         " INSERT INTO Service (Pid) SELECT i FROM n");
     change(
         "INSERT INTO FavoriteItem (ServiceId, FavoriteId) SELECT Pid, 1 FROM Service"
         " WHERE Pid >= 1000");
-    Entries entries;
-    for (unsigned int i = 0; i < kCount; ++i) {
-        entries.push_back({0, kCount - i, 1000 + i});
+    std::string favEntries = "fav4";
+    std::string allEntries = "all";
+    for (int i = 0; i < 5000; ++i) {
+        std::string const service = std::to_string(1000 + i);
+        favEntries += " 0 " + std::to_string(5000 - i) + " " + service;
+        allEntries += (i % 2 == 0 ? " 33 " : " 0 ") + std::to_string(7000 + i) + " " + service;
     }
-    EXPECT_EQ(edit("fav4", entries), 101);
-    for (unsigned int i = 0; i < kCount; ++i) {
-        entries[i] = {i % 2 == 0 ? 0x21U : 0, 7000 + i, 1000 + i};
-    }
-    EXPECT_EQ(edit("all", entries), 101);
+    EXPECT_EQ(edit(favEntries), 101);
+    EXPECT_EQ(edit(allEntries), 101);
     EXPECT_EQ(rows("SELECT sum(isDeleted), sum(ChannelNum - ServiceId = 6000) FROM FavoriteItem"
                    " WHERE FavoriteId = 1 AND ServiceId >= 1000"),
               "2500|5000");

@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
+#include <sstream>
 
 namespace {
 
@@ -63,14 +65,9 @@ int EditTest::request(const Texts& arguments) {
     return result;
 }
 
-int EditTest::edit(const std::string& uuid, const Entries& entries) {
-    Texts arguments = {uuid};
-    for (Entry const& entry : entries) {
-        for (unsigned int const number : entry) {
-            arguments.push_back(std::to_string(number));
-        }
-    }
-    return request(arguments);
+int EditTest::edit(const std::string& arguments) {
+    std::istringstream words(arguments);
+    return request({std::istream_iterator<std::string>(words), {}});
 }
 
 int EditTest::watched(const std::function<int()>& call) {
@@ -90,42 +87,43 @@ void EditTest::expectAtRest() {
         << "a statement is left";
 }
 
-EditTest::Texts EditTest::changes() {
+std::string EditTest::changes() {
     auto const after = everything();
-    Texts differences;
+    std::string all;
+    auto const add = [&all](const std::string& text) { all += (all.empty() ? "" : "; ") + text; };
     for (auto const& [name, row] : before_) {
         auto const now = after.find(name);
         if (now == after.end()) {
-            differences.push_back("-" + name);
+            add("-" + name);
             continue;
         }
         for (std::size_t i = 0; i < row.size(); ++i) {
             auto const& [column, value] = now->second[i];
             if (value != row[i].second) {
-                differences.push_back(name + ": " + column + " " + row[i].second + ">" + value);
+                add(name + ": " + column + " " + row[i].second + ">" + value);
             }
         }
     }
     for (auto const& [name, row] : after) {
         if (before_.count(name) == 0) {
-            std::string values;
-            for (auto const& [column, value] : row) {
-                values += (values.empty() ? " " : "|") + value;
+            add("+" + name);
+            for (std::size_t i = 1; i < row.size(); ++i) {
+                all += "|" + row[i].second;
             }
-            differences.push_back("+" + name.substr(0, name.find(' ')) + values);
         }
     }
-    return differences;
+    return all;
 }
 
 std::map<std::string, EditTest::Row> EditTest::everything() {
     std::map<std::string, Row> all;
-    for (auto const& table :
+    for (auto const& tables :
          database().rows("SELECT name FROM sqlite_master WHERE type = 'table'")) {
-        auto const columns =
-            database().rows("SELECT name FROM pragma_table_info('" + table[0] + "')");
-        for (auto const& values : database().rows("SELECT rowid, * FROM " + table[0])) {
-            Row& row = all[table[0] + " " + values[0]];
+        std::string const table = tables[0];
+        auto const columns = database().rows("SELECT name FROM pragma_table_info('" + table + "')");
+        std::string const shortName = table.substr(startsWith(table, "Favorite") ? 8 : 0);
+        for (auto const& values : database().rows("SELECT rowid, * FROM " + table)) {
+            Row& row = all[shortName + " " + values[0]];
             for (std::size_t i = 0; i < columns.size(); ++i) {
                 row.emplace_back(columns[i][0], values[i + 1]);
             }

@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <functional>
 #include <map>
 #include <string>
@@ -26,8 +25,6 @@
 class EditTest : public TestDatabase {
   protected:
     using Texts = std::vector<std::string>;
-    using Entry = std::array<unsigned int, 3>;  // flags, channel number, service id
-    using Entries = std::vector<Entry>;
 
     void SetUp() override;
     void TearDown() override;
@@ -36,14 +33,15 @@ class EditTest : public TestDatabase {
 
     /// Runs an edit request; "sync" must run once when it succeeds, else not at all.
     int request(const Texts& arguments);
-    int edit(const std::string& uuid, const Entries& entries);
+    /// The same with the arguments in one text: "fav2  0 1 10  1 2 11".
+    int edit(const std::string& arguments);
     /// Runs anything else of the library under the same watch.
     int watched(const std::function<int()>& call);
 
-    /// What the last request changed in any table, a row or cell a text: "FavoriteItem 712:
-    /// isDeleted 0>1", "-FavoriteItem 711", "+FavoriteItem 813|..." (Id, service, list, original
-    /// list, number, deleted, visible, selectable).
-    Texts changes();
+    /// What the last request changed in any table, by row: "-Item 711; Item 712: isDeleted 0>1;
+    /// List 7: UpdateTag 0>1; +Item 813|..." (Id, service, list, original list, number, deleted,
+    /// visible, selectable). "Favorite" is left out of the tables' names.
+    std::string changes();
     /// The statements that the last request ran, with their values, a line each.
     const std::string& statements() const { return statements_; }
     /// Runs `action` once, just before the library's next statement that begins so.
