@@ -14,9 +14,9 @@
 ///   the library's own around opening; a host that calls them from several threads holds
 ///   svresult_mutex around the call.
 /// - Results. 0 is success; SQLite's result codes pass through unchanged; -2: the database could
-///   not be opened, a row that the operation needs is missing, or an edit failed and was rolled back;
-///   -1: a malformed request, a row that does not convert, or a failed OTT search. A read request
-///   answers with an empty ResultSet when it fails, or with the rows that came before the failure.
+///   not be opened, a row that the operation needs is missing, or an edit failed and was rolled
+///   back; -1: a malformed request, a row that does not convert, or a failed OTT search. A read
+///   request answers with an empty ResultSet when it fails, or with the rows before the failure.
 /// - Waiting. A locked database (SQLITE_BUSY) is tried again with a sleep of 100 ms on the caller's
 ///   thread, the mutex held where the function holds it: 50 attempts for queries and steps, 10 for
 ///   the update tag and the BISS key. The busy timeout that get_dbservices sets on the connection
