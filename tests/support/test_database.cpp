@@ -24,8 +24,7 @@ void closeForGood(sqlite3*& connection, const char* name) {
 
 }  // namespace
 
-DatabaseLock::DatabaseLock(const std::string& file, const char* begin)
-    : connection_(opened(file)) {
+DatabaseLock::DatabaseLock(const std::string& file, const char* begin) : connection_(opened(file)) {
     if (sqlite3_exec(connection_, begin, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw std::runtime_error(sqlite3_errmsg(connection_));
     }
