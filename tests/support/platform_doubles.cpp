@@ -32,11 +32,23 @@ struct State {
 std::mutex stateMutex;
 State state;
 
-// The answer of `read` while no other thread changes the state.
+// The result of `action` on the state, which no other thread changes meanwhile.
 template <typename Action>
 auto locked(Action action) {
     std::lock_guard<std::mutex> const lock(stateMutex);
     return action(state);
+}
+
+template <typename Member>
+Member copied(Member State::*member) {
+    std::lock_guard<std::mutex> const lock(stateMutex);
+    return state.*member;
+}
+
+template <typename Member>
+void assign(Member State::*member, Member value) {
+    std::lock_guard<std::mutex> const lock(stateMutex);
+    state.*member = std::move(value);
 }
 
 // What this thread asked last and was told is enabled; 0 when nothing.
@@ -81,49 +93,27 @@ Message takenApart(unsigned int word, const char* format, va_list arguments) {
 }  // namespace
 
 void reset() {
-    locked([](State& s) { s = State(); });
+    std::lock_guard<std::mutex> const lock(stateMutex);
+    state = State();
 }
 
-int sleepCount() {
-    return locked([](State& s) { return s.sleepCount; });
-}
+int sleepCount() { return copied(&State::sleepCount); }
+unsigned long long sleptMicroseconds() { return copied(&State::sleptMicroseconds); }
+void onSleep(std::function<void(int)> hook) { assign(&State::sleepHook, std::move(hook)); }
 
-unsigned long long sleptMicroseconds() {
-    return locked([](State& s) { return s.sleptMicroseconds; });
-}
-
-void onSleep(std::function<void(int)> hook) {
-    locked([&](State& s) { s.sleepHook = std::move(hook); });
-}
-
-std::vector<std::string> commands() {
-    return locked([](State& s) { return s.commands; });
-}
-
+std::vector<std::string> commands() { return copied(&State::commands); }
 void onCommand(std::function<int(const std::string&)> hook) {
-    locked([&](State& s) { s.commandHook = std::move(hook); });
+    assign(&State::commandHook, std::move(hook));
 }
 
-std::vector<Message> messages() {
-    return locked([](State& s) { return s.messages; });
-}
-
-void forgetMessages() {
-    locked([](State& s) { s.messages.clear(); });
-}
-
-int checkCount() {
-    return locked([](State& s) { return s.checkCount; });
-}
-
+std::vector<Message> messages() { return copied(&State::messages); }
+void forgetMessages() { assign(&State::messages, {}); }
+int checkCount() { return copied(&State::checkCount); }
 void enableLevels(std::function<bool(unsigned int)> enabled) {
-    locked([&](State& s) { s.enabled = std::move(enabled); });
+    assign(&State::enabled, std::move(enabled));
 }
 
-std::vector<std::string> openedPaths() {
-    return locked([](State& s) { return s.openedPaths; });
-}
-
+std::vector<std::string> openedPaths() { return copied(&State::openedPaths); }
 void redirectOpen(const std::string& path, const std::string& file) {
     locked([&](State& s) { s.redirections[path] = file; });
 }

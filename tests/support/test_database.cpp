@@ -1,5 +1,6 @@
 #include "support/test_database.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -23,8 +24,8 @@ void closeForGood(sqlite3*& connection, const char* name) {
 
 }  // namespace
 
-DatabaseLock::DatabaseLock(const std::string& file) : connection_(opened(file)) {
-    if (sqlite3_exec(connection_, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr) != SQLITE_OK) {
+DatabaseLock::DatabaseLock(const std::string& file, const char* begin) : connection_(opened(file)) {
+    if (sqlite3_exec(connection_, begin, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw std::runtime_error(sqlite3_errmsg(connection_));
     }
 }
@@ -92,16 +93,16 @@ std::string TestDatabase::joined(const ResultRow& row) {
 
 std::string TestDatabase::joined(const ResultSet& answer) {
     std::string text;
-    for (std::size_t i = 0; i < answer.size(); ++i) {
-        text += (i > 0 ? ";" : "") + joined(*answer[i]);
+    for (const auto& row : answer) {
+        text += (row == answer.front() ? "" : ";") + joined(*row);
     }
     return text;
 }
 
 std::string TestDatabase::column(const ResultSet& answer, std::size_t column) {
     std::string text;
-    for (std::size_t i = 0; i < answer.size(); ++i) {
-        text += (i > 0 ? ";" : "") + answer[i]->at(column);
+    for (const auto& row : answer) {
+        text += (row == answer.front() ? "" : ";") + row->at(column);
     }
     return text;
 }
@@ -117,9 +118,6 @@ std::vector<std::string> TestDatabase::texts(unsigned int level) {
 }
 
 int TestDatabase::opens() {
-    int count = 0;
-    for (const auto& path : platform::openedPaths()) {
-        count += path == platform::kChannelDatabasePath ? 1 : 0;
-    }
-    return count;
+    const auto paths = platform::openedPaths();
+    return static_cast<int>(std::count(paths.begin(), paths.end(), platform::kChannelDatabasePath));
 }

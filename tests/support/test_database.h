@@ -3,6 +3,7 @@
 
 #include <channel-database/builder.h>
 #include <channellist-access/db_access.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -11,10 +12,17 @@
 
 #include "support/platform_doubles.h"
 
-/// Holds a write lock on the database in a connection of its own until release() or its end.
+/// What the library says of each attempt on a busy database.
+constexpr char kTryAgain[] = " database is locked, try again";
+
+/// Holds a lock on the database in a connection of its own until release() or its end.
 class DatabaseLock {
   public:
-    explicit DatabaseLock(const std::string& file);
+    static constexpr char kExclusive[] = "BEGIN EXCLUSIVE";  // nobody else reads or writes
+    static constexpr char kWriter[] = "BEGIN IMMEDIATE";     // nobody else writes
+    static constexpr char kReader[] = "BEGIN; SELECT * FROM FavoriteList";  // nobody else commits
+
+    explicit DatabaseLock(const std::string& file, const char* begin = kExclusive);
     ~DatabaseLock() { release(); }
     DatabaseLock(const DatabaseLock&) = delete;
     DatabaseLock& operator=(const DatabaseLock&) = delete;

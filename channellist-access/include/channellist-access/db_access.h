@@ -1,34 +1,35 @@
-// The channel lists of a television set: reads, edits and operator lookups on the channel database
-// "/var/tvservice/servicelist.db", which another component of the set creates and fills.
-//
-// Conventions of every function here, unless its comment says otherwise:
-//
-// - Opening. There is no initialisation call. A function that "opens on demand" uses `db` when it
-//   is not null (a host may set it to a connection of its own before the first call) and otherwise
-//   opens the file, once per process. When the open fails the handle is closed, `db` is null again,
-//   and the next call tries anew; get_dbservices differs, see there. `db` is never closed.
-// - Locks. Four entry points hold svresult_mutex from start to return: get_dbservices,
-//   getAstraAnchorService, checkAstraScrambleService and onServiceListEdit. The mutex is not
-//   recursive: do not call them with it held, nor from a row callback. The others take no lock but
-//   the library's own around opening; a host that calls them from several threads holds
-//   svresult_mutex around the call.
-// - Results. 0 is success; SQLite's result codes pass through unchanged; -2: the database could not
-//   be opened, a row that the operation needs is missing, or an edit failed and was rolled back;
-//   -1: a malformed request, a row that does not convert, or a failed OTT search. A read request
-//   answers with an empty ResultSet when it fails, or with the rows that came before the failure.
-// - Waiting. A locked database (SQLITE_BUSY) is tried again with a sleep of 100 ms on the caller's
-//   thread, the mutex held where the function holds it: 50 attempts for queries and steps, 10 for
-//   the update tag and the BISS key. The busy timeout that get_dbservices sets on the connection
-//   (1000 ms) comes on top of every attempt made after it.
-// - Numbers in texts. "signed" and "unsigned" mean an optional sign and decimal digits, nothing
-//   else, within 32 bits ("-" negates an unsigned number modulo 2^32). Numbers are the same under
-//   every global locale.
-// - Texts. A uuid may hold any bytes; it never ends the SQL literal that it stands in.
-// - Exceptions. Database failures raise none. Functions that handle strings may let
-//   `std::bad_alloc` out to the host; locks are free then and an open transaction is rolled back.
-//   Row callbacks, the sql helpers, initViews and busy_callback raise none.
-// - Messages. Every failure writes a message through the platform's debug library (level 1000,
-//   module 0xda; the BISS lookup uses module 0xb4).
+/// @file
+/// The channel lists of a television set: reads, edits and operator lookups on the channel database
+/// "/var/tvservice/servicelist.db", which another component of the set creates and fills.
+///
+/// Conventions of every function here, unless its comment says otherwise:
+///
+/// - Opening. There is no initialisation call. A function that "opens on demand" uses `db` when it
+///   is not null (a host may set it to a connection of its own before the first call) and otherwise
+///   opens the file, once per process. When the open fails the handle is closed, `db` is null
+///   again, and the next call tries anew; get_dbservices differs, see there. `db` is never closed.
+/// - Locks. Four entry points hold svresult_mutex from start to return: get_dbservices,
+///   getAstraAnchorService, checkAstraScrambleService and onServiceListEdit. The mutex is not
+///   recursive: do not call them with it held, nor from a row callback. The others take no lock but
+///   the library's own around opening; a host that calls them from several threads holds
+///   svresult_mutex around the call.
+/// - Results. 0 is success; SQLite's result codes pass through unchanged; -2: the database could
+///   not be opened, a row that the operation needs is missing, or an edit failed and was rolled
+///   back; -1: a malformed request, a row that does not convert, or a failed OTT search. A read
+///   request answers with an empty ResultSet when it fails, or with the rows before the failure.
+/// - Waiting. A locked database (SQLITE_BUSY) is tried again with a sleep of 100 ms on the caller's
+///   thread, the mutex held where the function holds it: 50 attempts for queries and steps, 10 for
+///   the update tag and the BISS key. The busy timeout that get_dbservices sets on the connection
+///   (1000 ms) comes on top of every attempt made after it.
+/// - Numbers in texts. "signed" and "unsigned" mean an optional sign and decimal digits, nothing
+///   else, within 32 bits ("-" negates an unsigned number modulo 2^32). Numbers are the same under
+///   every global locale.
+/// - Texts. A uuid may hold any bytes; it never ends the SQL literal that it stands in.
+/// - Exceptions. Database failures raise none. Functions that handle strings may let
+///   `std::bad_alloc` out to the host; locks are free then and an open transaction is rolled back.
+///   Row callbacks, the sql helpers, initViews and busy_callback raise none.
+/// - Messages. Every failure writes a message through the platform's debug library (level 1000,
+///   module 0xda; the BISS lookup uses module 0xb4).
 #ifndef CHANNELLIST_ACCESS_DB_ACCESS_H
 #define CHANNELLIST_ACCESS_DB_ACCESS_H
 
@@ -64,7 +65,11 @@ extern CHANNELLIST_ACCESS_EXPORT std::string bisskey;
 
 /// Runs `sql` as sqlite3_exec does; no retry.
 ///
-/// @param errmsg may be null. After a failure the error text has been logged and freed and
+/// @param db       connection
+/// @param sql      one statement or several
+/// @param callback row callback; may be null
+/// @param arg      its context
+/// @param errmsg   may be null. After a failure the error text has been logged and freed and
 ///               `*errmsg` is null: the caller never owns one.
 /// @return SQLite's result code.
 CHANNELLIST_ACCESS_EXPORT int sqlexec(sqlite3* db, const char* sql,
@@ -100,6 +105,7 @@ CHANNELLIST_ACCESS_EXPORT int sqlstepquery(sqlite3_stmt** stmt, const char* hint
 CHANNELLIST_ACCESS_EXPORT int getbissKey_callback(void* context, int count, char** values,
                                                   char** names);
 
+/// The requests to the channel database.
 namespace dbaccess {
 
 /// @name Reads
@@ -234,7 +240,8 @@ CHANNELLIST_ACCESS_EXPORT int onServiceListEdit(std::vector<std::string> argumen
 /// svresult_mutex. A failing step is logged, the items from it on keep their numbers, and the
 /// result is still 0.
 ///
-/// @param listPid key of the list
+/// @param listPid  key of the list
+/// @param favIndex which of the OTT database's four lists holds the numbers to leave free
 /// @return 0; -2 when `favIndex` is not 1 to 4, the database is not open, the list has no such
 ///         item, or the statement does not prepare; nothing is written then.
 CHANNELLIST_ACCESS_EXPORT int renumberFAVList(unsigned int listPid, unsigned char favIndex);
@@ -338,7 +345,7 @@ CHANNELLIST_ACCESS_EXPORT int getOttFav4List(std::vector<unsigned int>& values);
 /// @return 0, or SQLite's code of the first statement that failed.
 CHANNELLIST_ACCESS_EXPORT int initViews(sqlite3* db);
 
-/// A busy handler for sqlite3_busy_handler that never gives up: sleeps 100 ms, logs `count`,
+/// A busy handler for sqlite3_busy_handler that never gives up: sleeps 100 ms, logs `count` and
 /// returns 1. The library registers it nowhere. `arg` is not used.
 CHANNELLIST_ACCESS_EXPORT int busy_callback(void* arg, int count);
 

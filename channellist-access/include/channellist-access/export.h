@@ -1,3 +1,5 @@
+/// @file
+/// The export macro.
 #ifndef CHANNELLIST_ACCESS_EXPORT_H
 #define CHANNELLIST_ACCESS_EXPORT_H
 

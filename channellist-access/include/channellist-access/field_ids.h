@@ -1,4 +1,5 @@
-// The small integers that name the columns of a result row.
+/// @file
+/// The small integers that name the columns of a result row.
 #ifndef CHANNELLIST_ACCESS_FIELD_IDS_H
 #define CHANNELLIST_ACCESS_FIELD_IDS_H
 

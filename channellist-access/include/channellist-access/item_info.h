@@ -1,5 +1,6 @@
-// The records that describe one entry of the channel list: a broadcast service, an external input
-// shown as a service, or a list ("folder"). Their vocabulary follows the UPnP content directory.
+/// @file
+/// The records that describe one entry of the channel list: a broadcast service, an external input
+/// shown as a service, or a list ("folder"). Their vocabulary follows the UPnP content directory.
 #ifndef CHANNELLIST_ACCESS_ITEM_INFO_H
 #define CHANNELLIST_ACCESS_ITEM_INFO_H
 
@@ -34,6 +35,7 @@ class CHANNELLIST_ACCESS_EXPORT ItemInfo {
     /// Copies every field. Takes a non-const reference: a constant item is not copied this way.
     ItemInfo(ItemInfo& other);
 
+    /// Copies every field.
     ItemInfo& operator=(ItemInfo const& other) = default;
 
     virtual ~ItemInfo();
@@ -195,6 +197,7 @@ class CHANNELLIST_ACCESS_EXPORT ItemInfo {
 /// A TV service or an external input: an item of kind ITEM_TYPE_VIDEO.
 class CHANNELLIST_ACCESS_EXPORT VideoItemInfo : public ItemInfo {
   public:
+    /// The caption is not stripped.
     VideoItemInfo(std::string const& caption, std::string const& uuid);
     virtual ~VideoItemInfo();
 };
@@ -202,6 +205,7 @@ class CHANNELLIST_ACCESS_EXPORT VideoItemInfo : public ItemInfo {
 /// A radio service: an item of kind ITEM_TYPE_AUDIO.
 class CHANNELLIST_ACCESS_EXPORT MusicItemInfo : public ItemInfo {
   public:
+    /// The caption is not stripped.
     MusicItemInfo(std::string const& caption, std::string const& uuid);
     virtual ~MusicItemInfo();
 };
@@ -209,6 +213,7 @@ class CHANNELLIST_ACCESS_EXPORT MusicItemInfo : public ItemInfo {
 /// A list of services: an item of kind ITEM_TYPE_FOLDER.
 class CHANNELLIST_ACCESS_EXPORT FolderItemInfo : public ItemInfo {
   public:
+    /// The caption is not stripped.
     FolderItemInfo(std::string const& caption, std::string const& uuid);
     virtual ~FolderItemInfo();
 };

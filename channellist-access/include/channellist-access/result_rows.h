@@ -1,4 +1,5 @@
-// The rows that read requests answer with.
+/// @file
+/// The rows that read requests answer with.
 #ifndef CHANNELLIST_ACCESS_RESULT_ROWS_H
 #define CHANNELLIST_ACCESS_RESULT_ROWS_H
 

@@ -1,4 +1,5 @@
-// The record that holds the service converted last.
+/// @file
+/// The record that holds the service converted last.
 #ifndef CHANNELLIST_ACCESS_SERVICE_SNAPSHOT_H
 #define CHANNELLIST_ACCESS_SERVICE_SNAPSHOT_H
 

@@ -15,8 +15,6 @@ int EditTransaction::commit(CallSite const& site) {
                                     [this] { return execute("COMMIT TRANSACTION"); });
     if (code == SQLITE_OK)
         open_ = false;
-    else
-        rollback();
     return code;
 }
 

@@ -20,8 +20,8 @@ class EditTransaction {
     // Returns SQLite's code; unless it is 0 nothing was begun.
     int begin();
 
-    // Tries again while readers of other processes hold the file; what cannot be committed is
-    // rolled back. Returns SQLite's code; the messages carry the caller's site.
+    // Tries again while readers of other processes hold the file; unless it returns 0 the
+    // transaction is still to be rolled back. The messages carry the caller's site.
     int commit(CallSite const& site);
 
   private:

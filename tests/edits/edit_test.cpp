@@ -1,0 +1,173 @@
+#include "edits/edit_test.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+bool startsWith(const std::string& text, const std::string& beginning) {
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
+
+}  // namespace
+
+void EditTest::SetUp() {
+    TestDatabase::SetUp();
+    database().list("tamun.sl2.servicelist$all", 1).uuid("all");
+    database().list("servicelist://tamun.dvbc", 2).uuid("cable");
+    for (int list = 6; list <= 9; ++list) {
+        std::string const index = std::to_string(list - 5);
+        database().list("User.tvFAV" + index, list).uuid("fav" + index);
+    }
+    std::map<int, channel_database::Service> services;
+    for (int pid = 10; pid <= 15; ++pid) {
+        services.emplace(pid, database().dvbc("S" + std::to_string(pid), pid));
+        put(1, pid, pid - 9);
+    }
+    constexpr int kItems[][3] = {{2, 10, 1}, {2, 11, 2}, {6, 10, 1}, {6, 12, 5}, {6, 14, 9},
+                                 {7, 10, 1}, {7, 11, 2}, {7, 12, 3}, {8, 12, 4}};
+    for (auto const& [list, service, number] : kItems) {
+        put(list, service, number);
+        if (list >= 6) {
+            services.at(service).favTag(list - 5);
+        }
+    }
+    setenv("HOME", directory().c_str(), 1);
+    ASSERT_EQ(sqlite3_open_v2(file().c_str(), &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
+    sqlite3_exec(db, "PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
+    sqlite3_trace_v2(db, SQLITE_TRACE_STMT, onStatement, this);
+}
+
+void EditTest::TearDown() {
+    expectAtRest();
+    EXPECT_FALSE(action_.second) << "never ran: " << action_.first;
+    for (auto const& message : platform::messages()) {
+        bool const isBare =
+            message.level == 4000 && (message.format == "%d " || message.format == "].");
+        EXPECT_TRUE(isBare || !startsWith(message.text, "MALFORMED")) << message.text;
+        EXPECT_EQ(message.module, 0xdaU) << message.text;
+    }
+    TestDatabase::TearDown();
+}
+
+void EditTest::startAnew() {
+    TearDown();
+    SetUp();
+}
+
+int EditTest::request(const Texts& arguments) {
+    std::size_t const syncs = platform::commands().size();
+    int const result = watched([&] { return dbaccess::onServiceListEdit(arguments); });
+    EXPECT_EQ(platform::commands().size(), syncs + (result >= 0 ? 1 : 0));
+    return result;
+}
+
+int EditTest::edit(const std::string& arguments) {
+    std::istringstream words(arguments);
+    return request({std::istream_iterator<std::string>(words), {}});
+}
+
+int EditTest::watched(const std::function<int()>& call) {
+    before_ = everything();
+    statements_.clear();
+    platform::forgetMessages();
+    int const result = call();
+    expectAtRest();
+    return result;
+}
+
+void EditTest::expectAtRest() {
+    ASSERT_EQ(pthread_mutex_trylock(&svresult_mutex), 0) << "the mutex is still held";
+    pthread_mutex_unlock(&svresult_mutex);
+    EXPECT_TRUE(db == nullptr || sqlite3_get_autocommit(db)) << "a transaction is open";
+    EXPECT_TRUE(db == nullptr || sqlite3_next_stmt(db, nullptr) == nullptr)
+        << "a statement is left";
+}
+
+std::string EditTest::changes() {
+    auto const after = everything();
+    std::string all;
+    auto const add = [&all](const std::string& text) { all += (all.empty() ? "" : "; ") + text; };
+    for (auto const& [name, row] : before_) {
+        auto const now = after.find(name);
+        if (now == after.end()) {
+            add("-" + name);
+            continue;
+        }
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            auto const& [column, value] = now->second[i];
+            if (value != row[i].second) {
+                add(name + ": " + column + " " + row[i].second + ">" + value);
+            }
+        }
+    }
+    for (auto const& [name, row] : after) {
+        if (before_.count(name) == 0) {
+            add("+" + name);
+            for (std::size_t i = 1; i < row.size(); ++i) {
+                all += "|" + row[i].second;
+            }
+        }
+    }
+    return all;
+}
+
+std::map<std::string, EditTest::Row> EditTest::everything() {
+    std::map<std::string, Row> all;
+    for (auto const& tables :
+         database().rows("SELECT name FROM sqlite_master WHERE type = 'table'")) {
+        std::string const table = tables[0];
+        auto const columns = database().rows("SELECT name FROM pragma_table_info('" + table + "')");
+        std::string const shortName = table.substr(startsWith(table, "Favorite") ? 8 : 0);
+        for (auto const& values : database().rows("SELECT rowid, * FROM " + table)) {
+            Row& row = all[shortName + " " + values[0]];
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                row.emplace_back(columns[i][0], values[i + 1]);
+            }
+        }
+    }
+    return all;
+}
+
+void EditTest::when(const std::string& beginning, std::function<void()> action) {
+    action_ = {beginning, std::move(action)};
+}
+
+int EditTest::onStatement(unsigned int, void* test, void* statement, void* text) {
+    auto& self = *static_cast<EditTest*>(test);
+    if (std::strncmp(static_cast<const char*>(text), "--", 2) == 0) {
+        return 0;  // a trigger's
+    }
+    std::unique_ptr<char, decltype(&sqlite3_free)> const sql(
+        sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement)), sqlite3_free);
+    self.statements_ += std::string(sql.get()) + "\n";
+    if (self.action_.second && startsWith(sql.get(), self.action_.first)) {
+        std::exchange(self.action_.second, nullptr)();
+    }
+    return 0;
+}
+
+void EditTest::forbid(const std::string& write, const std::string& condition) {
+    change("CREATE TRIGGER forbidden BEFORE " + write + " FOR EACH ROW WHEN " + condition +
+           " BEGIN SELECT RAISE(ABORT, 'forbidden'); END");
+}
+
+void EditTest::put(int list, int service, int number) {
+    database().put(list, service, number).set("Id", list * 100 + service);
+}
+
+void EditTest::ott(const std::string& rows) {
+    sqlite3* connection = nullptr;
+    sqlite3_open_v2(ottFile().c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                    nullptr);
+    std::string const sql =
+        "PRAGMA synchronous = OFF; DROP TABLE IF EXISTS SQL_OTTFavChannels;"
+        "CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex);"
+        "INSERT INTO SQL_OTTFavChannels VALUES " +
+        rows;
+    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+    sqlite3_close(connection);
+}

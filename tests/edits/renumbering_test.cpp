@@ -1,0 +1,142 @@
+// Channel numbers of a FAV list around those of its OTT channels.
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <tuple>
+
+#include "edits/edit_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Renumbering : public EditTest {
+  protected:
+    int renumber(unsigned int list, unsigned char index) {
+        return watched([=] { return dbaccess::renumberFAVList(list, index); });
+    }
+    // The numbers of `count` items of FAV4, in their order, beside these OTT positions.
+    std::string renumbered(int count, const Texts& positions) {
+        std::string values = "('FAV3', 1), ('fav4', 2)";
+        for (auto const& position : positions) {
+            values += ", ('FAV4', '" + position + "')";
+        }
+        ott(values);
+        change("DELETE FROM FavoriteItem WHERE FavoriteId = 9");
+        for (int i = 0; i < count; ++i) {
+            put(9, 15 - i, 100 + i);
+        }
+        EXPECT_EQ(renumber(9, 4), 0);
+        return rows("SELECT ChannelNum FROM FavoriteItem WHERE FavoriteId = 9 ORDER BY Id DESC");
+    }
+};
+
+TEST_F(Renumbering, LeavesTheOttNumbersFree) {
+    std::pair<Texts, const char*> const cases[] = {
+        {{}, "1;2;3;4;5;6"},
+        {{"5", "3"}, "1;2;4;6;7;8"},
+        {{"1", "2", "3"}, "4;5;6;7;8;9"},
+        {{"9"}, "1;2;3;4;5;6"},
+        {{"3", "3"}, "1;2;3;4;5;6"},
+        {{"1", "1", "1"}, "1;1;2;3;4;5"},
+        {{"0"}, "0;1;2;3;4;5"},
+        {{"4000000000", "2"}, "1;3;4;5;6;7"},  // read as 2147483647
+        // Negative positions wrap: 4294967294, 4000000000, and 4294967295, which has no sequence.
+        {{"-2", "1", "5"}, "2;3;4;6;7;8"},
+        {{"-294967296", "2", "2"}, "1;2;3;4;5;6"},
+        {{"-1"}, "-1;0;1;2;3;4"},
+        {{"-1", "3", "-1", "0"}, "0;3;-1;-1;0;1"},
+    };
+    platform::enableLevels([](unsigned int level) { return level != 4000; });
+    for (auto const& [positions, numbers] : cases) {
+        EXPECT_EQ(renumbered(6, positions), numbers) << testing::PrintToString(positions);
+    }
+    EXPECT_THAT(platform::messages(), IsEmpty());
+}
+
+TEST_F(Renumbering, GivesTheNumbersOfAPlainMerge) {
+    std::mt19937 random(20240229);
+    for (int round = 0; round < 200; ++round) {
+        auto const count = static_cast<int>(random() % 6 + 1);
+        std::vector<unsigned int> ottNumbers(random() % 8);
+        Texts positions;
+        for (unsigned int& number : ottNumbers) {
+            number = static_cast<unsigned int>(random() % 9);
+            positions.push_back(std::to_string(number));
+        }
+        std::sort(ottNumbers.begin(), ottNumbers.end());
+        std::vector<unsigned int> sequence(ottNumbers.empty() ? 0 : ottNumbers.back() + 1);
+        std::iota(sequence.begin(), sequence.end(), 1);
+        std::vector<unsigned int> numbers;
+        std::set_symmetric_difference(ottNumbers.begin(), ottNumbers.end(), sequence.begin(),
+                                      sequence.end(), std::back_inserter(numbers));
+        std::string expected;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+            if (i == numbers.size()) {
+                numbers.push_back(i == 0 ? 1 : numbers.back() + 1);
+            }
+            expected += (i > 0 ? ";" : "") + std::to_string(numbers[i]);
+        }
+        EXPECT_EQ(renumbered(count, positions), expected) << testing::PrintToString(positions);
+    }
+}
+
+TEST_F(Renumbering, CountsItemsThatAreNotDeletedAndHaveAService) {
+    change("UPDATE FavoriteItem SET isDeleted = 1, ChannelNum = 90 WHERE Id = 711");
+    change("UPDATE FavoriteItem SET ServiceId = 99, ChannelNum = 40 WHERE Id = 710");
+    change("UPDATE FavoriteItem SET ChannelNum = 30 WHERE Id = 712");
+    ott("('FAV1', 1), ('FAV2', 2)");
+    EXPECT_EQ(renumber(7, 1), 0);  // the index chooses the OTT list, the key the items
+    EXPECT_EQ(changes(), "Item 712: ChannelNum 30>2; List 7: MaxChannelNumber 0>40");
+}
+
+// The numbers are messages of their own, without prefix and line feed.
+TEST_F(Renumbering, TracesItsNumbers) {
+    auto const trace = [&](unsigned int list, unsigned char index) {
+        int const checks = platform::checkCount();
+        EXPECT_EQ(renumber(list, index), 0);
+        auto const messages = platform::messages();
+        EXPECT_EQ(platform::checkCount() - checks, static_cast<int>(messages.size()));
+        std::string all;
+        for (auto const& message : messages) {
+            bool const isBare = message.format == "%d " || message.format == "].";
+            all += isBare ? message.text.substr(sizeof "MALFORMED") : message.text + "\n";
+        }
+        return all.substr(all.find('\n') + 1);
+    };
+    ott("('FAV2', 5), ('FAV2', 3)");
+    std::vector<unsigned int> opened;
+    dbaccess::getOttFav1List(opened);
+    EXPECT_EQ(trace(7, 2), R"(OTT Channel Number in FAV2 list:[
+3 5 ].Broadcast Channel Number in FAV2 list:[
+1 2 4 6 ]. New channelNumer:1 
+ New channelNumer:2 
+ New channelNumer:4 
+)");
+    EXPECT_EQ(texts(4000)[0],
+              "sql:SELECT Id FROM FavoriteItem, Service WHERE FavoriteId = 7 AND isDeleted = 0 AND "
+              "Service.Pid=FavoriteItem.ServiceId  ORDER BY ChannelNum; ");
+    EXPECT_EQ(trace(8, 3),
+              "OTT Channel Number in FAV3 list:[\n].There's NO OTT service in FAV3\n"
+              " New channelNumer:1 \n");
+}
+
+TEST_F(Renumbering, ThatCannotBeginWritesNothing) {
+    std::tuple<unsigned int, unsigned char, const char*> const cases[] = {
+        {7, 0, "FAV index is invalid: 0."},
+        {7, 5, "FAV index is invalid: 5."},
+        {9, 4, "FAV4 list doesn't have any service!"},
+        {99, 1, "FAV1 list doesn't have any service!"}};
+    for (auto const& [list, index, notice] : cases) {
+        EXPECT_EQ(renumber(list, index), -2);
+        EXPECT_THAT(texts(3000), ElementsAre(notice));
+        EXPECT_EQ(changes(), "");
+    }
+    change("ALTER TABLE FavoriteItem RENAME COLUMN isDeleted TO gone");
+    EXPECT_EQ(renumber(7, 2), -2);
+    EXPECT_THAT(texts(3000), ElementsAre("FAV2 list doesn't have any service!"));
+    EXPECT_THAT(platform::openedPaths(), IsEmpty()) << "read the OTT channels in vain";
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// An edit that fails or is kept waiting: written whole, or every table is as it was.
+#include <memory>
+
+#include "edits/edit_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+using UnfinishedEdit = EditTest;
+
+constexpr char kFavEdit[] = "fav2  0 9 10  0 8 13  1 7 12";  // adds, keeps and removes
+constexpr char kTagAlone[] = "List [0-9]: UpdateTag 0>1";
+constexpr char kAllEdit[] = "all  0 9 10  5 8 12";
+
+TEST_F(UnfinishedEdit, IsRolledBackAtAnyStep) {
+    struct Case {
+        const char* arguments;
+        std::string write;
+        std::string condition;
+        std::string hint;
+    };
+    Case const cases[] = {
+        {kFavEdit, "UPDATE ON FavoriteItem", "NEW.Id = 712", "Update FAV Services."},
+        {kFavEdit, "INSERT ON FavoriteItem", "1", "Add FAV Services."},
+        {kFavEdit, "DELETE ON FavoriteItem", "1", "Remove unreceivable FAV Services."},
+        {kFavEdit, "UPDATE ON Service", "NEW.FavTag2 = 1",
+         "Update FavTag in Service Table.(Added FAV services)"},
+        {kFavEdit, "UPDATE ON Service", "NEW.FavTag2 = 0",
+         "Update FavTag in Service Table.(Removed FAV services)"},
+        {kAllEdit, "UPDATE ON FavoriteItem", "NEW.Id = 112",
+         "Update All list in the case of All list edit."},
+        {kAllEdit, "UPDATE ON FavoriteItem", "NEW.Id = 812",
+         "Update FAV list in the case of All list edit."},
+    };
+    for (auto const& test : cases) {
+        SCOPED_TRACE(test.hint);
+        startAnew();
+        forbid(test.write, test.condition);
+        EXPECT_EQ(edit(test.arguments), -2);
+        EXPECT_THAT(texts(), ElementsAre("sqlite3_step failed:19, hint:'" + test.hint + "'."));
+        EXPECT_THAT(statements(), EndsWith("\nROLLBACK TRANSACTION\n"));
+        EXPECT_THAT(changes(), MatchesRegex(kTagAlone));
+    }
+}
+
+// Refuses the next write that a statement is prepared for but a number of them.
+int sparedWrites;
+int refuseAWrite(void*, int action, const char*, const char*, const char*, const char*) {
+    bool const writes =
+        action == SQLITE_INSERT || action == SQLITE_UPDATE || action == SQLITE_DELETE;
+    return writes && sparedWrites-- == 0 ? SQLITE_DENY : SQLITE_OK;
+}
+
+TEST_F(UnfinishedEdit, IsRolledBackAtAnyPrepare) {
+    // By refused write: the tag, two columns of the items, further statements; then none is left.
+    std::pair<const char*, std::vector<int>> const cases[] = {
+        {kFavEdit, {101, -2, -2, -2, -2, -2, 101}},
+        {kAllEdit, {101, -2, -2, -2, /* renumbering: */ 101, 101, 101, 101}}};
+    for (auto const& [arguments, results] : cases) {
+        for (std::size_t spared = 0; spared < results.size(); ++spared) {
+            SCOPED_TRACE(std::to_string(spared) + " spared: " + arguments);
+            startAnew();
+            ott("('FAV1', 1)");
+            sparedWrites = static_cast<int>(spared);
+            sqlite3_set_authorizer(db, refuseAWrite, nullptr);
+            EXPECT_EQ(edit(arguments), results[spared]);
+            EXPECT_EQ(texts().empty(), spared + 1 == results.size());
+            if (results[spared] < 0) {
+                EXPECT_THAT(texts(), ElementsAre(HasSubstr("sqlite3_prepare_v2 failed:23, sql:'")));
+                EXPECT_THAT(statements(), EndsWith("\nROLLBACK TRANSACTION\n"));
+                EXPECT_THAT(changes(), MatchesRegex(kTagAlone));
+            } else {
+                EXPECT_THAT(changes(), HasSubstr("12: isDeleted 0>1"));
+            }
+        }
+    }
+}
+
+// A transaction that the host has open stays the host's.
+TEST_F(UnfinishedEdit, ThatDoesNotBeginRollsNothingBack) {
+    sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
+    EXPECT_EQ(dbaccess::onServiceListEdit({"fav2"}), -2);
+    EXPECT_THAT(texts(), ElementsAre("sqlite3_exec error:1, sql:'BEGIN TRANSACTION'.",
+                                     "cannot start a transaction within a transaction"));
+    EXPECT_EQ(sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_EQ(edit("fav2"), 101);
+}
+
+TEST_F(UnfinishedEdit, IsRolledBackAtOnceWhenItsCommitFails) {
+    sqlite3_exec(db, "PRAGMA foreign_keys = ON", nullptr, nullptr, nullptr);
+    change("CREATE TABLE Strict (Pid REFERENCES Service (Pid) DEFERRABLE INITIALLY DEFERRED)");
+    change(
+        "CREATE TRIGGER strict AFTER INSERT ON FavoriteItem BEGIN"
+        " INSERT INTO Strict VALUES (NEW.ServiceId); END");
+    EXPECT_EQ(edit("fav4  0 1 10  0 2 99"), -2);
+    EXPECT_THAT(texts(), ElementsAre("sqlite3_exec error:19, sql:'COMMIT TRANSACTION'.",
+                                     "FOREIGN KEY constraint failed"));
+    EXPECT_THAT(statements(), EndsWith("\nCOMMIT TRANSACTION\nROLLBACK TRANSACTION\n"));
+    EXPECT_THAT(changes(), MatchesRegex(kTagAlone));
+    EXPECT_EQ(platform::sleepCount(), 0);
+}
+
+TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
+    // Statements at whose start another connection takes its lock.
+    constexpr char kFind[] = "SELECT Pid FROM FavoriteList WHERE Uuid";
+    constexpr char kTag[] = "UPDATE FavoriteList SET UpdateTag";
+    constexpr char kBegin[] = "BEGIN TRANSACTION";
+    constexpr char kCommit[] = "COMMIT TRANSACTION";
+    constexpr auto kExclusive = DatabaseLock::kExclusive;
+    constexpr auto kWriter = DatabaseLock::kWriter;
+    constexpr auto kReader = DatabaseLock::kReader;
+    constexpr int kNever = 0;
+    // The errors that come last.
+    std::string const kAgain = " database is locked, try again\n";
+    std::string const kTagFails = "SQL error:5\n" + kAgain;
+    std::string const kStepFails = kAgain + kAgain;
+    std::string const kTimeOut = " database is locked, time out, hint:'Update FAV Services.'.\n";
+    std::string const kCommitFails =
+        "sqlite3_exec error:5, sql:'COMMIT TRANSACTION'.\ndatabase is locked\n" + kAgain;
+    struct Case {
+        const char* lock;
+        const char* takenAt;
+        int releasedAt;  // number of the sleep
+        int result;
+        int sleeps;
+        int tag;  // how often the update tag advances
+        std::string errors;
+    };
+    Case const cases[] = {
+        {kExclusive, kFind, kNever, -2, 0, 0, "can't find favoriteListId\n"},
+        {kExclusive, kTag, kNever, -2, 10, 0, "Number of FAV lists is wrong: 0!\n"},
+        // The update tag gives up after ten attempts; the edit goes on.
+        {kWriter, kTag, 9, 101, 9, 1, kTagFails},
+        {kWriter, kTag, 10, 101, 10, 0, kTagFails},
+        {kReader, kTag, 10, 101, 10, 0, kTagFails},
+        {kWriter, kTag, 15, 101, 15, 0, kStepFails},
+        {kWriter, kTag, kNever, -2, 60, 0, kTimeOut},
+        // The begin takes no lock; the first step has fifty attempts.
+        {kWriter, kBegin, 49, 101, 49, 1, kStepFails},
+        {kWriter, kBegin, kNever, -2, 50, 1, kTimeOut},
+        {kExclusive, kBegin, 3, 101, 3, 1, kStepFails},
+        // Readers hold up the commit alone.
+        {kReader, kBegin, kNever, -2, 50, 1, kCommitFails},
+        {kReader, kCommit, 1, 101, 1, 1, kCommitFails},
+        {kReader, kCommit, 49, 101, 49, 1, kCommitFails},
+        {kReader, kCommit, kNever, -2, 50, 1, kCommitFails},
+    };
+    for (auto const& test : cases) {
+        SCOPED_TRACE(std::string(test.lock) + " at " + test.takenAt + ", released at " +
+                     std::to_string(test.releasedAt));
+        startAnew();
+        std::unique_ptr<DatabaseLock> lock;
+        when(test.takenAt, [&] { lock = std::make_unique<DatabaseLock>(file(), test.lock); });
+        platform::onSleep([&](int number) { number == test.releasedAt ? lock.reset() : void(); });
+        EXPECT_EQ(edit(kFavEdit), test.result);
+        lock.reset();
+
+        EXPECT_EQ(platform::sleepCount(), test.sleeps);
+        EXPECT_EQ(platform::sleptMicroseconds(), 100000U * static_cast<unsigned>(test.sleeps));
+        std::string errors;
+        int attempts = 0;
+        for (auto const& text : texts()) {
+            errors += text + "\n";
+            attempts += text + "\n" == kAgain;
+        }
+        EXPECT_THAT(errors, EndsWith(test.errors));
+        EXPECT_EQ(attempts, test.sleeps);
+        EXPECT_EQ(rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 7"),
+                  std::to_string(test.tag));
+        if (test.result < 0) {
+            EXPECT_EQ(changes(), test.tag == 0 ? "" : "List 7: UpdateTag 0>1");
+        } else {
+            EXPECT_EQ(rows("SELECT ServiceId, ChannelNum, isDeleted FROM FavoriteItem"
+                           " WHERE FavoriteId = 7 ORDER BY Id"),
+                      "10|9|0;12|7|1;13|8|0");
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// The folder list: which lists, their order, and from one raw folder row to the result row.
+#include "support/test_database.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class FolderList : public TestDatabase {
+  protected:
+    static std::string names() { return column(dbaccess::select_Folders(), 0); }
+    static ResultRow raw(const std::string& creator, const std::string& attributes) {
+        return {"1", "uuid", "name", creator, attributes, "61", "9"};
+    }
+    static std::string converted(const ResultRow& row, const std::vector<int>& fields) {
+        m_flfield = fields;
+        ResultSet rows;
+        EXPECT_EQ(dbaccess::computeFolder(static_cast<int>(row.size()), row, &rows), 0);
+        return joined(rows);
+    }
+};
+
+// clang-format off
+
+TEST_F(FolderList, OrderOfTheKinds) {
+    const std::pair<int, const char*> lists[] = {
+        {350, "User.tv later than the AV list"}, {150, "User.tv"}, {12, "user.3"}, {4, "b"},
+        {5, "A"}, {1, "tamun.sl2.servicelist$all"}, {2, "tamun.sl2.servicelist$av"}, {7, "x 0x10000 y"},
+        {3, "servicelist://tamun.dvbt 0x10000"}, {6, "SERVICELIST://TAMUN.DVBC"},
+        {8, "servicelist://tamun.dvbip.1"}, {9, "servicelist://tamun.analog.x"},
+        {10, "servicelist://tamun.home"}, {11, "servicelist://tamun.dvb.65536"}};
+    for (const auto& [pid, creator] : lists) {
+        database().list(creator, pid);
+    }
+    EXPECT_EQ(names(),
+              "servicelist://tamun.home;servicelist://tamun.analog.x;"
+              "servicelist://tamun.dvbt 0x10000;SERVICELIST://TAMUN.DVBC;A;b;"
+              "servicelist://tamun.dvb.65536;x 0x10000 y;user.3;User.tv;"
+              "tamun.sl2.servicelist$av;User.tv later than the AV list");
+    database().run("DELETE FROM FavoriteList WHERE Pid NOT IN (1, 8)");
+    EXPECT_EQ(names(), "");
+    EXPECT_EQ(texts(1).back(), "folder.size:0");
+}
+
+TEST_F(FolderList, OrderWithinAKind) {
+    const auto add = [&](const char* creator, int network, int bouquet) {
+        database().list(creator).networkId(network).batId(bouquet);
+    };
+    add("61 b5", 61, 5);
+    add("61 b3", 61, 3);
+    add("other", 60, 9);
+    add("servicelist://tamun.a.radio", -1, 9);
+    add("servicelist://tamun.z.tv", -1, 9);
+    add("servicelist://tamun.b.tv", 1, 9);
+    EXPECT_EQ(names(),
+              "servicelist://tamun.z.tv;servicelist://tamun.a.radio;other;"
+              "servicelist://tamun.b.tv;61 b3;61 b5");
+}
+
+TEST_F(FolderList, LcnRowsAddThirtyTwoOnceExceptInFiveNetworks) {
+    const std::tuple<channel_database::Value, int, int, const char*> cases[] = {
+        // network id, attributes, LCN rows, capability code
+        {1, 0, 0, "63"}, {1, 0, 1, "50"}, {1, 0, 2, "50"}, {52, 0, 1, "50"}, {nullptr, 0, 1, "63"},
+        {14, 0, 1, "63"}, {51, 0, 1, "63"}, {68, 0, 1, "63"}, {79, 0, 1, "63"}, {80, 0, 1, "63"},
+        {51, 0x7fe0, 1, "18"}, {1, 0x7fe0, 1, "63"}};  // added, not or-ed: the word is negative
+    auto list = database().list("any");
+    for (const auto& [network, attributes, lcnRows, capability] : cases) {
+        database().run("DELETE FROM Lcn");
+        for (int row = 0; row < lcnRows; ++row) {
+            database().lcn(7, list, row);
+        }
+        list.networkId(network).attributes(attributes);
+        EXPECT_EQ(column(dbaccess::select_Folders(), 4), capability);
+    }
+}
+
+TEST_F(FolderList, AttributeWord) {
+    const std::tuple<const char*, unsigned int, unsigned int> cases[] = {
+        {"User.tv", 3, 0x30005}, {"User.tvFAV1", 0, 0x5}, {"User.radio", 0, 0x9},
+        {"User.", 1, 0x10000}, {"user.tv", 0, 0}, {"", 7, 0x70000}, {"", 0xffff8001, 0x80010000},
+        {"servicelist://tamun.analog", 0, 0x140}, {"servicelist://tamun.analog2", 0, 0x40},
+        {"servicelist://tamun.dvb.65536", 0, 0x42}, {"servicelist://tamun.dvb.65536.x", 0, 0x42},
+        {"servicelist://tamun.dvbt", 1, 0x10040}, {"servicelist:", 0, 0x40}, {"servicelist", 0, 0},
+        {"tamun.sl2.servicelist$all", 0, 0x10}, {"tamun.sl2.servicelist$avx", 0, 0x20},
+        {"tamun.sl2.servicelist$a", 0, 0}};
+    for (const auto& [creator, attributes, word] : cases) {
+        EXPECT_EQ(attr(creator, attributes), word) << creator;
+        EXPECT_EQ(converted(raw(creator, "0"), {2}), std::to_string(word & 0xffff));
+    }
+}
+
+TEST_F(FolderList, CapabilityCodes) {
+    const char* const cases[][2] = {
+        {"0", "63"}, {"15", "63"}, {"16", "18"}, {"272", "48"}, {"400", "18"}, {"128", "18"},
+        {"256", "50"}, {"32", "50"}, {"48", "18"}, {"32768", "63"}, {"-1", "63"}, {"65536", "63"},
+        {"+16", "18"}, {"32752", "18"}, {"-2147483648", "63"}};
+    for (const auto& [attributes, code] : cases) {
+        EXPECT_EQ(converted(raw("any", attributes), {4}), code) << attributes;
+    }
+    EXPECT_THAT(texts(4000), ElementsAre("list doesn't have edit function."));
+}
+
+TEST_F(FolderList, EveryFieldIdHasItsText) {
+    EXPECT_EQ(converted(raw("User.tvFAV1FAV", "16"), {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0}),
+              "|name|uuid|5||18|61|/data/servicelist/icons/|0|9|FAV1FAV||name");
+    EXPECT_EQ(converted(raw("servicelist://tamun.dvbt", "0"), {9, 9}), "|");
+    EXPECT_EQ(converted(raw("", "0"), {}), "");
+    const std::pair<const char*, const char*> captions[] = {
+        {"$all", "#3052"}, {"$av", "#3051"}, {" $all", " $all"}, {"$ALL", "$ALL"}, {" x ", " x "}};
+    for (const auto& [name, caption] : captions) {
+        EXPECT_EQ(converted({"1", "u", name, "c", "0", "", ""}, {0}), caption);
+    }
+    database().list("User.tvFAV1").networkId(nullptr).updateTag(nullptr).uuid(nullptr);
+    m_flfield.assign(std::begin(fl), std::end(fl));
+    EXPECT_EQ(joined(dbaccess::select_Folders()), "User.tvFAV1||5||63||FAV1|");
+}
+
+TEST_F(FolderList, ARowThatDoesNotConvertEndsTheQuery) {
+    database().list("a").uuid("u1");
+    auto list = database().list("b").uuid("u2");
+    database().list("c");
+    const std::pair<channel_database::Value, const char*> cases[] = {
+        {nullptr, "''"}, {2147483648, "'2147483648'"}, {-2147483649, "'-2147483649'"}};
+    for (const auto& [attributes, text] : cases) {
+        list.attributes(attributes);
+        platform::forgetMessages();
+        EXPECT_EQ(names(), "a");
+        EXPECT_THAT(texts(), ElementsAre(std::string("list 2 (uuid u2): column Attributes holds no "
+                                                     "number: ") +
+                                             text,
+                                         "folder_callback Failed!!", "SQL error res:4"));
+    }
+    list.attributes(-2147483648);
+    EXPECT_EQ(names(), "a;b;c");
+}
+
+TEST_F(FolderList, ShortAndMissingRowsAreRefused) {
+    ResultSet rows;
+    EXPECT_EQ(dbaccess::computeFolder(6, ResultRow(6, "0"), &rows), -1);
+    EXPECT_EQ(dbaccess::computeFolder(8, ResultRow(7, "0"), &rows), -1);
+    EXPECT_EQ(dbaccess::computeFolder(-1, ResultRow(7, "0"), &rows), -1);
+    char* values[] = {nullptr};
+    EXPECT_EQ(dbaccess::folder_callback(&rows, 1, nullptr, values), -1);
+    EXPECT_EQ(dbaccess::folder_callback(&rows, 1, values, nullptr), -1);
+    EXPECT_EQ(dbaccess::folder_callback(&rows, -1, values, values), -1);
+    EXPECT_THAT(texts(), ElementsAre("flrow.size is wrong 6", "flrow.size is wrong 7",
+                                     "flrow.size is wrong 7", "names or values NULL !!",
+                                     "names or values NULL !!", "flrow.size is wrong 0",
+                                     "folder_callback Failed!!"));
+    EXPECT_THAT(rows, IsEmpty());
+}
+
+TEST_F(FolderList, ABusyDatabaseIsTriedFiftyTimes) {
+    database().list("a");
+    EXPECT_EQ(names(), "a");
+    {
+        const DatabaseLock lock(file());
+        EXPECT_EQ(names(), "");
+    }
+    EXPECT_EQ(platform::sleepCount(), 50);
+    EXPECT_EQ(platform::sleptMicroseconds(), 5000000U);
+    const auto messages = texts();
+    ASSERT_THAT(messages, SizeIs(100));
+    for (std::size_t i = 0; i < messages.size(); i += 2) {
+        EXPECT_EQ(messages[i], "SQL error res:5");
+        EXPECT_EQ(messages[i + 1], " database is locked, try again");
+    }
+    DatabaseLock lock(file());
+    platform::onSleep([&](int count) { count == 99 ? lock.release() : void(); });
+    EXPECT_EQ(names(), "a");
+    EXPECT_EQ(platform::sleepCount(), 99);
+}
+
+TEST_F(FolderList, OtherFailuresAreReportedOnce) {
+    database().run("DROP TABLE Lcn");
+    EXPECT_EQ(names(), "");
+    EXPECT_EQ(platform::sleepCount(), 0);
+    EXPECT_THAT(texts(), ElementsAre("SQL error res:1"));
+}
+
+// clang-format on
+
+}  // namespace

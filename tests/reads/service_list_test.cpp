@@ -1,0 +1,209 @@
+// The service query: order, frame, busy databases, hostile uuids and bad rows.
+#include "support/test_database.h"
+
+namespace {
+
+using channel_database::List;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ServiceList : public TestDatabase {
+  protected:
+    void SetUp() override {
+        TestDatabase::SetUp();
+        list_ = std::make_unique<List>(database().list("User.tvFAV1").uuid("u"));
+        put(1, "One");
+        put(2, "Two");
+        put(3, "Three");
+    }
+    channel_database::Service put(int number, const std::string& name) {
+        auto service = database().dvbt(name);
+        database().put(*list_, service, number);
+        return service;
+    }
+    static std::string names(const std::string& uuid) {
+        return column(dbaccess::get_dbservices(uuid), 1);
+    }
+    // Without the busy timeout that get_dbservices sets.
+    static int select(ResultSet& result) { return dbaccess::select_dbservice(db, "u", &result); }
+
+    std::unique_ptr<List> list_;
+};
+
+// clang-format off
+
+TEST_F(ServiceList, OrderFollowsTheListsAttributes) {
+    put(-1, "First").radio();
+    database().input("hdmi1", 50);
+    database().put(*list_, 50, 10);
+    database().dvbt("elsewhere", 51);
+    database().put(database().list("User.tvFAV2"), 51, 1);
+    const char* const byNumber = "First;One;Two;Three;HDMI 1";
+    const char* const byMediaType = "One;Two;Three;HDMI 1;First";
+    const std::pair<channel_database::Value, const char*> cases[] = {
+        {0, byNumber}, {0x200, byMediaType}, {-1, byMediaType}, {0xfdff, byNumber},
+        {nullptr, byNumber}, {"x", byNumber}};
+    for (const auto& [attributes, expected] : cases) {
+        list_->attributes(attributes);
+        EXPECT_EQ(names("u"), expected);
+    }
+    EXPECT_EQ(texts(4000)[2], "Some Operators Order by MediaType then ChnanelNum.");
+    EXPECT_EQ(m_selectedServiceListId, 1U);
+    EXPECT_EQ(names("unknown"), "");
+}
+
+TEST_F(ServiceList, DeletedItemsTravelInTheRows) {
+    database().run("UPDATE FavoriteItem SET isDeleted = 1 WHERE ChannelNum = 2");
+    m_svfield = {0, 3};
+    EXPECT_EQ(joined(dbaccess::get_dbservices("u")), "One|268567104;Two|268566592;Three|268567104");
+}
+
+TEST_F(ServiceList, OfTwoListsWithOneUuidTheFirstIsReadAndTheLastIsAsked) {
+    put(4, "Radio").radio();
+    put(5, "Five");
+    auto other = database().list("User.tvFAV2").uuid("u").attributes(0x200);
+    database().put(other, database().dvbt("Other"), 1);
+    unsigned int attributes = 0;
+    EXPECT_EQ(dbaccess::getFavriteAttributes("u", &attributes), 0);
+    EXPECT_EQ(attributes, 0x200U);
+    EXPECT_EQ(names("u"), "One;Two;Three;Five;Radio");
+}
+
+TEST_F(ServiceList, AttributesAreTheStoredWord) {
+    const std::tuple<channel_database::Value, int, unsigned int> cases[] = {
+        {512, 0, 512}, {-1, 0, 4294967295U}, {4294967295, 0, 4294967295U}, {-4294967295, 0, 1},
+        {"+7", 0, 7}, {nullptr, SQLITE_ABORT, 77}, {"", SQLITE_ABORT, 77},
+        {"1 x", SQLITE_ABORT, 77}, {4294967296, SQLITE_ABORT, 77}};
+    for (const auto& [stored, result, expected] : cases) {
+        list_->attributes(stored);
+        unsigned int word = 77;
+        EXPECT_EQ(dbaccess::getFavriteAttributes("u", &word), result);
+        EXPECT_EQ(word, expected);
+    }
+    unsigned int word = 77;
+    EXPECT_EQ(dbaccess::getFavriteAttributes("unknown", &word), 0);
+    EXPECT_EQ(word, 77U);
+    EXPECT_EQ(texts()[0],
+              "sqlite3_exec error:4, sql:'SELECT Attributes FROM FavoriteList WHERE "
+              "Uuid = 'u';'.");
+}
+
+TEST_F(ServiceList, AUuidIsNeverMoreThanAValue) {
+    const std::string uuids[] = {
+        "it's", "'", "''", "'; DELETE FROM FavoriteItem; --", "') OR 1=1; --", "\"", "\\'", "",
+        std::string(1000000, 'x'), std::string("nul\0'; DROP TABLE Lcn; --", 24),
+        std::string("\0", 1)};
+    for (const std::string& uuid : uuids) {
+        EXPECT_EQ(names(uuid), "") << uuid.substr(0, 30);
+    }
+    unsigned int pid = 100;
+    for (const std::string& uuid : uuids) {
+        auto list = database().list("User.tv", ++pid).uuid(uuid).attributes(pid);
+        database().put(list, database().dvbt("of " + std::to_string(pid), pid), 1);
+    }
+    const char* content =
+        "SELECT count(*), (SELECT count(*) FROM FavoriteItem),"
+        " (SELECT count(*) FROM sqlite_master) FROM Service";
+    const std::string before = rows(content);
+    pid = 100;
+    for (const std::string& uuid : uuids) {
+        unsigned int attributes = 0;
+        EXPECT_EQ(names(uuid), "of " + std::to_string(++pid));
+        EXPECT_EQ(dbaccess::getFavriteAttributes(uuid, &attributes), 0);
+        EXPECT_EQ(attributes, pid);
+    }
+    EXPECT_EQ(rows(content), before);
+    EXPECT_THAT(texts(), IsEmpty());
+}
+
+TEST_F(ServiceList, ARowThatDoesNotConvertEndsTheQuery) {
+    const std::tuple<const char*, channel_database::Value, const char*> cases[] = {
+        {"Hdtv", nullptr, "Hdtv holds no number: ''"},
+        {"FavTag4", "x", "FavTag4 holds no number: 'x'"},
+        {"MediaType", 2147483648, "MediaType holds no number: '2147483648'"},
+    };
+    dbaccess::get_dbservices("");
+    for (const auto& [column, value, reason] : cases) {
+        database().run(std::string("UPDATE Service SET ") + column + " = ? WHERE Pid = 2", {value});
+        platform::forgetMessages();
+        EXPECT_EQ(names("u"), "One");
+        EXPECT_EQ(sv.uuid, "service-1");
+        EXPECT_THAT(texts(),
+                    ElementsAre(std::string("service 2 (uuid service-2): column ") + reason,
+                                "serivce_callback failed!!", "SQL error:4"));
+        database().run(std::string("UPDATE Service SET ") + column + " = 0 WHERE Pid = 2");
+    }
+    EXPECT_EQ(names("u"), "One;Two;Three");  // the transaction was ended
+}
+
+// clang-format on
+
+TEST_F(ServiceList, ABusyDatabaseIsTriedFiftyTimes) {
+    dbaccess::get_dbservices("u");
+    sqlite3_busy_timeout(db, 0);
+    platform::forgetMessages();
+    ResultSet result;
+    const DatabaseLock lock(file());
+    EXPECT_EQ(select(result), SQLITE_OK);  // the COMMIT's
+    EXPECT_THAT(result, IsEmpty());
+    EXPECT_EQ(platform::sleepCount(), 50);
+    EXPECT_EQ(platform::sleptMicroseconds(), 5000000U);
+    auto messages = texts();
+    ASSERT_THAT(messages, SizeIs(102));
+    EXPECT_EQ(messages[0],
+              "sqlite3_exec error:5, sql:'SELECT Attributes FROM FavoriteList WHERE "
+              "Uuid = 'u';'.");
+    EXPECT_EQ(messages[1], "database is locked");
+    for (std::size_t i = 2; i < messages.size(); i += 2) {
+        EXPECT_EQ(messages[i], "SQL error:5");
+        EXPECT_EQ(messages[i + 1], kTryAgain);
+    }
+}
+
+TEST_F(ServiceList, ABusyDatabaseIsReadOnceItIsFree) {
+    dbaccess::get_dbservices("u");
+    DatabaseLock lock(file());
+    platform::onSleep([&](int count) { count == 3 ? lock.release() : void(); });
+    EXPECT_EQ(names("u"), "One;Two;Three");
+    EXPECT_EQ(platform::sleepCount(), 3);
+}
+
+// Breaks off with a busy database at its second call, then works.
+void busyOnce(sqlite3_context* context, int, sqlite3_value** values) {
+    int& calls = *static_cast<int*>(sqlite3_user_data(context));
+    ++calls == 2 ? sqlite3_result_error_code(context, SQLITE_BUSY)
+                 : sqlite3_result_value(context, values[0]);
+}
+
+TEST_F(ServiceList, ATryAfterDeliveredRowsStartsOver) {
+    dbaccess::select_Folders();  // opens
+    int calls = 0;
+    ASSERT_EQ(
+        sqlite3_create_function(db, "busyOnce", 1, SQLITE_UTF8, &calls, busyOnce, nullptr, nullptr),
+        SQLITE_OK);
+    ASSERT_EQ(sqlexec(db,
+                      "CREATE TEMP VIEW FavoriteItemView AS SELECT *, 0 AS Uri, 0 AS InternalName,"
+                      " Name AS ExternalName, -1 AS FIVisible, -1 AS FISelectable, 0 AS NetworkId,"
+                      " 0 AS SVisible, 0 AS SSelectable, 0 AS TtxPreviewPage, 0 AS TtxCharEnc,"
+                      " 0 AS TtxSubtitlePage, 0 AS TunerUuid, 0 AS NITId, busyOnce(0) AS Lcn"
+                      " FROM main.FavoriteItem JOIN main.Service ON Service.Pid = ServiceId",
+                      nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    m_svfield = {1, 0};
+    ResultSet result(1, boost::shared_ptr<ResultRow>(new ResultRow(1, "the host's")));
+    EXPECT_EQ(select(result), SQLITE_OK);
+    EXPECT_EQ(joined(result), "the host's;1|One;2|Two;3|Three");
+    EXPECT_THAT(texts(5000), SizeIs(4 + 1));  // the folder, a row of the first try and three
+    EXPECT_THAT(texts(), ElementsAre("SQL error:5", kTryAgain));
+}
+
+TEST_F(ServiceList, TheQueryRunsInATransactionOfTheHost) {
+    dbaccess::get_dbservices("u");
+    ASSERT_EQ(sqlexec(db, "BEGIN", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_EQ(names("u"), "One;Two;Three");
+    EXPECT_THAT(texts(), ElementsAre("SQL error:1"));
+    EXPECT_NE(sqlite3_get_autocommit(db), 0);  // the COMMIT ended it
+}
+
+}  // namespace

@@ -1,0 +1,222 @@
+// Opening on demand, the busy handler, the traces and the cost of a disabled message.
+#include <functional>
+#include <thread>
+
+#include "support/test_database.h"
+
+namespace {
+
+using platform::Message;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string serviceCount() { return std::to_string(dbaccess::get_dbservices("list-1").size()); }
+std::string folderCount() { return std::to_string(dbaccess::select_Folders().size()); }
+std::string attributes() {
+    unsigned int word = 77;
+    const int result = dbaccess::getFavriteAttributes("list-1", &word);
+    return std::to_string(result) + " " + std::to_string(word);
+}
+std::string anchor() {
+    std::string uuid;
+    return std::to_string(dbaccess::getAstraAnchorService(uuid)) + uuid;
+}
+std::string scrambled() {
+    int isExistent = 77;
+    const int result = dbaccess::checkAstraScrambleService(isExistent);
+    return std::to_string(result) + " " + std::to_string(isExistent);
+}
+std::string bissKey() { return dbaccess::getBissKeyFromService("s"); }
+std::string edit() {
+    return std::to_string(dbaccess::onServiceListEdit({"list-1", "0", "1", "1"}));
+}
+
+// The entry points that open, get_dbservices last: it alone keeps the handle of a failed open.
+const struct EntryPoint {
+    const char* name;
+    unsigned int module;
+    std::string (*call)();
+    const char* answerWhenClosed;
+} kEntryPoints[] = {
+    {"select_Folders", 0xda, folderCount, "0"},
+    {"getFavriteAttributes", 0xda, attributes, "-2 77"},
+    {"getAstraAnchorService", 0xda, anchor, "-2"},
+    {"checkAstraScrambleService", 0xda, scrambled, "-2 77"},
+    {"getBissKeyFromService", 0xb4, bissKey, "NULL"},
+    {"onServiceListEdit", 0xda, edit, "-2"},
+    {"get_dbservices", 0xda, serviceCount, "0"},
+};
+
+class Session : public TestDatabase {
+  protected:
+    void SetUp() override {
+        TestDatabase::SetUp();
+        auto list = database().list("servicelist://tamun.dvbt");
+        database().put(list, database().dvbt("Eins"), 1);
+    }
+
+    static void expectMutexFree() {
+        ASSERT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
+        pthread_mutex_unlock(&svresult_mutex);
+    }
+    static std::string onLibraryConnection(const char* sql) {
+        std::string value;
+        const auto store = [](void* context, int, char** values, char**) {
+            *static_cast<std::string*>(context) = values[0];
+            return 0;
+        };
+        EXPECT_EQ(sqlexec(db, sql, store, &value, nullptr), SQLITE_OK);
+        return value;
+    }
+    static std::vector<std::string> trace() {
+        std::vector<std::string> lines;
+        for (const Message& m : platform::messages()) {
+            EXPECT_THAT(m.file, testing::MatchesRegex("[a-z_]+\\.cpp"));
+            EXPECT_GT(m.line, 0);
+            char where[100];
+            std::snprintf(where, sizeof where, "%x %u %s: ", m.module, m.level, m.function.c_str());
+            lines.push_back(where + m.text);
+        }
+        return lines;
+    }
+};
+
+TEST_F(Session, AnyFirstCallOpensTheFixedPathOnce) {
+    for (const EntryPoint& first : kEntryPoints) {
+        SCOPED_TRACE(first.name);
+        const int before = opens();
+        first.call();
+        ASSERT_NE(db, nullptr);
+        EXPECT_EQ(sqlite3_db_filename(db, "main"), file());
+        for (const EntryPoint& next : kEntryPoints) {
+            next.call();
+            expectMutexFree();
+        }
+        EXPECT_EQ(opens(), before + 1);
+        sqlite3_close(db);
+        db = nullptr;
+    }
+}
+
+TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
+    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    int expectedOpens = 0;
+    for (const EntryPoint& entry : kEntryPoints) {
+        if (entry.call == serviceCount) {
+            break;
+        }
+        for (int attempt = 1; attempt <= 2; ++attempt) {
+            SCOPED_TRACE(entry.name);
+            platform::forgetMessages();
+            EXPECT_EQ(entry.call(), entry.answerWhenClosed);
+            EXPECT_EQ(db, nullptr);
+            EXPECT_EQ(opens(), ++expectedOpens);
+            EXPECT_THAT(texts(1), testing::Contains("will open db "));
+            EXPECT_THAT(texts(), ElementsAre("open or create db failed,res:14"));
+            for (const Message& m : platform::messages()) {
+                EXPECT_EQ(m.function, entry.name);
+                EXPECT_EQ(m.module, entry.module);
+            }
+            expectMutexFree();
+        }
+    }
+    platform::redirectOpen(platform::kChannelDatabasePath, file());
+    EXPECT_EQ(attributes(), "0 0");
+}
+
+TEST_F(Session, TheServiceQueryKeepsAFailedHandleForGood) {
+    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    EXPECT_EQ(serviceCount(), "0");
+    EXPECT_NE(db, nullptr);
+    EXPECT_THAT(texts(), ElementsAre("open or creat servicelist.db failed,res:14 "));
+    platform::redirectOpen(platform::kChannelDatabasePath, file());
+    platform::forgetMessages();
+    EXPECT_EQ(serviceCount(), "0");
+    EXPECT_EQ(folderCount(), "0");
+    EXPECT_EQ(attributes(), "21 77");
+    EXPECT_EQ(opens(), 1);
+    EXPECT_THAT(texts(), testing::IsSupersetOf({"SQL ERROR res:21.", "SQL error res:21"}));
+    expectMutexFree();
+}
+
+TEST_F(Session, AConnectionOfTheHostIsUsedAndNothingOpened) {
+    db = database().connection();
+    EXPECT_EQ(serviceCount(), "1");
+    EXPECT_EQ(folderCount(), "1");
+    EXPECT_EQ(opens(), 0);
+    EXPECT_EQ(db, database().connection());
+    db = nullptr;  // the builder closes it
+}
+
+TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
+    const char* views = "SELECT count(*) FROM sqlite_temp_master WHERE type = 'view'";
+    dbaccess::select_Folders();
+    EXPECT_EQ(onLibraryConnection("PRAGMA busy_timeout"), "0");
+    EXPECT_EQ(onLibraryConnection(views), "0");
+    for (int query = 0; query < 2; ++query) {
+        EXPECT_EQ(serviceCount(), "1");
+        EXPECT_EQ(onLibraryConnection("PRAGMA busy_timeout"), "1000");
+        EXPECT_EQ(onLibraryConnection(views), "2");
+    }
+    EXPECT_EQ(opens(), 1);
+}
+
+TEST_F(Session, FirstCallsOfSeveralThreadsOpenOnce) {
+    const auto calls = {serviceCount, folderCount, attributes, serviceCount, folderCount};
+    std::vector<std::string> answers(calls.size());
+    std::vector<std::thread> threads;
+    for (const auto call : calls) {
+        threads.emplace_back([call, &answer = answers[threads.size()]] {
+            for (int round = 0; round < 20; ++round) {
+                answer = call();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(opens(), 1);
+    EXPECT_THAT(answers, ElementsAre("1", "1", "0 0", "1", "1"));
+    EXPECT_THAT(texts(), IsEmpty());
+}
+
+TEST_F(Session, BusyHandlerSleepsReportsAndNeverGivesUp) {
+    for (const int count : {0, 7, 1000000}) {
+        EXPECT_EQ(dbaccess::busy_callback(nullptr, count), 1);
+    }
+    EXPECT_EQ(platform::sleptMicroseconds(), 300000U);
+    EXPECT_THAT(texts(), ElementsAre("data base is locked 0 ", "data base is locked 7 ",
+                                     "data base is locked 1000000 "));
+}
+
+TEST_F(Session, TracesOfAServiceRequest) {
+    EXPECT_EQ(serviceCount(), "1");
+    EXPECT_THAT(
+        trace(),
+        ElementsAre("da 1 get_dbservices: called,favoriteUuId:list-1 ",
+                    "da 4000 get_dbservices: will open db ",
+                    "da 1 getFavriteAttributes: called,favoriteUuId:list-1 ",
+                    "da 4000 select_dbservice: attributes: 0.",
+                    "da 5000 service_callback: svrow->size():34",
+                    "d2 3000 fetchServiceItem: uuid:service-1, channelNumber:1,internalName:Eins,"
+                    "attr:268436032,encrypted:0,isdelete:0",
+                    "da 1 get_dbservices: end,size:1 "));
+}
+
+TEST_F(Session, TracesOfAFolderRequest) {
+    dbaccess::select_Folders();
+    EXPECT_THAT(
+        trace(),
+        ElementsAre("da 1 select_Folders: called ", "da 1 select_Folders: will open db ",
+                    "1 1 folder_callback: Called", "da 5000 folder_callback: flrow->size():7",
+                    "da 1 select_Folders: folder.size:1"));
+}
+
+TEST_F(Session, ADisabledMessageCostsOneCheck) {
+    platform::enableLevels([](unsigned int) { return false; });
+    EXPECT_EQ(serviceCount(), "1");
+    EXPECT_EQ(platform::checkCount(), 7);
+    EXPECT_THAT(platform::messages(), IsEmpty());
+}
+
+}  // namespace
