@@ -74,6 +74,8 @@ void lookUpAstra() {
     expect(dbaccess::checkAstraScrambleService(scrambled) == 0, "Astra lookup");
 }
 
-void lookUpBissKey(int service) { dbaccess::getBissKeyFromService(serviceUuid(service)); }
+void lookUpBissKey(int service) {
+    expect(dbaccess::getBissKeyFromService(serviceUuid(service)) != "NULL", "BISS lookup");
+}
 
 }  // namespace benchmarks
