@@ -26,8 +26,9 @@ class FolderList : public TestDatabase {
 TEST_F(FolderList, OrderOfTheKinds) {
     const std::pair<int, const char*> lists[] = {
         {350, "User.tv later than the AV list"}, {150, "User.tv"}, {12, "user.3"}, {4, "b"},
-        {5, "A"}, {1, "tamun.sl2.servicelist$all"}, {2, "tamun.sl2.servicelist$av"}, {7, "x 0x10000 y"},
-        {3, "servicelist://tamun.dvbt 0x10000"}, {6, "SERVICELIST://TAMUN.DVBC"},
+        {5, "A"}, {1, "tamun.sl2.servicelist$all"}, {2, "tamun.sl2.servicelist$av"},
+        {7, "x 0x10000 y"}, {3, "servicelist://tamun.dvbt 0x10000"},
+        {6, "SERVICELIST://TAMUN.DVBC"},
         {8, "servicelist://tamun.dvbip.1"}, {9, "servicelist://tamun.analog.x"},
         {10, "servicelist://tamun.home"}, {11, "servicelist://tamun.dvb.65536"}};
     for (const auto& [pid, creator] : lists) {
