@@ -47,9 +47,10 @@ void addCommands(CLI::App& app, CommandLine& line) {
         ->type_name("LEVEL")
         ->take_last()
         ->check(CLI::Validator(checkTrace, ""));
-    for (const auto add : {addFoldersCommand, addServicesCommand, addAttributesCommand,
-                           addEditCommand, addAnchorCommand, addScrambleCommand, addBissCommand,
-                           addOttCommand, addCheckCommand, addDriverCommand, addImportCommand}) {
+    for (const auto add :
+         {addFoldersCommand, addServicesCommand, addAttributesCommand, addEditCommand,
+          addAnchorCommand, addScrambleCommand, addBissCommand, addOttCommand, addCheckCommand,
+          addExportCommand, addDriverCommand, addImportCommand}) {
         add(app, line);
     }
 }

@@ -36,6 +36,7 @@ void addBissCommand(CLI::App& app, CommandLine& line);
 void addOttCommand(CLI::App& app, CommandLine& line);
 void addCheckCommand(CLI::App& app, CommandLine& line);
 void addDriverCommand(CLI::App& app, CommandLine& line);
+void addExportCommand(CLI::App& app, CommandLine& line);
 void addImportCommand(CLI::App& app, CommandLine& line);
 
 }  // namespace tool

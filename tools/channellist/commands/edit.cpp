@@ -2,7 +2,6 @@
 #include <channellist-access/db_access.h>
 
 #include <iostream>
-#include <set>
 
 #include "commands/command.h"
 #include "database/list_naming.h"
@@ -10,7 +9,7 @@
 #include "edit/difference.h"
 #include "edit/operations.h"
 #include "edit/request.h"
-#include "services/ott_numbers.h"
+#include "edit/reserved_numbers.h"
 
 namespace tool {
 namespace {
@@ -22,20 +21,6 @@ struct Options {
     bool renumber = false;
     bool json = false;
 };
-
-// Nothing is placed on them.
-std::set<std::int64_t> reservedNumbers(const List& list) {
-    if (list.favIndex < 1 || list.favIndex > 4) {
-        return {};
-    }
-    try {
-        const std::vector<unsigned int> numbers = ottNumbers(list.favIndex);
-        return std::set<std::int64_t>(numbers.begin(), numbers.end());
-    } catch (const Failure& failure) {
-        std::cerr << "channellist: " << failure.what() << "; no number is kept free for it\n";
-        return {};
-    }
-}
 
 // Only FAV lists gain and lose services; in the others an edit changes numbers and hides.
 void checkVerbs(const List& list, const std::vector<Operation>& operations) {

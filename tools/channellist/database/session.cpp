@@ -70,7 +70,7 @@ OttSession::OttSession() {
     const char* const home = std::getenv("HOME");
     path_ = home == nullptr ? std::string() : std::string(home) + "/" + kOttFile;
     struct stat file;
-    exists_ = !path_.empty() && stat(path_.c_str(), &file) == 0;
+    exists_ = !path_.empty() && stat(path_.c_str(), &file) == 0 && file.st_size != 0;
     try {
         if (exists_) {
             openChecked(path_, SQLITE_OPEN_READONLY, db_zentova);

@@ -16,7 +16,7 @@ struct ListEntries {
     std::vector<Entry> entries;
 };
 
-// The edited list and the four FAV lists.
+// The edited list, if one has its key, and the FAV lists.
 using Snapshot = std::vector<ListEntries>;
 
 Snapshot takeSnapshot(const List& edited);
