@@ -60,7 +60,7 @@ constexpr Rule kRules[] = {
 
     {"service-without-delivery",
      "SELECT 'Service ' || Pid, quote(Name) || ' has no row in AnalogService or DvbService'"
-     ", 'no list shows the service, though ' || count(*) || ' hold it'"
+     ", 'no list shows the service; ' || count(*) || ' of them hold it'"
      " FROM FavoriteItem i JOIN Service s ON s.Pid = i.ServiceId"
      " WHERE Pid NOT IN (SELECT ServiceId FROM AnalogService WHERE ServiceId IS NOT NULL)"
      " AND Pid NOT IN (SELECT ServiceId FROM DvbService WHERE ServiceId IS NOT NULL)"
