@@ -1,6 +1,6 @@
 #include "db_access/fav_list_edit.h"
 
-#include <unordered_set>
+#include <algorithm>
 
 #include "db_access/callback_value.h"
 #include "db_access/edit_entries.h"
@@ -12,7 +12,20 @@ namespace {
 
 constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 
-using ServiceIds = std::unordered_set<std::uint32_t>;
+// Sorted once and searched for every entry: cheaper than a hash table, which allocates a node each.
+class ServiceIds {
+  public:
+    explicit ServiceIds(std::vector<std::uint32_t> ids) : ids_(std::move(ids)) {
+        std::sort(ids_.begin(), ids_.end());
+    }
+
+    bool contain(std::uint32_t id) const {
+        return std::binary_search(ids_.begin(), ids_.end(), id);
+    }
+
+  private:
+    std::vector<std::uint32_t> ids_;
+};
 
 // By FAV index, from 1.
 constexpr const char* kFavTagUpdates[] = {
@@ -44,11 +57,13 @@ void planRemovals(std::vector<unsigned int> const& stored, std::vector<EditEntry
                   FavListPlan& plan) {
     if (stored.empty())
         LOG_TEXT(Verbose, "The ori FAV list is empty! No FAV service need to be removed.");
-    ServiceIds named;
+    std::vector<std::uint32_t> entryIds;
+    entryIds.reserve(entries.size());
     for (EditEntry const& entry : entries)
-        named.insert(entry.serviceId);
+        entryIds.push_back(entry.serviceId);
+    ServiceIds const named(std::move(entryIds));
     for (std::uint32_t const serviceId : stored)
-        if (named.count(serviceId) == 0)
+        if (!named.contain(serviceId))
             plan.removals.push_back(serviceId);
 }
 
@@ -56,9 +71,9 @@ void planEntries(std::vector<unsigned int> const& stored, std::vector<EditEntry>
                  FavListPlan& plan) {
     if (stored.empty())
         LOG_TEXT(Verbose, "The ori FAV list is empty! All written FAV services are new services.");
-    ServiceIds const known(stored.begin(), stored.end());
+    ServiceIds const known(stored);
     for (EditEntry const& entry : entries) {
-        if (known.count(entry.serviceId) == 0) {
+        if (!known.contain(entry.serviceId)) {
             plan.additions.push_back({entry.serviceId, entry.channelnumber});
             continue;
         }

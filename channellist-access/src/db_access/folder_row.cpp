@@ -119,13 +119,13 @@ int dbaccess::folder_callback(void* data, int argc, char** values, char** names)
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    std::unique_ptr<ResultRow> const flrow = copyRawRow(argc, values);
-    if (!flrow) {
+    ResultRow flrow;
+    if (!copyRawRow(argc, values, flrow)) {
         LOG_TEXT(Error, "malloc error of flrow !!");
         return kStopQuery;
     }
-    LOG_FORMAT(Row, "flrow->size():%d", static_cast<int>(flrow->size()));
-    if (computeFolderGuarded(CALL_SITE, argc, *flrow, static_cast<ResultSet*>(data)) != 0) {
+    LOG_FORMAT(Row, "flrow->size():%d", static_cast<int>(flrow.size()));
+    if (computeFolderGuarded(CALL_SITE, argc, flrow, static_cast<ResultSet*>(data)) != 0) {
         LOG_TEXT(Error, "folder_callback Failed!!");
         return kStopQuery;
     }
@@ -144,8 +144,8 @@ int dbaccess::computeFolder(int argc, std::vector<std::string> const& flrow, Res
         LOG_TEXT(Error, "new memory failed!");
         return kMalformed;
     }
-    for (std::size_t column = 0; column < row->size(); ++column)
-        (*row)[column] = fieldText(m_flfield[column], item, flrow[Creator], CALL_SITE);
+    for (int const field : m_flfield)
+        row->push_back(fieldText(field, item, flrow[Creator], CALL_SITE));
     out->push_back(row);
     return 0;
 }

@@ -6,31 +6,30 @@
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include <exception>
-#include <memory>
-#include <new>
 
 namespace channellist {
 
-// The texts of `count` columns, a NULL as the empty string. Null when memory runs out.
-inline std::unique_ptr<ResultRow> copyRawRow(int count, char** values) noexcept {
-    std::unique_ptr<ResultRow> row(new (std::nothrow) ResultRow);
-    if (!row || count <= 0)
-        return row;
+// Makes `row` the texts of `count` columns, a NULL the empty string, in the room that it has. False
+// when memory runs out.
+inline bool copyRawRow(int count, char** values, ResultRow& row) noexcept {
     try {
-        row->reserve(static_cast<std::size_t>(count));
+        row.clear();
+        row.reserve(count > 0 ? static_cast<std::size_t>(count) : 0);
         for (int column = 0; column < count; ++column)
-            row->emplace_back(values[column] != nullptr ? values[column] : "");
+            row.emplace_back(values[column] != nullptr ? values[column] : "");
     } catch (std::exception const&) {
-        row.reset();
+        return false;
     }
-    return row;
+    return true;
 }
 
-// A result row of `count` empty strings. Null when memory runs out.
+// An empty result row with room for `count` columns. Null when memory runs out.
 inline boost::shared_ptr<ResultRow> newResultRow(std::size_t count) noexcept {
     try {
-        return boost::make_shared<ResultRow>(count);
-    } catch (std::bad_alloc const&) {
+        auto const row = boost::make_shared<ResultRow>();
+        row->reserve(count);
+        return row;
+    } catch (std::exception const&) {
         return boost::shared_ptr<ResultRow>();
     }
 }

@@ -19,14 +19,14 @@ constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 constexpr unsigned int kItemTypeBits = 0x1 | 0x2 | 0x4 | 0x8 | 0x10 | 0x20 | 0x100;
 
 // A parameter of the tuning URI as a number; empty without it.
-std::string uriNumber(std::string_view key) {
-    std::optional<std::string_view> const value = getLocatorParameter(sv.locator, key);
+std::string uriNumber(TuningUri const& uri, TuningKey key) {
+    std::optional<std::string_view> const value = uri.value(key);
     return value ? numberText(leadingNumber(*value)) : std::string();
 }
 
-unsigned int completedAttributes() {
+unsigned int completedAttributes(TuningUri const& uri) {
     unsigned int attributes = static_cast<unsigned int>(sv.attributes);
-    if (getLocatorParameter(sv.locator, "hdtv") == std::string_view("1"))
+    if (uri.value(TuningKey::Hdtv) == std::string_view("1"))
         attributes |= kAttributeHdtv;
     if ((attributes & (kAttributeEncrypted | kAttributeLocked)) == 0)
         attributes |= kAttributeFreeToView;
@@ -64,8 +64,8 @@ constexpr InputClass kInputClasses[] = {
     {"rec://plain/vga", 9},  {"rec://plain/spdifin", 10},
 };
 
-std::int32_t frontendClass() {
-    if (std::optional<std::string_view> const value = getLocatorParameter(sv.locator, "frontend"))
+std::int32_t frontendClass(TuningUri const& uri) {
+    if (std::optional<std::string_view> const value = uri.value(TuningKey::Frontend))
         return tunerClass(leadingNumber(*value));
     for (InputClass const& input : kInputClasses)
         if (startsWith(sv.locator, input.locator))
@@ -84,29 +84,29 @@ std::int32_t itemTypeBits(CallSite const& site) {
 
 std::string flagText(bool flag) { return flag ? "1" : "0"; }
 
-// The text of one column, out of the snapshot.
-std::string fieldText(int field, CallSite const& site) {
+// The text of one column, out of the snapshot and its tuning URI.
+std::string fieldText(int field, TuningUri const& uri, CallSite const& site) {
     switch (field) {
         case SERVICE_FIELD_CAPTION:
             return sv.caption;
         case SERVICE_FIELD_ROW_NUMBER:
             return numberText(static_cast<std::int32_t>(m_selectedServiceListId++));
         case SERVICE_FIELD_ATTRIBUTES:
-            return numberText(completedAttributes());
+            return numberText(completedAttributes(uri));
         case SERVICE_FIELD_FRONTEND_CLASS:
-            return numberText(frontendClass());
+            return numberText(frontendClass(uri));
         case SERVICE_FIELD_SATELLITE:
-            return uriNumber("satid");
+            return uriNumber(uri, TuningKey::Satellite);
         case SERVICE_FIELD_CHANNEL_NUMBER:
             return sv.userIndex;
         case SERVICE_FIELD_UUID:
             return sv.uuid;
         case SERVICE_FIELD_SERVICE_ID:
-            return uriNumber("sid");
+            return uriNumber(uri, TuningKey::Service);
         case SERVICE_FIELD_TRANSPORT_STREAM_ID:
-            return uriNumber("tsid");
+            return uriNumber(uri, TuningKey::TransportStream);
         case SERVICE_FIELD_ORIGINAL_NETWORK_ID:
-            return uriNumber("onid");
+            return uriNumber(uri, TuningKey::OriginalNetwork);
         case SERVICE_FIELD_ITEM_TYPE:
             return numberText(itemTypeBits(site));
         case SERVICE_FIELD_VISIBLE:
@@ -114,7 +114,7 @@ std::string fieldText(int field, CallSite const& site) {
         case SERVICE_FIELD_SELECTABLE:
             return flagText(sv.selectable);
         case SERVICE_FIELD_CI_SLOT:
-            return uriNumber("slotconfig");
+            return uriNumber(uri, TuningKey::SlotConfig);
         case SERVICE_FIELD_PREVIEW_PAGE:
             return numberText(sv.previewPage);
         case SERVICE_FIELD_SUBTITLE_PAGE:
@@ -128,7 +128,7 @@ std::string fieldText(int field, CallSite const& site) {
         case SERVICE_FIELD_LCN:
             return sv.originalLcn;
         case SERVICE_FIELD_FREQUENCY:
-            return uriNumber("frequency");
+            return uriNumber(uri, TuningKey::Frequency);
         case SERVICE_FIELD_TUNER_UUID:
             return sv.tunerUuid;
         case SERVICE_FIELD_TEST:
@@ -138,9 +138,9 @@ std::string fieldText(int field, CallSite const& site) {
         case SERVICE_FIELD_NIT_ID:
             return sv.nitId;
         case SERVICE_FIELD_SYMBOL_RATE:
-            return uriNumber("symbolrate");
+            return uriNumber(uri, TuningKey::SymbolRate);
         case SERVICE_FIELD_POLARIZATION:
-            return uriNumber("polarization");
+            return uriNumber(uri, TuningKey::Polarization);
         default:
             return std::string();
     }
@@ -180,13 +180,14 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    std::unique_ptr<ResultRow> const svrow = copyRawRow(argc, values);
-    if (!svrow) {
+    // Kept from row to row for its memory. Like `sv` it has no lock of its own.
+    static ResultRow svrow;
+    if (!copyRawRow(argc, values, svrow)) {
         LOG_TEXT(Error, "malloc error of svrow !!");
         return kStopQuery;
     }
-    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow->size()));
-    if (computeServiceGuarded(CALL_SITE, argc, *svrow, static_cast<ResultSet*>(data)) != 0) {
+    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow.size()));
+    if (computeServiceGuarded(CALL_SITE, argc, svrow, static_cast<ResultSet*>(data)) != 0) {
         LOG_TEXT(Error, "serivce_callback failed!!");
         return kStopQuery;
     }
@@ -204,8 +205,9 @@ int dbaccess::computeService(int argc, std::vector<std::string> const& svrow, Re
         LOG_TEXT(Error, "new memory failed!");
         return kMalformed;
     }
-    for (std::size_t column = 0; column < row->size(); ++column)
-        (*row)[column] = fieldText(m_svfield[column], CALL_SITE);
+    TuningUri const uri(sv.locator);
+    for (int const field : m_svfield)
+        row->push_back(fieldText(field, uri, CALL_SITE));
     out->push_back(row);
     return 0;
 }

@@ -1,31 +1,38 @@
 #include "db_access/tuning_uri.h"
 
-#include "support/text.h"
+#include <algorithm>
 
 namespace channellist {
 
 namespace {
 
-// The value behind the first occurrence of `mark`, `key` and "=".
-std::optional<std::string_view> valueBehind(std::string_view locator, char mark,
-                                            std::string_view key) {
-    for (std::size_t at = locator.find(mark); at != std::string_view::npos;
-         at = locator.find(mark, at + 1)) {
-        std::string_view const rest = locator.substr(at + 1);
-        if (startsWith(rest, key) && rest.size() > key.size() && rest[key.size()] == '=') {
-            std::string_view const value = rest.substr(key.size() + 1);
-            return value.substr(0, value.find('&'));
-        }
-    }
-    return std::nullopt;
-}
+// In the order of TuningKey.
+constexpr std::array<std::string_view, kTuningKeyCount> kTuningKeys = {
+    "frontend", "frequency", "hdtv",       "onid",       "polarization",
+    "satid",    "sid",       "slotconfig", "symbolrate", "tsid",
+};
 
 }  // namespace
 
-std::optional<std::string_view> getLocatorParameter(std::string_view locator,
-                                                    std::string_view key) {
-    std::optional<std::string_view> const value = valueBehind(locator, '&', key);
-    return value ? value : valueBehind(locator, '?', key);
+TuningUri::TuningUri(std::string_view locator) {
+    for (char const mark : {'&', '?'})
+        for (std::size_t at = locator.find(mark); at != std::string_view::npos;
+             at = locator.find(mark, at + 1))
+            note(locator.substr(at + 1));
+}
+
+// Keeps the value of a parameter, "key=value" and the rest of the URI, unless its key has one.
+void TuningUri::note(std::string_view parameter) {
+    std::size_t const equals = parameter.find('=');
+    if (equals == std::string_view::npos)
+        return;
+    auto const key = std::find(kTuningKeys.begin(), kTuningKeys.end(), parameter.substr(0, equals));
+    if (key == kTuningKeys.end())
+        return;
+    std::optional<std::string_view>& value =
+        values_[static_cast<std::size_t>(key - kTuningKeys.begin())];
+    if (!value)
+        value = parameter.substr(0, parameter.find('&', equals)).substr(equals + 1);
 }
 
 }  // namespace channellist

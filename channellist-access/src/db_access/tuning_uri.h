@@ -2,14 +2,46 @@
 #ifndef CHANNELLIST_DB_ACCESS_TUNING_URI_H
 #define CHANNELLIST_DB_ACCESS_TUNING_URI_H
 
+#include <array>
 #include <optional>
 #include <string_view>
 
 namespace channellist {
 
-// The value of `key`: of the first "&key=", or without one of the first "?key=", up to the next
-// "&". Keys are case-sensitive; the value may be empty.
-std::optional<std::string_view> getLocatorParameter(std::string_view locator, std::string_view key);
+// The parameters that a service row can show.
+enum class TuningKey : std::size_t {
+    Frontend,
+    Frequency,
+    Hdtv,
+    OriginalNetwork,
+    Polarization,
+    Satellite,
+    Service,
+    SlotConfig,
+    SymbolRate,
+    TransportStream,
+};
+
+inline constexpr std::size_t kTuningKeyCount =
+    static_cast<std::size_t>(TuningKey::TransportStream) + 1;
+
+// A row asks for half a dozen parameters, so the URI is searched once for all of them.
+class TuningUri {
+  public:
+    // Views `locator`, which outlives this object.
+    explicit TuningUri(std::string_view locator);
+
+    // The value of `key`: of the first "&key=", or without one of the first "?key=", up to the next
+    // "&". Keys are case-sensitive; the value may be empty.
+    std::optional<std::string_view> value(TuningKey key) const {
+        return values_[static_cast<std::size_t>(key)];
+    }
+
+  private:
+    void note(std::string_view parameter);
+
+    std::array<std::optional<std::string_view>, kTuningKeyCount> values_;
+};
 
 }  // namespace channellist
 

@@ -12,7 +12,7 @@ RawServiceRow::RawServiceRow(std::vector<std::string> const& row) : row_(row) {
         throw std::out_of_range("raw service row");
 }
 
-std::int32_t RawServiceRow::number(ServiceColumn column) const {
+std::int32_t RawServiceRow::convertedNumber(ServiceColumn column) const {
     std::optional<std::int32_t> const value = signedNumber(text(column));
     if (!value)
         throw BadServiceColumn(column);

@@ -34,11 +34,18 @@ class RawServiceRow {
     }
 
     // Throws BadServiceColumn when the text is no signed number.
-    std::int32_t number(ServiceColumn column) const;
+    std::int32_t number(ServiceColumn column) const {
+        std::string const& value = text(column);
+        // Nearly every number of a row is one digit.
+        bool const isOneDigit = value.size() == 1 && value[0] >= '0' && value[0] <= '9';
+        return isOneDigit ? value[0] - '0' : convertedNumber(column);
+    }
 
     bool isSet(ServiceColumn column) const { return number(column) != 0; }
 
   private:
+    std::int32_t convertedNumber(ServiceColumn column) const;
+
     std::vector<std::string> const& row_;
 };
 

@@ -14,8 +14,8 @@ namespace {
 
 constexpr LogModule kLogModule = LogModule::ItemAssembly;
 
-constexpr char kVideoBroadcast[] = "object.item.videoItem.videoBroadcast";
-constexpr char kAudioBroadcast[] = "object.item.audioItem.audioBroadcast";
+std::string const kVideoBroadcast = "object.item.videoItem.videoBroadcast";
+std::string const kAudioBroadcast = "object.item.audioItem.audioBroadcast";
 constexpr std::int32_t kMediaTypeRadio = 2;
 
 // What the item of a list says of a service; a negative value leaves the service's own flag.
@@ -24,29 +24,42 @@ struct ItemOverrides {
     std::int32_t selectable;
 };
 
-ServiceSnapshot snapshotOf(ItemInfo const& item) {
-    return {
-        item.getCaption(),
-        item.getLocator(),
-        item.getUserIndex(),
-        item.getUUID(),
-        item.getOriginalAncestor(),
-        item.getOriginalUuid(),
-        item.getTunerUUID(),
-        item.getOriginalLcn(),
-        item.getNitId(),
-        item.getPreviewPage(),
-        item.getSubtitlePage(),
-        item.getAttributes(),
-        item.getEncoding(),
-        static_cast<int>(item.getItemType()),
-        item.getServicePid(),
-        item.isVisible(),
-        item.isSelectable(),
-    };
+// The texts of a snapshot and the getters of the item's fields that they hold.
+struct SnapshotText {
+    std::string ServiceSnapshot::*text;
+    std::string const& (ItemInfo::*field)() const;
+};
+
+constexpr SnapshotText kSnapshotTexts[] = {
+    {&ServiceSnapshot::caption, &ItemInfo::getCaption},
+    {&ServiceSnapshot::locator, &ItemInfo::getLocator},
+    {&ServiceSnapshot::userIndex, &ItemInfo::getUserIndex},
+    {&ServiceSnapshot::uuid, &ItemInfo::getUUID},
+    {&ServiceSnapshot::originalAncestor, &ItemInfo::getOriginalAncestor},
+    {&ServiceSnapshot::originalUuid, &ItemInfo::getOriginalUuid},
+    {&ServiceSnapshot::tunerUuid, &ItemInfo::getTunerUUID},
+    {&ServiceSnapshot::originalLcn, &ItemInfo::getOriginalLcn},
+    {&ServiceSnapshot::nitId, &ItemInfo::getNitId},
+};
+
+// Room for all texts is made first: what follows it cannot fail, so the snapshot changes as a whole
+// or not at all. Most services find the room that an earlier one has left.
+void copyIntoSnapshot(ItemInfo const& item) {
+    for (SnapshotText const& rule : kSnapshotTexts)
+        (sv.*rule.text).reserve((item.*rule.field)().size());
+    for (SnapshotText const& rule : kSnapshotTexts)
+        sv.*rule.text = (item.*rule.field)();
+    sv.previewPage = item.getPreviewPage();
+    sv.subtitlePage = item.getSubtitlePage();
+    sv.attributes = item.getAttributes();
+    sv.encoding = item.getEncoding();
+    sv.itemKind = static_cast<int>(item.getItemType());
+    sv.servicePid = item.getServicePid();
+    sv.visible = item.isVisible();
+    sv.selectable = item.isSelectable();
 }
 
-void setBroadcastProperties(ItemInfo& item, RawServiceRow const& row, const char* subType) {
+void setBroadcastProperties(ItemInfo& item, RawServiceRow const& row, std::string const& subType) {
     item.setItemSubType(subType);
     item.setVisible(row.isSet(ServiceColumn::SVisible));
     item.setSelectable(row.isSet(ServiceColumn::SSelectable));
@@ -75,12 +88,12 @@ void completeItem(ItemInfo& item, RawServiceRow const& row, std::string const& l
     item.setServicePid(static_cast<unsigned int>(row.number(ServiceColumn::Pid)));
     item.setOriginalLcn(row.text(ServiceColumn::Lcn));
     item.setNitId(row.text(ServiceColumn::NITId));
-    sv = snapshotOf(item);
+    copyIntoSnapshot(item);
 }
 
 template <typename Item>
-void assembleBroadcast(RawServiceRow const& row, const char* subType, unsigned int attributes,
-                       ItemOverrides const& overrides) {
+void assembleBroadcast(RawServiceRow const& row, std::string const& subType,
+                       unsigned int attributes, ItemOverrides const& overrides) {
     Item item(row.text(ServiceColumn::ExternalName), row.text(ServiceColumn::Uuid));
     setBroadcastProperties(item, row, subType);
     completeItem(item, row, row.text(ServiceColumn::Uri), attributes, overrides);

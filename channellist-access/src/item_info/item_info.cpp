@@ -1,5 +1,8 @@
 #include <channellist-access/item_info.h>
 
+#include <algorithm>
+#include <iterator>
+
 ItemInfo::ItemInfo() = default;
 
 ItemInfo::ItemInfo(itemType type, std::string const& caption, std::string const& uuid)
@@ -10,11 +13,13 @@ ItemInfo::ItemInfo(ItemInfo& other) = default;
 ItemInfo::~ItemInfo() = default;
 
 std::string ItemInfo::stripValue(std::string const& value) {
-    constexpr char kWhiteSpace[] = " \t\n\r";
-    std::string::size_type const first = value.find_first_not_of(kWhiteSpace);
-    if (first == std::string::npos)
-        return std::string();
-    return value.substr(first, value.find_last_not_of(kWhiteSpace) - first + 1);
+    auto const isWhiteSpace = [](char character) {
+        return character == ' ' || character == '\t' || character == '\n' || character == '\r';
+    };
+    auto const first = std::find_if_not(value.begin(), value.end(), isWhiteSpace);
+    auto const last =
+        std::find_if_not(value.rbegin(), std::make_reverse_iterator(first), isWhiteSpace);
+    return std::string(first, last.base());
 }
 
 // One line an accessor, in the order of the fields.
