@@ -1,0 +1,156 @@
+// Every entry point, with every operation on a file and every allocation failing in turn.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <new>
+
+#include "entry_points.h"
+#include "failing_memory.h"
+#include "fault.h"
+#include "quiet_platform.h"
+#include "workshop.h"
+
+namespace {
+
+struct Strike {
+    FaultKind kind;
+    const char* name;
+};
+
+constexpr Strike kStrikes[] = {
+    {FaultKind::StorageError, "I/O errors"},
+    {FaultKind::StorageFull, "writes to a full disk"},
+    {FaultKind::StorageBusy, "refused locks"},
+    {FaultKind::New, "failures of operator new"},
+    {FaultKind::SqliteMemory, "failures of SQLite's allocator"},
+};
+
+class Faults : public testing::TestWithParam<EntryPoint> {
+  protected:
+    static void SetUpTestSuite() {
+        memory::install();
+        workshop = new Workshop();
+    }
+    static void TearDownTestSuite() { delete workshop; }
+
+    void SetUp() override;
+    bool runStruck(Strike const& strike, bool lasting, unsigned at);
+    void checkAnswer(Answer const& answer) const;
+    void checkFile(bool failed) const;
+    void checkNextCall() const;
+
+    static EntryPoint const& entry() { return GetParam(); }
+    static Workshop* workshop;
+    Contents before_, after_;
+    Answer right_;
+    bool raised_ = false;
+    unsigned struck_ = 0;
+};
+
+Workshop* Faults::workshop = nullptr;
+
+void openIfNeeded(EntryPoint const& entry) {
+    if (!entry.opens && db == nullptr)
+        dbaccess::select_Folders();
+}
+
+void Faults::SetUp() {
+    workshop->renew();
+    before_ = workshop->contents();
+    openIfNeeded(entry());
+    right_ = entry().call();
+    ASSERT_FALSE(right_.failed);
+    after_ = workshop->contents();
+    ASSERT_EQ(before_.tables == after_.tables, entry().writes == Writes::Nothing);
+}
+
+void Faults::checkAnswer(Answer const& answer) const {
+    EXPECT_EQ(right_.text.substr(0, answer.text.size()), answer.text);
+    if (!answer.failed && !entry().maySayLess)
+        EXPECT_EQ(answer.text, right_.text);
+}
+
+void Faults::checkFile(bool failed) const {
+    Contents const now = workshop->contents();
+    EXPECT_EQ(now.integrity, "ok|\n");
+    for (std::size_t list = 0; list < now.tags.size(); ++list)
+        EXPECT_TRUE(now.tags[list] == before_.tags[list] || now.tags[list] == after_.tags[list]);
+    if (entry().writes == Writes::ItemByItem)
+        return;
+    EXPECT_EQ(now.tables, failed ? before_.tables : after_.tables);
+    if (!failed)
+        EXPECT_EQ(now.tags, after_.tags);
+}
+
+void checkConnection(sqlite3* connection) {
+    EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
+    pthread_mutex_unlock(&svresult_mutex);
+    if (connection == nullptr)
+        return;
+    EXPECT_EQ(sqlite3_next_stmt(connection, nullptr), nullptr);
+    EXPECT_NE(sqlite3_get_autocommit(connection), 0);
+}
+
+// A failed open that get_dbservices leaves in `db` is the host's to close.
+void closeFailedHandle() {
+    if (db != nullptr && sqlite3_exec(db, "", nullptr, nullptr, nullptr) == SQLITE_MISUSE)
+        forgetLibraryState();
+}
+
+void Faults::checkNextCall() const {
+    openIfNeeded(entry());
+    Answer const next = entry().call();
+    EXPECT_FALSE(next.failed);
+    EXPECT_EQ(next.text, right_.text);
+    EXPECT_EQ(workshop->contents().tables, after_.tables);
+}
+
+// False once the call has too few operations for the fault to strike.
+bool Faults::runStruck(Strike const& strike, bool lasting, unsigned at) {
+    workshop->renew();
+    long const blocks = memory::liveBlocks();
+    {
+        openIfNeeded(entry());
+        Answer answer = {true, ""};
+        fault = {strike.kind, at, lasting};
+        try {
+            answer = entry().call();
+        } catch (std::bad_alloc const&) {
+            EXPECT_EQ(strike.kind, FaultKind::New);
+            raised_ = true;
+        }
+        struck_ += fault.struck();
+        fault.kind = FaultKind::None;
+        checkAnswer(answer);
+        checkFile(answer.failed);
+        checkConnection(db);
+        checkConnection(db_zentova);
+        closeFailedHandle();
+        checkNextCall();
+        forgetLibraryState();
+    }
+    EXPECT_EQ(memory::liveBlocks(), blocks) << "leaked";
+    return fault.struck() > 0;
+}
+
+TEST_P(Faults, LeaveTheDatabaseWholeAndTheLibraryWorking) {
+    for (Strike const& strike : kStrikes) {
+        struck_ = 0;
+        for (bool const lasting : {false, true})
+            for (unsigned at = 1; runStruck(strike, lasting, at); ++at)
+                ASSERT_FALSE(HasFailure())
+                    << strike.name << (lasting ? ", from " : ", only ") << at << " on";
+        std::printf("figure: %u %s\n", struck_, strike.name);
+    }
+    EXPECT_EQ(raised_, entry().raisesBadAlloc) << "std::bad_alloc reached the host, or never did";
+}
+
+INSTANTIATE_TEST_SUITE_P(EntryPoints, Faults, testing::ValuesIn(kEntryPoints),
+                         [](auto const& info) {
+                             std::string name = info.param.name;
+                             for (char& c : name)
+                                 c = c == ' ' ? '_' : c;
+                             return name;
+                         });
+
+}  // namespace
