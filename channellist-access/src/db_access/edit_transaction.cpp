@@ -5,7 +5,11 @@
 namespace channellist {
 
 int EditTransaction::begin() {
-    int const code = execute("BEGIN TRANSACTION");
+    int code = spare_.prepare(connection_);
+    if (code == SQLITE_OK)
+        code = execute("BEGIN TRANSACTION");
+    else
+        LOG_FORMAT_AT(CALL_SITE, LogModule::DatabaseAccess, Error, "no rollback prepared:%d", code);
     open_ = code == SQLITE_OK;
     return code;
 }
@@ -26,8 +30,10 @@ int EditTransaction::execute(const char* sql) {
 }
 
 void EditTransaction::rollback() {
-    if (open_)
+    if (open_) {
         execute("ROLLBACK TRANSACTION");
+        spare_.finish(connection_);
+    }
     open_ = false;
 }
 

@@ -4,6 +4,7 @@
 
 #include <channellist-access/db_access.h>
 
+#include "db_access/spare_rollback.h"
 #include "support/log.h"
 
 namespace channellist {
@@ -29,6 +30,7 @@ class EditTransaction {
     void rollback();
 
     sqlite3* connection_;
+    SpareRollback spare_;
     bool open_ = false;
 };
 
