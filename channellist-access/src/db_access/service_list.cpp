@@ -74,6 +74,8 @@ void queryServices(sqlite3* connection, std::string const& sql, ResultSet& rows,
             LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
         if (code == SQLITE_BUSY)
             rows.resize(before);
+        if (code == SQLITE_NOMEM && rows.size() > before)
+            rows.pop_back();  // SQLite handed out a null where it lacked memory for a text
         return code;
     });
 }
