@@ -116,19 +116,19 @@ std::vector<EntryPoint> const kEntryPoints = {
     {"getOttFav4List", Writes::Nothing, true, false, true, [] {
         return asked(std::vector<unsigned int>(), dbaccess::getOttFav4List);
     }},
-    {"main0", Writes::Nothing, true, true, true, [] {
+    {"main0", Writes::Nothing, true, true, false, [] {
         DroppedOutput const dropped;
         return asked(Nothing(), [](Nothing) {
-            char name[] = "main0", list[] = "list-of-all-services";
-            char* arguments[] = {name, list, nullptr};
-            return dbaccess::main0(2, arguments);
+            char name[] = "main0";
+            char* arguments[] = {name, nullptr};
+            return dbaccess::main0(1, arguments);
         });
     }},
     {"onServiceListEdit of a FAV list", Writes::Whole, true, false, true, [] {
         // Three of the six stored services stay, two are new.
         return edited(edit("list-of-favourites-1", {2, 7, 4, 8, 6}, 11));
     }},
-    {"onServiceListEdit of the All list", Writes::Whole, true, false, true, [] {
+    {"onServiceListEdit of the All list", Writes::WholeEdit, true, false, true, [] {
         // Hides three services and closes the gaps that they leave in FAV1 and FAV2.
         return edited(edit(kAllList, {1, 3, 5}, 31, 0x01 | 0x04 | 0x08));
     }},

@@ -17,6 +17,7 @@ struct Answer {
 enum class Writes {
     Nothing,
     Whole,       // everything or nothing
+    WholeEdit,   // too, but a renumbering of FAV lists that fails inside it is only logged
     ItemByItem,  // outside a transaction: every item is as before or as after
 };
 

@@ -61,25 +61,32 @@ void Faults::SetUp() {
     right_ = entry().call();
     ASSERT_FALSE(right_.failed);
     after_ = workshop->contents();
-    ASSERT_EQ(before_.tables == after_.tables, entry().writes == Writes::Nothing);
+    ASSERT_EQ(before_.tables + before_.favNumbers == after_.tables + after_.favNumbers, entry().writes == Writes::Nothing);
 }
 
 void Faults::checkAnswer(Answer const& answer) const {
     EXPECT_EQ(right_.text.substr(0, answer.text.size()), answer.text);
-    if (!answer.failed && !entry().maySayLess)
+    if (!answer.failed && !entry().maySayLess) {
         EXPECT_EQ(answer.text, right_.text);
+    }
 }
 
 void Faults::checkFile(bool failed) const {
+    if (entry().writes == Writes::Nothing && workshop->isUntouched())
+        return;
     Contents const now = workshop->contents();
     EXPECT_EQ(now.integrity, "ok|\n");
     for (std::size_t list = 0; list < now.tags.size(); ++list)
         EXPECT_TRUE(now.tags[list] == before_.tags[list] || now.tags[list] == after_.tags[list]);
-    if (entry().writes == Writes::ItemByItem)
+    Contents const& expected = failed ? before_ : after_;
+    EXPECT_EQ(now.tables, expected.tables);
+    bool const isRenumberingLost = entry().writes == Writes::WholeEdit && platform::errors > 0;
+    if (entry().writes == Writes::ItemByItem || (!failed && isRenumberingLost))
         return;
-    EXPECT_EQ(now.tables, failed ? before_.tables : after_.tables);
-    if (!failed)
+    EXPECT_EQ(now.favNumbers, expected.favNumbers);
+    if (!failed) {
         EXPECT_EQ(now.tags, after_.tags);
+    }
 }
 
 void checkConnection(sqlite3* connection) {
@@ -102,7 +109,11 @@ void Faults::checkNextCall() const {
     Answer const next = entry().call();
     EXPECT_FALSE(next.failed);
     EXPECT_EQ(next.text, right_.text);
-    EXPECT_EQ(workshop->contents().tables, after_.tables);
+    if (entry().writes == Writes::Nothing && workshop->isUntouched())
+        return;
+    Contents const now = workshop->contents();
+    EXPECT_EQ(now.tables, after_.tables);
+    EXPECT_EQ(now.favNumbers, after_.favNumbers);
 }
 
 // False once the call has too few operations for the fault to strike.
@@ -113,6 +124,7 @@ bool Faults::runStruck(Strike const& strike, bool lasting, unsigned at) {
         openIfNeeded(entry());
         Answer answer = {true, ""};
         fault = {strike.kind, at, lasting};
+        platform::errors = 0;
         try {
             answer = entry().call();
         } catch (std::bad_alloc const&) {
@@ -129,25 +141,35 @@ bool Faults::runStruck(Strike const& strike, bool lasting, unsigned at) {
         checkNextCall();
         forgetLibraryState();
     }
-    EXPECT_EQ(memory::liveBlocks(), blocks) << "leaked";
+    if (!HasFailure()) {  // a failure is remembered in memory, too
+        EXPECT_EQ(memory::liveBlocks(), blocks) << "leaked";
+    }
     return fault.struck() > 0;
+}
+
+// SQLite parses with thousands of allocations: the first runs strike each, the others, which differ
+// in how the call ends, and all under a sanitizer, which is slow, strike some.
+unsigned step(Strike const& strike, bool lasting) {
+#ifdef __SANITIZE_ADDRESS__
+    lasting = true;
+#endif
+    return strike.kind == FaultKind::SqliteMemory && lasting ? 11 : 1;
 }
 
 TEST_P(Faults, LeaveTheDatabaseWholeAndTheLibraryWorking) {
     for (Strike const& strike : kStrikes) {
         struck_ = 0;
         for (bool const lasting : {false, true})
-            for (unsigned at = 1; runStruck(strike, lasting, at); ++at)
-                ASSERT_FALSE(HasFailure())
-                    << strike.name << (lasting ? ", from " : ", only ") << at << " on";
+            for (unsigned at = 1; runStruck(strike, lasting, at); at += step(strike, lasting))
+                ASSERT_FALSE(HasFailure()) << strike.name << ": " << at << (lasting ? " on" : "");
         std::printf("figure: %u %s\n", struck_, strike.name);
     }
     EXPECT_EQ(raised_, entry().raisesBadAlloc) << "std::bad_alloc reached the host, or never did";
 }
 
 INSTANTIATE_TEST_SUITE_P(EntryPoints, Faults, testing::ValuesIn(kEntryPoints),
-                         [](auto const& info) {
-                             std::string name = info.param.name;
+                         [](auto const& instance) {
+                             std::string name = instance.param.name;
                              for (char& c : name)
                                  c = c == ' ' ? '_' : c;
                              return name;

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -15,8 +16,12 @@
 namespace {
 
 constexpr char kTables[] =
-    "SELECT Id, ServiceId, FavoriteId, ChannelNum, isDeleted FROM FavoriteItem ORDER BY Id;"
-    "SELECT Pid, Name, FavTag, FavTag2, FavTag3, FavTag4 FROM Service ORDER BY Pid;"
+    "SELECT Id, ServiceId, FavoriteId, isDeleted FROM FavoriteItem ORDER BY Id;"
+    "SELECT Id, ChannelNum FROM FavoriteItem WHERE FavoriteId NOT BETWEEN 2 AND 5 ORDER BY Id;"
+    "SELECT Pid, Name, FavTag, FavTag2, FavTag3, FavTag4 FROM Service ORDER BY Pid;";
+
+constexpr char kFavNumbers[] =
+    "SELECT Id, ChannelNum FROM FavoriteItem WHERE FavoriteId BETWEEN 2 AND 5 ORDER BY Id;"
     "SELECT Pid, MaxChannelNumber FROM FavoriteList ORDER BY Pid;";
 
 int append(void* context, int count, char** values, char**) {
@@ -31,6 +36,12 @@ std::string rows(sqlite3* connection, const char* sql) {
     if (sqlite3_exec(connection, sql, append, &all, nullptr) != SQLITE_OK)
         ADD_FAILURE() << sqlite3_errmsg(connection);
     return all;
+}
+
+std::string bytesOf(std::string const& file) {
+    std::string bytes(std::filesystem::file_size(file), '\0');
+    std::ifstream(file, std::ios::binary).read(bytes.data(), static_cast<long>(bytes.size()));
+    return bytes;
 }
 
 // Both databases, the channel database as `file`; `directory` becomes HOME.
@@ -76,9 +87,9 @@ Workshop::Workshop(bool realTime) {
         throw std::runtime_error("no directory for the test");
     directory_ = name;
     file_ = directory_ + "/servicelist.db";
-    makeDatabases(directory_ + "/made.db", directory_);
+    makeDatabases(file_, directory_);
+    made_ = bytesOf(file_);
     storage::install(file_, realTime);
-    renew();
 }
 
 Workshop::~Workshop() {
@@ -86,11 +97,16 @@ Workshop::~Workshop() {
     std::filesystem::remove_all(directory_);
 }
 
-void Workshop::renew() const {
+void Workshop::renew() {
     forgetLibraryState();
+    if (isUntouched())
+        return;
     std::filesystem::remove(file_ + "-journal");
-    std::filesystem::copy_file(directory_ + "/made.db", file_,
-                               std::filesystem::copy_options::overwrite_existing);
+    std::ofstream(file_, std::ios::binary) << made_;
+}
+
+bool Workshop::isUntouched() const {
+    return !std::filesystem::exists(file_ + "-journal") && bytesOf(file_) == made_;
 }
 
 Contents Workshop::contents() const {
@@ -101,6 +117,7 @@ Contents Workshop::contents() const {
     sqlite3_busy_timeout(opened, 10000);
     Contents found;
     found.tables = rows(opened, kTables);
+    found.favNumbers = rows(opened, kFavNumbers);
     std::istringstream tags(rows(opened, "SELECT UpdateTag FROM FavoriteList ORDER BY Pid"));
     for (std::string tag; std::getline(tags, tag, '|') && tag != "\n";)
         found.tags.push_back(std::atoi(tag.c_str()));
