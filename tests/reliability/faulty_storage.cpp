@@ -128,18 +128,18 @@ int doNotSleep(sqlite3_vfs*, int microseconds) { return microseconds; }
 void install(std::string const& channelDatabase, bool realTime) {
     static sqlite3_vfs layer;
     target = channelDatabase;
-    if (real == nullptr)
+    if (real == nullptr) {
         real = sqlite3_vfs_find(nullptr);
-    layer = *real;
-    layer.zName = "faulty";
-    layer.szOsFile += static_cast<int>(sizeof(File));
-    layer.xOpen = openFile;
-    layer.xDelete = deleteFile;
-    layer.xAccess = accessFile;
-    layer.xFullPathname = fullPath;
-    if (!realTime)
-        layer.xSleep = doNotSleep;
-    sqlite3_vfs_register(&layer, 1);
+        layer = *real;
+        layer.zName = "faulty";
+        layer.szOsFile += static_cast<int>(sizeof(File));
+        layer.xOpen = openFile;
+        layer.xDelete = deleteFile;
+        layer.xAccess = accessFile;
+        layer.xFullPathname = fullPath;
+        sqlite3_vfs_register(&layer, 1);
+    }
+    layer.xSleep = realTime ? real->xSleep : doNotSleep;
 }
 
 }  // namespace storage

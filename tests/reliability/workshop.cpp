@@ -31,13 +31,6 @@ int append(void* context, int count, char** values, char**) {
     return 0;
 }
 
-std::string rows(sqlite3* connection, const char* sql) {
-    std::string all;
-    if (sqlite3_exec(connection, sql, append, &all, nullptr) != SQLITE_OK)
-        ADD_FAILURE() << sqlite3_errmsg(connection);
-    return all;
-}
-
 std::string bytesOf(std::string const& file) {
     std::string bytes(std::filesystem::file_size(file), '\0');
     std::ifstream(file, std::ios::binary).read(bytes.data(), static_cast<long>(bytes.size()));
@@ -109,19 +102,22 @@ bool Workshop::isUntouched() const {
     return !std::filesystem::exists(file_ + "-journal") && bytesOf(file_) == made_;
 }
 
-Contents Workshop::contents() const {
+std::string Workshop::rows(const char* sql) const {
     sqlite3* opened = nullptr;
     int const code = sqlite3_open_v2(file_.c_str(), &opened, SQLITE_OPEN_READWRITE, "unix");
     std::unique_ptr<sqlite3, decltype(&sqlite3_close)> const connection(opened, sqlite3_close);
     EXPECT_EQ(code, SQLITE_OK);
-    sqlite3_busy_timeout(opened, 10000);
-    Contents found;
-    found.tables = rows(opened, kTables);
-    found.favNumbers = rows(opened, kFavNumbers);
-    std::istringstream tags(rows(opened, "SELECT UpdateTag FROM FavoriteList ORDER BY Pid"));
-    for (std::string tag; std::getline(tags, tag, '|') && tag != "\n";)
+    std::string all;
+    EXPECT_EQ(sqlite3_exec(opened, sql, append, &all, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(opened);
+    return all;
+}
+
+Contents Workshop::contents() const {
+    Contents found = {rows(kTables), rows(kFavNumbers), {}, rows("PRAGMA integrity_check")};
+    std::istringstream tags(rows("SELECT UpdateTag FROM FavoriteList ORDER BY Pid"));
+    for (std::string tag; std::getline(tags, tag);)
         found.tags.push_back(std::atoi(tag.c_str()));
-    found.integrity = rows(opened, "PRAGMA integrity_check");
     return found;
 }
 

@@ -27,6 +27,8 @@ class Workshop {
     /// Puts the database back as it was made, and the library as in a fresh process.
     void renew();
     Contents contents() const;
+    /// The rows of queries, "a|b|" each in a line.
+    std::string rows(const char* sql) const;
     /// True while the database file is, byte by byte, as it was made.
     bool isUntouched() const;
 
