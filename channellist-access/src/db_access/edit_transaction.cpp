@@ -4,10 +4,17 @@
 
 namespace channellist {
 
-int EditTransaction::begin() {
+int EditTransaction::begin() { return beginWith("BEGIN TRANSACTION"); }
+
+int EditTransaction::beginLocked(CallSite const& site) {
+    return retryWhileBusy(kStepAttempts, site, LogModule::DatabaseAccess,
+                          [this] { return beginWith("BEGIN IMMEDIATE TRANSACTION"); });
+}
+
+int EditTransaction::beginWith(const char* sql) {
     int code = spare_.prepare(connection_);
     if (code == SQLITE_OK)
-        code = execute("BEGIN TRANSACTION");
+        code = execute(sql);
     else
         LOG_FORMAT_AT(CALL_SITE, LogModule::DatabaseAccess, Error, "no rollback prepared:%d", code);
     open_ = code == SQLITE_OK;

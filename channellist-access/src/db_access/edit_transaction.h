@@ -18,14 +18,19 @@ class EditTransaction {
     EditTransaction(EditTransaction const&) = delete;
     EditTransaction& operator=(EditTransaction const&) = delete;
 
-    // Returns SQLite's code; unless it is 0 nothing was begun.
+    // The file is locked by the first write. Returns SQLite's code; unless it is 0 nothing was
+    // begun.
     int begin();
+
+    // Locks the file against other writers at once, and waits for them.
+    int beginLocked(CallSite const& site);
 
     // Tries again while readers of other processes hold the file; what cannot be committed is
     // rolled back. Returns SQLite's code; the messages carry the caller's site.
     int commit(CallSite const& site);
 
   private:
+    int beginWith(const char* sql);
     int execute(const char* sql);
     void rollback();
 
