@@ -178,6 +178,7 @@ void Client::readFolders() {
 
 void Client::work() {
     platform::sleepsTakeTime = true;
+    services(kFav1);  // sets the busy timeout, so that no update tag is given up
     for (unsigned request = 0; request < kRequests && !testing::Test::HasFailure(); ++request) {
         switch (random_() % 8) {
             case 0:
