@@ -21,9 +21,6 @@ set(DOXYGEN_ENABLE_PREPROCESSING YES)
 set(DOXYGEN_MACRO_EXPANSION YES)
 set(DOXYGEN_EXPAND_ONLY_PREDEF YES)
 set(DOXYGEN_PREDEFINED "CHANNELLIST_ACCESS_EXPORT=" "__GNUC__=12")
-set(DOXYGEN_MARKDOWN_SUPPORT YES)
-set(DOXYGEN_USE_MDFILE_AS_MAINPAGE "${PROJECT_SOURCE_DIR}/docs/integration.md")
-doxygen_add_docs(docs
-    channellist-access/include docs/integration.md docs/channel-database.md
+doxygen_add_docs(docs channellist-access/include
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
     COMMENT "Pages of the public headers")

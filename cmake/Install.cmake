@@ -2,6 +2,7 @@
 #
 #   runtime      the library, under its SONAME
 #   development  headers, link name, CMake package, pkg-config file
+#   tools        the command `channellist`, its manual page and completion
 #   stand-in     the debug library of this repository, for machines that are no set; only when asked
 #                for by `--component stand-in`, so that it never overwrites the set's own
 include(CMakePackageConfigHelpers)

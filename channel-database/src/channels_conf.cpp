@@ -277,7 +277,8 @@ ChannelsConf parseChannelsConf(std::istream& text) {
 
 std::string formatChannel(const Channel& channel) {
     std::string names = withBars(channel.name);
-    if (!channel.shortName.empty()) {
+    // The last comma ends the name, so a name with commas needs one more.
+    if (!channel.shortName.empty() || names.find(',') != std::string::npos) {
         names += "," + withBars(channel.shortName);
     }
     if (!channel.provider.empty()) {
@@ -306,6 +307,8 @@ std::string formatChannel(const Channel& channel) {
     }
     return line;
 }
+
+std::string formatGroup(const std::string& name) { return ":" + withBars(name); }
 
 Delivery Channel::delivery() const {
     const bool second = parameter('S') == 1;

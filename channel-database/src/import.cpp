@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "set_numbers.h"
+
 namespace channel_database {
 namespace {
 
@@ -15,45 +17,12 @@ constexpr int kNoNetwork = -1;  // of a list whose services come from many
 constexpr const char* kInputs[] = {"hdmi1", "hdmi2",  "hdmi3",    "hdmi4",    "AV1",      "AVS",
                                    "PC IN", "ANALOG", "SPDIF IN", "SCART AV", "COMPONENT"};
 
-/// The set numbers 19.2 degrees east 4; the others follow from their position, which keeps them
-/// apart from any number that a set gives itself.
-int satelliteNumber(int position) {
-    return position == kAstraPosition ? 4 : 1000 + (position < 0 ? 3600 + position : position);
-}
-
-int polarizationNumber(char letter) {
-    constexpr std::string_view kLetters = "HVLR";
-    const auto index = kLetters.find(letter);
-    return index == std::string_view::npos ? 0 : static_cast<int>(index) + 1;
-}
-
 /// Low and high band of the universal LNB, whose switching frequency is 11.7 GHz.
 int bandNumber(int kHz) {
     if (kHz < 10700000 || kHz > 12750000) {
         return 0;
     }
     return kHz < 11700000 ? 1 : 2;
-}
-
-/// The MODCOD of EN 302 307, table 12; 0 when the two do not go together.
-int modulationCoding(int modulation, int codeRate) {
-    struct Row {
-        int modulation;
-        int first;
-        std::vector<int> codeRates;
-    };
-    static const Row kRows[] = {{2, 1, {14, 13, 25, 12, 35, 23, 34, 45, 56, 89, 910}},
-                                {5, 12, {35, 23, 34, 56, 89, 910}},
-                                {6, 18, {23, 34, 45, 56, 89, 910}},
-                                {7, 24, {34, 45, 56, 89, 910}}};
-    for (const Row& row : kRows) {
-        for (std::size_t i = 0; i < row.codeRates.size(); ++i) {
-            if (row.modulation == modulation && row.codeRates[i] == codeRate) {
-                return row.first + static_cast<int>(i);
-            }
-        }
-    }
-    return 0;
 }
 
 /// The list says nothing about the picture, so the name has to: "ZDF HD", "Ultra HD", "UHD1".
@@ -191,7 +160,7 @@ class Importer {
                 break;
             default:
                 service.set("ModulationCoding",
-                            modulationCoding(channel.parameter('M'), channel.parameter('C')));
+                            modcodNumber({channel.parameter('M'), channel.parameter('C')}));
                 break;
         }
         if (channel.delivery() == Delivery::DvbT2 || channel.delivery() == Delivery::DvbC2) {

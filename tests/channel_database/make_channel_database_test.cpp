@@ -54,7 +54,7 @@ TEST_F(MakeChannelDatabaseTest, ReplacesAFileOnlyWhenForcedAndOnlyByAWholeOne) {
     EXPECT_EQ(run("list db"), 1);
     EXPECT_THAT(output, HasSubstr("db exists; --force replaces it"));
     EXPECT_EQ(run("--force empty db"), 1);
-    EXPECT_THAT(output, HasSubstr("empty holds no channel"));
+    EXPECT_THAT(output, HasSubstr("the list holds no channel"));
     EXPECT_EQ(fs::file_size(folder / "db"), 8U);
     EXPECT_EQ(run("--force list db"), 0);
     EXPECT_EQ(services(), "1");

@@ -25,9 +25,10 @@ class FolderList : public TestDatabase {
 
 TEST_F(FolderList, OrderOfTheKinds) {
     const std::pair<int, const char*> lists[] = {
-        {350, "User.tv later than the AV list"}, {150, "User.tv"}, {12, "user.3"}, {4, "b"},
-        {5, "A"}, {1, "tamun.sl2.servicelist$all"}, {2, "tamun.sl2.servicelist$av"}, {7, "x 0x10000 y"},
-        {3, "servicelist://tamun.dvbt 0x10000"}, {6, "SERVICELIST://TAMUN.DVBC"},
+        {350, "User.tv later than the AV list"}, {150, "User.tv"}, {12, "user.3"}, {4, "B"},
+        {5, "a"}, {1, "tamun.sl2.servicelist$all"}, {2, "tamun.sl2.servicelist$av"},
+        {7, "x 0x10000 y"}, {3, "servicelist://tamun.dvbt 0x10000"},
+        {6, "SERVICELIST://TAMUN.DVBC"},
         {8, "servicelist://tamun.dvbip.1"}, {9, "servicelist://tamun.analog.x"},
         {10, "servicelist://tamun.home"}, {11, "servicelist://tamun.dvb.65536"}};
     for (const auto& [pid, creator] : lists) {
@@ -35,7 +36,7 @@ TEST_F(FolderList, OrderOfTheKinds) {
     }
     EXPECT_EQ(names(),
               "servicelist://tamun.home;servicelist://tamun.analog.x;"
-              "servicelist://tamun.dvbt 0x10000;SERVICELIST://TAMUN.DVBC;A;b;"
+              "servicelist://tamun.dvbt 0x10000;SERVICELIST://TAMUN.DVBC;a;B;"
               "servicelist://tamun.dvb.65536;x 0x10000 y;user.3;User.tv;"
               "tamun.sl2.servicelist$av;User.tv later than the AV list");
     database().run("DELETE FROM FavoriteList WHERE Pid NOT IN (1, 8)");

@@ -48,8 +48,9 @@ void expectFilled(const ItemInfo& item) {
 
 TEST(ItemInfo, HoldsEveryFieldByItselfAndCopiesIt) {
     VideoItemInfo item("caption", "uuid");
-    for (std::size_t i = 0; i < std::size(kTexts); ++i) {
-        (item.*kTexts[i].set)(" \t text " + std::to_string(i) + "\v\r\n");
+    int number = 0;
+    for (const auto& field : kTexts) {
+        (item.*field.set)(" \t text " + std::to_string(number++) + "\v\r\n");
     }
     item.setItemType(static_cast<itemType>(0x100));
     item.setPreviewPage(100);

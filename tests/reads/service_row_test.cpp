@@ -129,7 +129,8 @@ TEST_F(ServiceRow, InputSources) {
     }
     // What an input does not need may be null, and its flags come from the list alone.
     EXPECT_EQ(converted("InternalName=hdmi2;MediaType=;SSelectable=;SoundSelection=;"
-                        "TtxPreviewPage=;TtxSubtitlePage=;TtxCharEnc=;FIVisible=-1", {21, 24, 25, 27, 28, 29, 35}),
+                        "TtxPreviewPage=;TtxSubtitlePage=;TtxCharEnc=;FIVisible=-1",
+                        {21, 24, 25, 27, 28, 29, 35}),
               "|4|1|0|0|0|0|");
 }
 
@@ -167,8 +168,9 @@ TEST_F(ServiceRow, TheListsFlagsOverrideTheServices) {
 TEST_F(ServiceRow, UriNumbersSaturate) {
     const char* const cases[][2] = {
         {"?sid=0012", "12"}, {"?sid=x", "0"}, {"?sid=", "0"}, {"?sid=7x&", "7"},
-        {"?sid=\t +5", "5"}, {"?sid=-5", "-5"}, {"?sid=--5", "0"}, {"?tsid=1&onid=2", ""}, {"?sid=1&sid=2", "2"},
-        {"?SID=1", ""}, {"&sid=1?sid=2", "1"}, {"?sid=3&sidx=4", "3"}, {"sid=1", ""},
+        {"?sid=\t +5", "5"}, {"?sid=-5", "-5"}, {"?sid=--5", "0"}, {"?tsid=1&onid=2", ""},
+        {"?sid=1&sid=2", "2"}, {"?SID=1", ""}, {"&sid=1?sid=2", "1"}, {"?sid=3&sidx=4", "3"},
+        {"sid=1", ""},
         {"?sid=2147483647", "2147483647"}, {"?sid=2147483648", "2147483647"},
         {"?sid=-2147483648", "-2147483648"}, {"?sid=-2147483649", "-2147483648"},
         {"?sid=99999999999999999999", "2147483647"}};

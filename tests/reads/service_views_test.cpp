@@ -82,7 +82,8 @@ TEST_F(ServiceViews, UriOfEveryDeliveryKind) {
     for (const auto& [delivery, parameters] : kUris) {
         const std::string pattern = std::string("rec://plain/") + parameters;
         auto service = database().service(delivery, "name");
-        EXPECT_EQ(uri(service.encrypted(0)), filled(pattern, service, 0));
+        const std::string least = filled(pattern, service, 0);
+        EXPECT_EQ(uri(service), least);
         const std::string whole = filled(pattern, service, 100);
         EXPECT_EQ(uri(service), whole);
         const bool isDigital = delivery != Delivery::Analog;

@@ -108,7 +108,9 @@ TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
         for (int attempt = 1; attempt <= 2; ++attempt) {
             SCOPED_TRACE(entry.name);
             platform::forgetMessages();
+            const auto memory = sqlite3_memory_used();
             EXPECT_EQ(entry.call(), entry.answerWhenClosed);
+            EXPECT_EQ(sqlite3_memory_used(), memory);  // the handle is closed
             EXPECT_EQ(db, nullptr);
             EXPECT_EQ(opens(), ++expectedOpens);
             EXPECT_THAT(texts(1), testing::Contains("will open db "));

@@ -39,17 +39,20 @@ void addCommands(CLI::App& app, CommandLine& line) {
     app.footer(kExitCodes);
     app.add_option("--db", line.database, "the channel database")
         ->type_name("FILE")
+        ->take_last()
         ->capture_default_str();
     app.add_option("--trace", line.trace,
                    "write the library's own messages of this level to standard error:"
                    " 1, 3000, 4000, 5000 or all; MODULE:LEVEL for one module")
         ->type_name("LEVEL")
+        ->take_last()
         ->check(CLI::Validator(checkTrace, ""));
-    addFoldersCommand(app, line);
-    addServicesCommand(app, line);
-    addEditCommand(app, line);
-    addDriverCommand(app, line);
-    addImportCommand(app, line);
+    for (const auto add :
+         {addFoldersCommand, addServicesCommand, addAttributesCommand, addEditCommand,
+          addAnchorCommand, addScrambleCommand, addBissCommand, addOttCommand, addCheckCommand,
+          addExportCommand, addDriverCommand, addImportCommand}) {
+        add(app, line);
+    }
 }
 
 int runTool(int argc, char** argv) {

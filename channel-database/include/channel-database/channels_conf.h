@@ -83,5 +83,7 @@ Channel parseChannel(const std::string& line);
 ChannelsConf parseChannelsConf(std::istream& text);
 /// The channel's line, with all thirteen fields.
 std::string formatChannel(const Channel& channel);
+/// The line that begins a group.
+std::string formatGroup(const std::string& name);
 
 }  // namespace channel_database

@@ -46,16 +46,24 @@ int writeEntry(EditEntry const& entry, unsigned int favoriteListId, Statement& i
     return favListFlags.step("Update FAV list in the case of All list edit.");
 }
 
-// The results are not looked at: both have logged their failures, and the edit itself stands.
-void renumber(RenumberRequests const& requests) {
+// The results are not looked at: both have logged their failures, and the edit itself stands. But
+// after some failures SQLite has rolled the whole edit back, and a further write would be one of
+// its own. False then.
+bool renumber(RenumberRequests const& requests) {
+    auto const rolledBack = [] { return sqlite3_get_autocommit(db) != 0; };
     for (std::size_t j = 0; j < kFavListCount; ++j) {
         if (requests[j] == 0)
             continue;
         LOG_FORMAT(Notice, "renumberFAVListId[j%d]:%d.", static_cast<int>(j),
                    static_cast<int>(requests[j]));
         dbaccess::renumberFAVList(requests[j], static_cast<unsigned char>(j + 1));
+        if (rolledBack())
+            return false;
         dbaccess::UpdateListTag(requests[j]);
+        if (rolledBack())
+            return false;
     }
+    return true;
 }
 
 }  // namespace
@@ -79,8 +87,7 @@ int writeAllListEdit(unsigned int favoriteListId, std::vector<unsigned int> cons
         }
         itemUpdate.finalize();
     }
-    renumber(requests);
-    return status;
+    return renumber(requests) ? status : kFailed;
 }
 
 }  // namespace channellist

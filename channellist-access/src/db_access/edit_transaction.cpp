@@ -4,8 +4,19 @@
 
 namespace channellist {
 
-int EditTransaction::begin() {
-    int const code = execute("BEGIN TRANSACTION");
+int EditTransaction::begin() { return beginWith("BEGIN TRANSACTION"); }
+
+int EditTransaction::beginLocked(CallSite const& site) {
+    return retryWhileBusy(kStepAttempts, site, LogModule::DatabaseAccess,
+                          [this] { return beginWith("BEGIN IMMEDIATE TRANSACTION"); });
+}
+
+int EditTransaction::beginWith(const char* sql) {
+    int code = spare_.prepare(connection_);
+    if (code == SQLITE_OK)
+        code = execute(sql);
+    else
+        LOG_FORMAT_AT(CALL_SITE, LogModule::DatabaseAccess, Error, "no rollback prepared:%d", code);
     open_ = code == SQLITE_OK;
     return code;
 }
@@ -24,8 +35,10 @@ int EditTransaction::execute(const char* sql) {
 }
 
 void EditTransaction::rollback() {
-    if (open_)
+    if (open_) {
         execute("ROLLBACK TRANSACTION");
+        spare_.finish(connection_);
+    }
     open_ = false;
 }
 

@@ -4,6 +4,7 @@
 
 #include <channellist-access/db_access.h>
 
+#include "db_access/spare_rollback.h"
 #include "support/log.h"
 
 namespace channellist {
@@ -17,18 +18,24 @@ class EditTransaction {
     EditTransaction(EditTransaction const&) = delete;
     EditTransaction& operator=(EditTransaction const&) = delete;
 
-    // Returns SQLite's code; unless it is 0 nothing was begun.
+    // The file is locked by the first write. Returns SQLite's code; unless it is 0 nothing was
+    // begun.
     int begin();
+
+    // Locks the file against other writers at once, and waits for them.
+    int beginLocked(CallSite const& site);
 
     // Tries again while readers of other processes hold the file; unless it returns 0 the
     // transaction is still to be rolled back. The messages carry the caller's site.
     int commit(CallSite const& site);
 
   private:
+    int beginWith(const char* sql);
     int execute(const char* sql);
     void rollback();
 
     sqlite3* connection_;
+    SpareRollback spare_;
     bool open_ = false;
 };
 

@@ -104,6 +104,7 @@ int dbaccess::renumberFAVList(unsigned int listPid, unsigned char favIndex) {
         LOG_TEXT(Error, "the channel database is not open");
         return kFailed;
     }
+    bool const inTransaction = sqlite3_get_autocommit(db) == 0;
     std::vector<unsigned int> itemIds;
     if (!readItems(listPid, itemIds, site)) {
         LOG_FORMAT(Notice, "FAV%d list doesn't have any service!", favIndex);
@@ -119,6 +120,10 @@ int dbaccess::renumberFAVList(unsigned int listPid, unsigned char favIndex) {
             SQLITE_OK)
             return kFailed;
         writeNumbers(itemIds, BroadcastNumbers(ottNumbers), update, site);
+    }
+    if (inTransaction && sqlite3_get_autocommit(db) != 0) {
+        LOG_TEXT(Error, "the edit around the renumbering was rolled back");
+        return kFailed;
     }
     storeHighestNumber(listPid);
     return 0;

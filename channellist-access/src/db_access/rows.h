@@ -9,11 +9,10 @@
 
 namespace channellist {
 
-// Makes `row` the texts of `count` columns, a NULL the empty string, in the room that it has. False
-// when memory runs out.
+// Fills the empty `row` with the texts of `count` columns, a NULL as the empty string. False when
+// memory runs out.
 inline bool copyRawRow(int count, char** values, ResultRow& row) noexcept {
     try {
-        row.clear();
         row.reserve(count > 0 ? static_cast<std::size_t>(count) : 0);
         for (int column = 0; column < count; ++column)
             row.emplace_back(values[column] != nullptr ? values[column] : "");

@@ -1,6 +1,7 @@
 // The services of one list, in the order in which the set shows them.
 #include "db_access/busy_retry.h"
 #include "db_access/session.h"
+#include "db_access/spare_rollback.h"
 #include "db_access/sql_literal.h"
 #include "dbservice_query_result/service_columns.h"
 
@@ -15,11 +16,18 @@ constexpr unsigned int kOrderByMediaType = 0x200;  // of a list's attributes
 // frame is left without end(), or COMMIT fails, what was begun here is rolled back.
 class ReadTransaction {
   public:
-    ReadTransaction(sqlite3* connection, CallSite const& site)
-        : connection_(connection), open_(run("BEGIN TRANSACTION", site) == SQLITE_OK) {}
+    ReadTransaction(sqlite3* connection, CallSite const& site) : connection_(connection) {
+        int const code = spare_.prepare(connection);
+        if (code == SQLITE_OK)
+            open_ = run("BEGIN TRANSACTION", site) == SQLITE_OK;
+        else
+            LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
+    }
     ~ReadTransaction() {
-        if (open_)
-            sqlite3_exec(connection_, "ROLLBACK TRANSACTION", nullptr, nullptr, nullptr);
+        if (!open_)
+            return;
+        sqlite3_exec(connection_, "ROLLBACK TRANSACTION", nullptr, nullptr, nullptr);
+        spare_.finish(connection_);
     }
     ReadTransaction(ReadTransaction const&) = delete;
     ReadTransaction& operator=(ReadTransaction const&) = delete;
@@ -40,7 +48,8 @@ class ReadTransaction {
     }
 
     sqlite3* connection_;
-    bool open_;
+    SpareRollback spare_;
+    bool open_ = false;
 };
 
 std::string serviceQuery(std::string const& favoriteUuId, bool byMediaType) {
@@ -65,6 +74,8 @@ void queryServices(sqlite3* connection, std::string const& sql, ResultSet& rows,
             LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
         if (code == SQLITE_BUSY)
             rows.resize(before);
+        if (code == SQLITE_NOMEM && rows.size() > before)
+            rows.pop_back();  // SQLite handed out a null where it lacked memory for a text
         return code;
     });
 }

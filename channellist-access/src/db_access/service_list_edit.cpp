@@ -4,6 +4,7 @@
 
 #include "db_access/all_list_edit.h"
 #include "db_access/callback_value.h"
+#include "db_access/data_version.h"
 #include "db_access/edit_entries.h"
 #include "db_access/edit_transaction.h"
 #include "db_access/fav_list_edit.h"
@@ -36,13 +37,16 @@ bool findFavLists(std::vector<unsigned int>& favListIds) {
     return code == SQLITE_OK && favListIds.size() == kFavListCount;
 }
 
+enum class Lock { ByFirstWrite, AtOnce };
+
 // Runs `write` inside a transaction, with the item update that both kinds of edit use. Returns its
 // status, once committed and flushed; everything is rolled back when it, or a step around it,
 // fails.
 template <typename Write>
-int editInTransaction(CallSite const& site, Write write) {
+int editInTransaction(CallSite const& site, Lock lock, Write write) {
     EditTransaction transaction(db);
-    if (transaction.begin() != SQLITE_OK)
+    int const begun = lock == Lock::AtOnce ? transaction.beginLocked(site) : transaction.begin();
+    if (begun != SQLITE_OK)
         return kFailed;
     int status;
     {
@@ -59,6 +63,33 @@ int editInTransaction(CallSite const& site, Write write) {
     // The edit stands whatever this gives, and in a host that ignores SIGCHLD it always gives -1.
     [[maybe_unused]] int const flushed = std::system("sync");
     return status;
+}
+
+// The edit of FAV list `favIndex`. Its entries are written as the difference from the stored items,
+// which are read before the transaction; where another process wrote in between, the difference is
+// worked out once more, behind the lock.
+int editFavList(CallSite const& site, unsigned int favoriteListId, unsigned int favIndex,
+                std::vector<std::string> const& arguments) {
+    constexpr int kOvertaken = -3;
+    FavListPlan plan;
+    int const planned = planFavListEdit(favoriteListId, arguments, plan);
+    if (planned != 0)
+        return planned;
+    std::optional<unsigned int> const version = dataVersion(db);
+    int const status = editInTransaction(site, Lock::ByFirstWrite, [&](Statement& itemUpdate) {
+        int const written = writeFavListEdit(favoriteListId, favIndex, plan, itemUpdate);
+        return written < 0 || (version && dataVersion(db) == version) ? written : kOvertaken;
+    });
+    if (status != kOvertaken)
+        return status;
+    LOG_TEXT_AT(site, kLogModule, Notice, "another process wrote meanwhile, plan again");
+    return editInTransaction(site, Lock::AtOnce, [&](Statement& itemUpdate) {
+        FavListPlan again;
+        int const plannedAgain = planFavListEdit(favoriteListId, arguments, again);
+        return plannedAgain != 0
+                   ? plannedAgain
+                   : writeFavListEdit(favoriteListId, favIndex, again, itemUpdate);
+    });
 }
 
 }  // namespace
@@ -101,19 +132,13 @@ int dbaccess::onServiceListEdit(std::vector<std::string> arguments) {
             LOG_TEXT(Error, "Can't delete all the channels from the all list!");
             return kFailed;
         }
-        return editInTransaction(site, [&](Statement& itemUpdate) {
+        return editInTransaction(site, Lock::ByFirstWrite, [&](Statement& itemUpdate) {
             return writeAllListEdit(favoriteListId, favListIds, arguments, itemUpdate);
         });
     }
     auto const favIndex = static_cast<unsigned int>(favList - favListIds.begin()) + 1;
     LOG_FORMAT(Verbose, "The edited list is FAV[%d] list.", static_cast<int>(favIndex));
-    FavListPlan plan;
-    int const planned = planFavListEdit(favoriteListId, arguments, plan);
-    if (planned != 0)
-        return planned;
-    return editInTransaction(site, [&](Statement& itemUpdate) {
-        return writeFavListEdit(favoriteListId, favIndex, plan, itemUpdate);
-    });
+    return editFavList(site, favoriteListId, favIndex, arguments);
 }
 
 int dbaccess::listIdCallback(void* context, int /*count*/, char** values, char** /*names*/) {

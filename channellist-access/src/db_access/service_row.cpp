@@ -180,8 +180,7 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    // Kept from row to row for its memory. Like `sv` it has no lock of its own.
-    static ResultRow svrow;
+    ResultRow svrow;
     if (!copyRawRow(argc, values, svrow)) {
         LOG_TEXT(Error, "malloc error of svrow !!");
         return kStopQuery;

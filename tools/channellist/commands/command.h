@@ -28,8 +28,15 @@ void addFormatOptions(CLI::App& command, Format& format);
 
 void addFoldersCommand(CLI::App& app, CommandLine& line);
 void addServicesCommand(CLI::App& app, CommandLine& line);
-void addDriverCommand(CLI::App& app, CommandLine& line);
+void addAttributesCommand(CLI::App& app, CommandLine& line);
 void addEditCommand(CLI::App& app, CommandLine& line);
+void addAnchorCommand(CLI::App& app, CommandLine& line);
+void addScrambleCommand(CLI::App& app, CommandLine& line);
+void addBissCommand(CLI::App& app, CommandLine& line);
+void addOttCommand(CLI::App& app, CommandLine& line);
+void addCheckCommand(CLI::App& app, CommandLine& line);
+void addDriverCommand(CLI::App& app, CommandLine& line);
+void addExportCommand(CLI::App& app, CommandLine& line);
 void addImportCommand(CLI::App& app, CommandLine& line);
 
 }  // namespace tool

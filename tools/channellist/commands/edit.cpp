@@ -9,6 +9,7 @@
 #include "edit/difference.h"
 #include "edit/operations.h"
 #include "edit/request.h"
+#include "edit/reserved_numbers.h"
 
 namespace tool {
 namespace {
@@ -20,17 +21,6 @@ struct Options {
     bool renumber = false;
     bool json = false;
 };
-
-std::set<std::int64_t> ottNumbers(int favIndex) {
-    constexpr int (*kReaders[])(std::vector<unsigned int>&) = {
-        dbaccess::getOttFav1List, dbaccess::getOttFav2List, dbaccess::getOttFav3List,
-        dbaccess::getOttFav4List};
-    std::vector<unsigned int> numbers;
-    if (favIndex >= 1 && favIndex <= 4) {
-        kReaders[favIndex - 1](numbers);
-    }
-    return std::set<std::int64_t>(numbers.begin(), numbers.end());
-}
 
 // Only FAV lists gain and lose services; in the others an edit changes numbers and hides.
 void checkVerbs(const List& list, const std::vector<Operation>& operations) {
@@ -45,10 +35,20 @@ void checkVerbs(const List& list, const std::vector<Operation>& operations) {
     }
 }
 
+std::vector<Entry> storedEntries(const List& list) {
+    Entries stored = readEntries(list.uuid);
+    if (!stored.complete) {
+        throw Failure(
+            "not all services could be read, and an edit would lose the others; \"channellist "
+            "check\" tells why");
+    }
+    return std::move(stored.entries);
+}
+
 std::vector<Entry> addableServices(const std::vector<Operation>& operations) {
     for (const Operation& operation : operations) {
         if (operation.verb == Verb::Add) {
-            return readEntries(findList("all").uuid);
+            return readEntries(findList("all").uuid).entries;
         }
     }
     return {};
@@ -92,8 +92,8 @@ int run(const std::string& database, const Options& options) {
     Session session(database, options.dryRun ? Access::Read : Access::Write);
     const List list = findList(options.list);
     checkVerbs(list, operations);
-    const std::vector<Entry> before = readEntries(list.uuid);
-    ListContent content(displayName(list), before, ottNumbers(list.favIndex));
+    const std::vector<Entry> before = storedEntries(list);
+    ListContent content(displayName(list), before, reservedNumbers(list));
     apply(operations, addableServices(operations), content);
     const bool renumberList = options.renumber && list.favIndex != 0;
     if (content.entries() == before && !renumberList) {

@@ -74,9 +74,7 @@ int run(const std::string& database, const Format& format) {
         (format.json ? printObjects : printTable)(folders.rows);
     }
     if (!folders.complete) {
-        throw Failure(
-            "the lists end in front of one that cannot be read; \"channellist check\""
-            " names it");
+        throw Failure("not all lists could be read; \"channellist check\" tells why");
     }
     return kSuccess;
 }

@@ -5,6 +5,9 @@
 #include <iostream>
 
 #include "commands/command.h"
+#include "edit/difference.h"
+#include "edit/favourites.h"
+#include "edit/request.h"
 
 namespace tool {
 namespace {
@@ -14,7 +17,10 @@ using namespace channel_database;
 struct Options {
     std::string list;
     std::string database;
+    std::string favList;
     bool force = false;
+    bool favourites = false;
+    bool dryRun = false;
 };
 
 // Shows how far a long import is, on a terminal only.
@@ -44,15 +50,47 @@ void reportRejectedLines(const ChannelsConf& list, const std::string& path) {
     }
 }
 
-int run(const Options& options) {
-    const ChannelsConf list = readChannelsConf(options.list);
-    reportRejectedLines(list, options.list);
+void makeDatabase(const ChannelsConf& list, const Options& options) {
     {
         Progress progress;
         makeDatabaseFile(list, options.database, options.force, std::ref(progress));
     }
     std::cout << options.database << ": " << list.channels.size() << " channels, "
               << list.groups.size() << " groups, " << list.rejected.size() << " lines skipped\n";
+}
+
+void writeFavourites(const ChannelsConf& list, const Options& options) {
+    Session session(options.database, options.dryRun ? Access::Read : Access::Write);
+    if (options.dryRun) {
+        session.continueOnCopy();
+    }
+    const std::vector<Favourites> all = findFavourites(list, options.favList);
+    const Snapshot before = takeSnapshot(List());
+    for (const Favourites& favourites : all) {
+        submit(favListRequest(favourites.list, favourites.entries));
+        for (const std::string& channel : favourites.notFound) {
+            std::cerr << "channellist: " << displayName(favourites.list)
+                      << ": the database has no service for " << channel << "\n";
+        }
+    }
+    printDifferences(differences(before, takeSnapshot(List())));
+    for (const Favourites& favourites : all) {
+        std::cout << displayName(favourites.list) << ": " << favourites.entries.size()
+                  << " services, " << favourites.notFound.size() << " not found\n";
+    }
+    std::cout << (options.dryRun ? "Dry run: nothing is written.\n" : "Written.\n");
+}
+
+int run(const std::string& setDatabase, Options options) {
+    if (options.database.empty()) {
+        if (!options.favourites) {
+            throw Failure("import needs the name of the database to make", kUsage);
+        }
+        options.database = setDatabase;
+    }
+    const ChannelsConf list = readChannelsConf(options.list);
+    reportRejectedLines(list, options.list);
+    (options.favourites ? writeFavourites : makeDatabase)(list, options);
     return kSuccess;
 }
 
@@ -63,12 +101,26 @@ void addImportCommand(CLI::App& app, CommandLine& line) {
         app.add_subcommand("import", "Makes a channel database from a VDR channel list");
     auto options = std::make_shared<Options>();
     command->add_option("CHANNELS.CONF", options->list, "the channel list")->required();
-    command->add_option("DATABASE", options->database, "the database to make")->required();
+    command->add_option("DATABASE", options->database,
+                        "the database to make; with --favourites the one to write to, by default"
+                        " that of --db");
     command->add_flag("--force", options->force, "replace an existing database");
+    auto* favourites =
+        command->add_flag("--favourites", options->favourites,
+                          "write FAV1 to FAV4 of an existing database from the groups of these"
+                          " names, finding each channel by its DVB triplet");
+    command->add_option("--list", options->favList, "write all channels to this FAV list")
+        ->needs(favourites);
+    command->add_flag("-n,--dry-run", options->dryRun, "show what --favourites would change")
+        ->needs(favourites);
     command->footer(
+        "Lines that cannot be read are named and skipped.\n"
         "Examples:\n"
-        "  channellist import channels.conf servicelist.db");
-    command->callback([&line, options] { line.run = [options] { return run(*options); }; });
+        "  channellist import channels.conf servicelist.db\n"
+        "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"
+        "  channellist import --favourites sports.conf --list FAV3");
+    command->callback(
+        [&line, options] { line.run = [&line, options] { return run(line.database, *options); }; });
 }
 
 }  // namespace tool

@@ -92,9 +92,7 @@ int run(const std::string& database, const std::string& word, const Format& form
         (format.json ? printObjects : printTable)(services.rows);
     }
     if (!services.complete) {
-        throw Failure(
-            "the list ends in front of a service that cannot be read; \"channellist"
-            " check\" names it");
+        throw Failure("not all services could be read; \"channellist check\" tells why");
     }
     return kSuccess;
 }

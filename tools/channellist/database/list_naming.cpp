@@ -21,7 +21,7 @@ std::string favName(const List& list) {
 
 bool isCalled(const List& list, const std::string& word) {
     return list.name == word || favName(list) == word ||
-           (word == "all" && list.creator == "tamun.sl2.servicelist$all") ||
+           (word == "all" && isAllList(list)) ||
            (word == "av" && list.creator == "tamun.sl2.servicelist$av");
 }
 
@@ -78,6 +78,8 @@ List findList(const std::string& word) {
     }
     return called[0];
 }
+
+bool isAllList(const List& list) { return list.creator == "tamun.sl2.servicelist$all"; }
 
 std::string displayName(const List& list) {
     const std::string fav = favName(list);

@@ -21,6 +21,9 @@ std::vector<List> allLists();
 // or "all" and "av" for the lists of all services and of the inputs. Throws Failure.
 List findList(const std::string& word);
 
+// Whether it is the list of all services.
+bool isAllList(const List& list);
+
 // The list's name for a reader: FAV1 to FAV4, else the stored name, else the uuid.
 std::string displayName(const List& list);
 

@@ -52,45 +52,40 @@ void checkContent(const std::string& path, int code) {
     }
 }
 
-sqlite3* openChecked(const std::string& path, int flags, sqlite3*& connection) {
+void openChecked(const std::string& path, int flags, sqlite3*& connection) {
     if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) {
         throw Failure("cannot open " + path + ": " + sqlite3_errmsg(connection));
     }
     sqlite3_busy_timeout(connection, kBusyTimeoutMilliseconds);
-    return connection;
 }
 
-bool isFile(const std::string& path) {
-    struct stat file;
-    return !path.empty() && stat(path.c_str(), &file) == 0;
-}
-
-void openOttDatabase() {
-    const std::string path = ottDatabasePath();
-    if (isFile(path)) {
-        openChecked(path, SQLITE_OPEN_READONLY, db_zentova);
-        return;
-    }
-    openChecked(":memory:", kMemory, db_zentova);
-    sqlite3_exec(db_zentova, "CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex INTEGER)",
-                 nullptr, nullptr, nullptr);
-}
-
-void closeAll() {
-    for (sqlite3** connection : {&db, &db_zentova}) {
-        sqlite3_close(*connection);
-        *connection = nullptr;
-    }
+void close(sqlite3*& connection) {
+    sqlite3_close(connection);
+    connection = nullptr;
 }
 
 }  // namespace
 
-std::string ottDatabasePath() {
-    const char* home = std::getenv("HOME");
-    return home == nullptr ? std::string() : std::string(home) + "/" + kOttFile;
+OttSession::OttSession() {
+    const char* const home = std::getenv("HOME");
+    path_ = home == nullptr ? std::string() : std::string(home) + "/" + kOttFile;
+    struct stat file;
+    exists_ = !path_.empty() && stat(path_.c_str(), &file) == 0 && file.st_size != 0;
+    try {
+        if (exists_) {
+            openChecked(path_, SQLITE_OPEN_READONLY, db_zentova);
+            return;
+        }
+        openChecked(":memory:", kMemory, db_zentova);
+    } catch (...) {
+        close(db_zentova);
+        throw;
+    }
+    sqlite3_exec(db_zentova, "CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex INTEGER)",
+                 nullptr, nullptr, nullptr);
 }
 
-bool ottDatabaseExists() { return *sqlite3_db_filename(db_zentova, "main") != '\0'; }
+OttSession::~OttSession() { close(db_zentova); }
 
 Session::Session(const std::string& path, Access access) {
     checkFile(path);
@@ -102,9 +97,8 @@ Session::Session(const std::string& path, Access access) {
         if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1) {
             throw Failure(path + " cannot be written");
         }
-        openOttDatabase();
     } catch (...) {
-        closeAll();
+        close(db);
         throw;
     }
 }
@@ -124,6 +118,6 @@ void Session::continueOnCopy() {
     }
 }
 
-Session::~Session() { closeAll(); }
+Session::~Session() { close(db); }
 
 }  // namespace tool

@@ -9,11 +9,26 @@ constexpr char kSetDatabase[] = "/var/tvservice/servicelist.db";
 
 enum class Access { Read, Write };
 
+// Hands the OTT database to the library as `db_zentova`, read-only: an empty one in memory where
+// there is no file, or an empty one, because the library itself would create it. Closes it at the end.
+class OttSession {
+  public:
+    OttSession();
+    ~OttSession();
+    OttSession(const OttSession&) = delete;
+    OttSession& operator=(const OttSession&) = delete;
+
+    // The file; "" when HOME is not set.
+    const std::string& path() const { return path_; }
+    bool exists() const { return exists_; }
+
+  private:
+    std::string path_;
+    bool exists_ = false;
+};
+
 // Opens a channel database and hands it to the library as `db`; closes it at the end. A file is
 // never created: one that is missing, empty or no channel database throws Failure.
-//
-// The OTT database is handed over too, read-only: an empty one in memory where there is no file,
-// because the library itself would create it.
 class Session {
   public:
     explicit Session(const std::string& path, Access access = Access::Read);
@@ -23,11 +38,9 @@ class Session {
 
     // Hands the library a copy in memory in place of the file, which stays as it is.
     void continueOnCopy();
-};
 
-// The file that holds the OTT channels; "" when HOME is not set.
-std::string ottDatabasePath();
-// Whether the OTT database that the session handed over is a file.
-bool ottDatabaseExists();
+  private:
+    OttSession ott_;
+};
 
 }  // namespace tool

@@ -3,7 +3,6 @@
 #include <iostream>
 #include <utility>
 
-#include "failure.h"
 #include "output/text_table.h"
 #include "services/service_words.h"
 
@@ -42,23 +41,18 @@ void compare(const std::string& listName, const std::vector<Entry>& before,
     const std::map<Key, const Entry*> news(written.begin(), written.end());
     for (const auto& [key, entry] : stored) {
         if (news.count(key) == 0) {
-            changes.push_back({listName,
-                               {"removed"},
-                               std::to_string(entry->number),
-                               "",
-                               entry->name,
-                               entry->serviceId});
+            changes.push_back(
+                {listName, {"removed"}, numberText(*entry), "", entry->name, entry->serviceId});
         }
     }
     for (const auto& [key, entry] : written) {
-        const std::string number = std::to_string(entry->number);
+        const std::string number = numberText(*entry);
         const auto old = olds.find(key);
         if (old == olds.end()) {
             changes.push_back({listName, {"added"}, "", number, entry->name, entry->serviceId});
         } else if (!(*old->second == *entry)) {
-            changes.push_back({listName, wordsFor(*old->second, *entry),
-                               std::to_string(old->second->number), number, entry->name,
-                               entry->serviceId});
+            changes.push_back({listName, wordsFor(*old->second, *entry), numberText(*old->second),
+                               number, entry->name, entry->serviceId});
         }
     }
 }
@@ -71,22 +65,15 @@ Snapshot takeSnapshot(const List& edited) {
         if (list.pid != edited.pid && list.favIndex == 0) {
             continue;
         }
-        try {
-            snapshot.lists.push_back({displayName(list), readEntries(list.uuid)});
-        } catch (const Failure&) {
-            if (list.pid == edited.pid) {
-                throw;
-            }
-            snapshot.lists.push_back({displayName(list), {}});
-        }
+        snapshot.push_back({displayName(list), readEntries(list.uuid).entries});
     }
     return snapshot;
 }
 
 std::vector<Change> differences(const Snapshot& before, const Snapshot& after) {
     std::vector<Change> changes;
-    for (std::size_t i = 0; i < before.lists.size() && i < after.lists.size(); ++i) {
-        compare(before.lists[i].listName, before.lists[i].entries, after.lists[i].entries, changes);
+    for (std::size_t i = 0; i < before.size() && i < after.size(); ++i) {
+        compare(before[i].listName, before[i].entries, after[i].entries, changes);
     }
     return changes;
 }

@@ -11,15 +11,13 @@
 
 namespace tool {
 
-// The entries of the edited list and of the four FAV lists. A FAV list that cannot be read is left
-// out: its content says nothing.
-struct Snapshot {
-    struct Content {
-        std::string listName;
-        std::vector<Entry> entries;
-    };
-    std::vector<Content> lists;
+struct ListEntries {
+    std::string listName;
+    std::vector<Entry> entries;
 };
+
+// The edited list, if one has its key, and the FAV lists.
+using Snapshot = std::vector<ListEntries>;
 
 Snapshot takeSnapshot(const List& edited);
 

@@ -1,10 +1,10 @@
 #include "edit/list_content.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 #include "failure.h"
+#include "output/json_text.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 
@@ -15,36 +15,32 @@ namespace {
 constexpr std::int64_t kSmallest = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
 
-std::int64_t channelNumber(const ResultRow& service) {
-    const std::string& text = service[SERVICE_FIELD_CHANNEL_NUMBER];
-    std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end || number < kSmallest || number > kLargest) {
-        throw Failure("service id:" + service[SERVICE_FIELD_PID] + " (" +
-                      service[SERVICE_FIELD_CAPTION] + ") has the channel number '" + text +
-                      "', which no edit can write back; nothing is written");
-    }
-    return number;
+std::optional<std::int64_t> channelNumber(const std::string& text) {
+    const auto number = wholeNumber(text);
+    return number && *number >= kSmallest && *number <= kLargest ? number : std::nullopt;
+}
+
+bool isAt(const Entry& entry, std::int64_t number) {
+    return !entry.deleted && entry.number == number;
 }
 
 }  // namespace
 
-std::vector<Entry> readEntries(const std::string& listUuid) {
+std::string numberText(const Entry& entry) {
+    return entry.number ? std::to_string(*entry.number) : std::string();
+}
+
+Entries readEntries(const std::string& listUuid) {
     const Rows services = readServices(listUuid);
-    if (!services.complete) {
-        throw Failure(
-            "the list ends in front of a service that cannot be read, and an edit would"
-            " lose the rest; \"channellist check\" names it");
-    }
-    std::vector<Entry> entries;
+    Entries result;
+    result.complete = services.complete;
     for (const ResultRow& service : services.rows) {
-        entries.push_back({channelNumber(service),
-                           static_cast<unsigned int>(std::stol(service[SERVICE_FIELD_PID])),
-                           isDeleted(service), service[SERVICE_FIELD_CAPTION],
-                           service[SERVICE_FIELD_UUID]});
+        const auto id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
+        result.entries.push_back({channelNumber(service[SERVICE_FIELD_CHANNEL_NUMBER]),
+                                  static_cast<unsigned int>(id), isDeleted(service),
+                                  service[SERVICE_FIELD_CAPTION], service[SERVICE_FIELD_UUID]});
     }
-    return entries;
+    return result;
 }
 
 void ListContent::add(Entry entry, std::optional<std::int64_t> number) {
@@ -55,7 +51,7 @@ void ListContent::add(Entry entry, std::optional<std::int64_t> number) {
     } else {
         std::int64_t last = 0;
         for (const Entry& each : entries_) {
-            last = std::max(last, each.number);
+            last = std::max(last, each.number.value_or(0));
         }
         entry.number = numberAfter(last);
     }
@@ -68,30 +64,50 @@ void ListContent::remove(std::size_t index) {
 
 void ListContent::move(std::size_t index, std::int64_t number) {
     checkFree(number);
-    const std::int64_t old = entries_[index].number;
+    if (!closeUp(entries_[index], number)) {
+        makeRoomAt(number);
+    }
+    entries_[index].number = number;
+}
+
+void ListContent::hide(std::size_t index) { entries_[index].deleted = true; }
+
+void ListContent::restore(std::size_t index) {
+    Entry& entry = entries_[index];
+    if (entry.deleted && entry.number) {
+        makeRoomAt(*entry.number);
+    }
+    entry.deleted = false;
+}
+
+bool ListContent::closeUp(const Entry& leaving, std::int64_t number) {
+    if (!leaving.number) {
+        return false;
+    }
+    const std::int64_t old = *leaving.number;
     std::vector<Entry*> between;  // the others from the old place to the new one
     for (Entry& entry : entries_) {
-        if (&entry != &entries_[index] && entry.number >= std::min(old, number) &&
-            entry.number <= std::max(old, number)) {
+        if (&entry != &leaving && !entry.deleted && entry.number &&
+            *entry.number >= std::min(old, number) && *entry.number <= std::max(old, number)) {
             between.push_back(&entry);
         }
     }
-    std::stable_sort(between.begin(), between.end(),
-                     [](const Entry* a, const Entry* b) { return a->number < b->number; });
-    const bool occupied = std::any_of(between.begin(), between.end(),
-                                      [&](const Entry* e) { return e->number == number; });
-    if (occupied) {
-        std::vector<std::int64_t> numbers = {old};
-        for (const Entry* entry : between) {
-            numbers.push_back(entry->number);
-        }
-        std::sort(numbers.begin(), numbers.end());
-        const std::size_t first = number < old ? 1 : 0;  // the slots that remain for the others
-        for (std::size_t i = 0; i < between.size(); ++i) {
-            between[i]->number = numbers[first + i];
-        }
+    if (std::none_of(between.begin(), between.end(),
+                     [&](const Entry* entry) { return isAt(*entry, number); })) {
+        return true;
     }
-    entries_[index].number = number;
+    std::stable_sort(between.begin(), between.end(),
+                     [](const Entry* a, const Entry* b) { return *a->number < *b->number; });
+    std::vector<std::int64_t> numbers = {old};
+    for (const Entry* entry : between) {
+        numbers.push_back(*entry->number);
+    }
+    std::sort(numbers.begin(), numbers.end());
+    const std::size_t first = number < old ? 1 : 0;  // the numbers that remain for the others
+    for (std::size_t i = 0; i < between.size(); ++i) {
+        between[i]->number = numbers[first + i];
+    }
+    return true;
 }
 
 void ListContent::checkFree(std::int64_t number) const {
@@ -116,7 +132,7 @@ void ListContent::makeRoomAt(std::int64_t number) {
     for (std::int64_t at = number;; at = numberAfter(at)) {
         std::vector<Entry*> there;
         for (Entry& entry : entries_) {
-            if (entry.number == at) {
+            if (isAt(entry, at)) {
                 there.push_back(&entry);
             }
         }
@@ -127,7 +143,7 @@ void ListContent::makeRoomAt(std::int64_t number) {
     }
     for (const auto& entries : moved) {
         for (Entry* entry : entries) {
-            entry->number = numberAfter(entry->number);
+            entry->number = numberAfter(*entry->number);
         }
     }
 }

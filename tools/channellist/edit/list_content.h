@@ -10,9 +10,10 @@
 namespace tool {
 
 struct Entry {
-    std::int64_t number = 0;  // channel number in the list
+    // Channel number in the list; none where the database holds something that is no number.
+    std::optional<std::int64_t> number;
     unsigned int serviceId = 0;
-    bool deleted = false;  // `hide` marks an entry deleted: its row stays
+    bool deleted = false;  // its row stays, but it is not shown
     std::string name;
     std::string uuid;
 };
@@ -21,12 +22,17 @@ inline bool operator==(const Entry& a, const Entry& b) {
     return a.number == b.number && a.serviceId == b.serviceId && a.deleted == b.deleted;
 }
 
-// The entries that the library delivers for a list. Throws Failure when they are not all of the
-// list's, or one has no channel number.
-std::vector<Entry> readEntries(const std::string& listUuid);
+// The channel number as text; "" without one.
+std::string numberText(const Entry& entry);
 
-// Places entries at numbers; no number is held twice that was not before. `reserved` numbers are
-// those of OTT channels: nothing is placed there.
+struct Entries {
+    std::vector<Entry> entries;
+    bool complete = true;  // see Rows
+};
+Entries readEntries(const std::string& listUuid);
+
+// Places entries at numbers. No number is held twice that was not before, but by deleted entries,
+// which hold none. `reserved` numbers are those of OTT channels: nothing is placed there.
 class ListContent {
   public:
     ListContent(std::string listName, std::vector<Entry> entries, std::set<std::int64_t> reserved)
@@ -35,7 +41,6 @@ class ListContent {
           reserved_(std::move(reserved)) {}
 
     const std::string& listName() const { return listName_; }
-    std::vector<Entry>& entries() { return entries_; }
     const std::vector<Entry>& entries() const { return entries_; }
 
     // At the end, or at `number`; an entry that stands there, and those behind it up to the next
@@ -45,11 +50,17 @@ class ListContent {
     // To `number`; when an entry stands there, those between the old place and the new one close
     // up, and the numbers in use stay the same.
     void move(std::size_t index, std::int64_t number);
+    // Marks the entry deleted; its number is free then.
+    void hide(std::size_t index);
+    // An entry that took its number in the meantime moves on.
+    void restore(std::size_t index);
 
   private:
     void checkFree(std::int64_t number) const;
     std::int64_t numberAfter(std::int64_t number) const;
     void makeRoomAt(std::int64_t number);
+    // Closes up the entries between the place of `leaving` and `number`; false when it has none.
+    bool closeUp(const Entry& leaving, std::int64_t number);
 
     std::string listName_;
     std::vector<Entry> entries_;

@@ -1,9 +1,9 @@
 #include "edit/operations.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "failure.h"
+#include "output/json_text.h"
 
 namespace tool {
 namespace {
@@ -24,14 +24,10 @@ constexpr Word kWords[] = {{"add", Verb::Add, "at"},
     throw Failure(sentence + "; \"channellist edit --help\" shows examples", kUsage);
 }
 
+// A number without sign.
 std::optional<std::int64_t> readNumber(const std::string& text) {
-    std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (text.empty() || result.ec != std::errc() || result.ptr != end || number < 0) {
-        return std::nullopt;
-    }
-    return number;
+    const auto number = wholeNumber(text);
+    return number && *number >= 0 ? number : std::nullopt;
 }
 
 bool isMeant(const Entry& entry, const std::string& word) {
@@ -47,7 +43,7 @@ bool isMeant(const Entry& entry, const std::string& word) {
 
 std::string describe(const Entry& entry) {
     return "id:" + std::to_string(entry.serviceId) + " (" + entry.name + ", number " +
-           std::to_string(entry.number) + ")";
+           numberText(entry) + ")";
 }
 
 void addService(const Operation& operation, const std::vector<Entry>& all, ListContent& content) {
@@ -78,8 +74,10 @@ void applyOne(const Operation& operation, const std::vector<Entry>& all, ListCon
             content.move(index, *operation.number);
             break;
         case Verb::Hide:
+            content.hide(index);
+            break;
         case Verb::Restore:
-            content.entries()[index].deleted = operation.verb == Verb::Hide;
+            content.restore(index);
             break;
         case Verb::Add:
             break;

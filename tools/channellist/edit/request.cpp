@@ -20,8 +20,12 @@ constexpr unsigned int kRenumberFav1 = 0x04;  // and the next three for FAV2 to 
 constexpr int kMalformed = -1;
 
 void append(std::vector<std::string>& request, unsigned int flags, const Entry& entry) {
+    if (!entry.number) {
+        throw Failure("id:" + std::to_string(entry.serviceId) + " (" + entry.name +
+                      ") has no channel number that could be written back; move it to one");
+    }
     request.push_back(std::to_string(flags));
-    request.push_back(std::to_string(entry.number));
+    request.push_back(numberText(entry));
     request.push_back(std::to_string(entry.serviceId));
 }
 

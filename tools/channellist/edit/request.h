@@ -9,7 +9,8 @@
 
 namespace tool {
 
-// The complete new content of a FAV list.
+// The complete new content of a FAV list. Throws Failure when an entry has no channel number, and
+// so does the other request.
 std::vector<std::string> favListRequest(const List& list, const std::vector<Entry>& after);
 
 // The entries of another list that differ. With `renumber`, entries that are hidden or restored ask

@@ -1,7 +1,6 @@
 #include "output/json_text.h"
 
 #include <charconv>
-#include <cstdint>
 #include <iostream>
 
 #include "output/text_table.h"
@@ -15,17 +14,22 @@ std::string dump(const Json& value, int indent) {
 
 }  // namespace
 
+std::optional<std::int64_t> wholeNumber(const std::string& text) {
+    std::int64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (text.empty() || result.ec != std::errc() || result.ptr != end) {
+        return std::nullopt;
+    }
+    return number;
+}
+
 Json numberOrText(const std::string& text) {
     if (text.empty()) {
         return nullptr;
     }
-    std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end) {
-        return text;
-    }
-    return number;
+    const auto number = wholeNumber(text);
+    return number ? Json(*number) : Json(text);
 }
 
 void printRawJson(const std::vector<std::vector<std::string>>& rows) {

@@ -1,11 +1,16 @@
 // JSON for scripts.
 #pragma once
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace tool {
+
+// The decimal number that the whole text is.
+std::optional<std::int64_t> wholeNumber(const std::string& text);
 
 using Json = nlohmann::ordered_json;
 

@@ -74,7 +74,8 @@ std::string displayText(const std::string& text) {
             shown += kReplacement;
         } else if (isControl(character)) {
             char escape[16];
-            std::snprintf(escape, sizeof escape, "\\x%02lx", character);
+            std::snprintf(escape, sizeof escape, "\\x%02x",
+                          static_cast<unsigned int>(character) & 0xFFU);
             shown += escape;
         } else {
             shown.append(bytes, length);

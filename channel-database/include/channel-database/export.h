@@ -1,0 +1,25 @@
+/// From a channel database back to a channel list.
+#pragma once
+
+#include <channel-database/channels_conf.h>
+
+#include <optional>
+#include <string>
+
+namespace channel_database {
+
+/// What a database knows of a service.
+struct StoredService {
+    std::string name;
+    std::string uri;  ///< its tuning URI
+    bool radio = false;
+    bool encrypted = false;
+};
+
+/// The channel of a DVB service; nothing for analogue and IP services and for inputs, which have
+/// no line in a channel list. What a database does not keep is written so that it reads as what it
+/// is: 8191, no pid, for the video of a TV service; FFFF for the access of an encrypted one. The
+/// source of a satellite that only the set knows by its number is S0E.
+std::optional<Channel> channelOf(const StoredService& service);
+
+}  // namespace channel_database

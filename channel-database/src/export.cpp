@@ -1,0 +1,119 @@
+#include <channel-database/export.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <string_view>
+
+#include "set_numbers.h"
+
+namespace channel_database {
+namespace {
+
+constexpr int kUnknownAccess = 0xFFFF;
+
+/// The numbers of a tuning URI, by name.
+std::map<std::string, int> numbersOf(std::string_view uri) {
+    std::map<std::string, int> numbers;
+    uri.remove_prefix(std::min(uri.find('?'), uri.size()));
+    while (!uri.empty()) {
+        uri.remove_prefix(1);  // '?' or '&'
+        const std::string_view part = uri.substr(0, uri.find('&'));
+        uri.remove_prefix(part.size());
+        const auto equals = part.find('=');
+        if (equals != std::string_view::npos) {
+            const std::string_view value = part.substr(equals + 1);
+            int& number = numbers[std::string(part.substr(0, equals))];
+            std::from_chars(value.data(), value.data() + value.size(), number);
+        }
+    }
+    return numbers;
+}
+
+std::string satelliteSource(int number) {
+    const int position = satellitePosition(number);
+    const int tenths = std::abs(position);
+    const std::string fraction = tenths % 10 == 0 ? "" : "." + std::to_string(tenths % 10);
+    return "S" + std::to_string(tenths / 10) + fraction + (position < 0 ? "W" : "E");
+}
+
+std::string oneLine(std::string text) {
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < 0x20) {
+            c = ' ';
+        }
+    }
+    return text;
+}
+
+void setSource(std::map<std::string, int>& numbers, Delivery delivery, Channel& channel) {
+    switch (delivery) {
+        case Delivery::DvbT:
+        case Delivery::DvbT2:
+            channel.source = "T";
+            break;
+        case Delivery::DvbC:
+        case Delivery::DvbC2:
+            channel.source = "C";
+            break;
+        default:
+            channel.source = satelliteSource(numbers["satid"]);
+            channel.polarization = polarizationLetter(numbers["polarization"]);
+            break;
+    }
+}
+
+void setParameters(std::map<std::string, int>& numbers, Delivery delivery, Channel& channel) {
+    const Modcod modcod = delivery == Delivery::DvbS2
+                              ? modcodOf(numbers["modcod"])
+                              : Modcod{numbers["modulation"], numbers["coderate"]};
+    const std::pair<char, int> parameters[] = {
+        {'B', numbers["bandwidth"]},
+        {'C', modcod.codeRate},
+        {'I', numbers["inversion"]},
+        {'M', modcod.modulation},
+        {'P', numbers["groupid"] << 8 | numbers["plpid"]},
+    };
+    for (const auto& [letter, value] : parameters) {
+        if (value != 0) {
+            channel.parameters[letter] = value;
+        }
+    }
+    const bool second =
+        delivery == Delivery::DvbT2 || delivery == Delivery::DvbC2 || delivery == Delivery::DvbS2;
+    if (second || channel.source[0] != 'C') {
+        channel.parameters['S'] = second ? 1 : 0;
+    }
+}
+
+bool isDvb(Delivery delivery) {
+    return delivery >= Delivery::DvbT && delivery <= Delivery::DvbS2 && delivery != Delivery::Ip;
+}
+
+}  // namespace
+
+std::optional<Channel> channelOf(const StoredService& service) {
+    auto numbers = numbersOf(service.uri);
+    const auto delivery = static_cast<Delivery>(numbers["frontend"]);
+    if (!isDvb(delivery) || numbers["frequency"] <= 0) {
+        return std::nullopt;
+    }
+    Channel channel;
+    channel.name = oneLine(service.name);
+    channel.frequency = numbers["frequency"];
+    channel.symbolRate = numbers["symbolrate"];
+    setSource(numbers, delivery, channel);
+    setParameters(numbers, delivery, channel);
+    channel.videoPid = service.radio ? "0" : "8191";
+    channel.audioPids = "0";
+    channel.teletextPid = "0";
+    if (service.encrypted) {
+        channel.conditionalAccess.push_back(kUnknownAccess);
+    }
+    channel.serviceId = numbers["sid"];
+    channel.networkId = numbers["onid"];
+    channel.transportStreamId = numbers["tsid"];
+    return channel;
+}
+
+}  // namespace channel_database

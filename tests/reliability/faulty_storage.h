@@ -1,0 +1,13 @@
+// SQLite's storage layer of these test programs: the real one, struck by `fault`.
+#pragma once
+
+#include <string>
+
+namespace storage {
+
+/// Registers the layer as SQLite's default. The path that the library opens leads to
+/// `channelDatabase`. Busy waits inside SQLite take no time unless `realTime`; nothing waits for
+/// the disk.
+void install(std::string const& channelDatabase, bool realTime);
+
+}  // namespace storage

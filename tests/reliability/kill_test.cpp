@@ -1,0 +1,120 @@
+// An editing process that dies by SIGKILL: at each of its writes, half of it done, and at random
+// moments.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <random>
+#include <thread>
+
+#include "child_process.h"
+#include "entry_points.h"
+#include "fault.h"
+#include "workshop.h"
+
+namespace {
+
+class Killed : public testing::TestWithParam<EntryPoint> {};
+
+// Whole: the writes of one transaction are there, its update tags among them. The tag of the edited
+// list alone, which is advanced before, may be ahead.
+void expectWholeOrAbsent(Contents const& now, Contents const& before, Contents const& after) {
+    EXPECT_EQ(now.integrity, "ok|\n");
+    bool const isWhole = now.tables == after.tables && now.favNumbers == after.favNumbers;
+    bool const isAbsent = now.tables == before.tables && now.favNumbers == before.favNumbers;
+    EXPECT_TRUE(isWhole || isAbsent) << now.tables << now.favNumbers;
+    std::vector<int> ahead = before.tags;
+    for (std::size_t list = 0; list < ahead.size() && ahead == before.tags; ++list)
+        ahead[list] = after.tags[list];
+    if (isWhole)
+        ahead = after.tags;
+    EXPECT_TRUE(now.tags == ahead || (!isWhole && now.tags == before.tags));
+}
+
+TEST_P(Killed, AtEachWriteLeavesTheEditWholeOrAbsent) {
+    Workshop workshop;
+    EntryPoint const& edit = GetParam();
+    Contents const before = workshop.contents();
+    ASSERT_FALSE(edit.call().failed);
+    Contents const after = workshop.contents();
+    unsigned kills = 0;
+    for (int signal = SIGKILL; signal != 0 && !HasFailure(); ++kills) {
+        workshop.renew();
+        signal = endOf(startChild([&] {
+            fault = {FaultKind::Kill, kills + 1, false};
+            edit.call();
+        }));
+        expectWholeOrAbsent(workshop.contents(), before, after);
+        EXPECT_FALSE(edit.call().failed);
+        EXPECT_EQ(workshop.contents().tables, after.tables);
+    }
+    ASSERT_GT(kills, 10U);
+    std::printf("figure: %u kills at a write\n", kills - 1);
+}
+
+std::vector<EntryPoint> edits() {
+    std::vector<EntryPoint> found;
+    for (EntryPoint const& entry : kEntryPoints)
+        if (entry.opens && entry.writes != Writes::Nothing)
+            found.push_back(entry);
+    return found;
+}
+
+INSTANTIATE_TEST_SUITE_P(EntryPoints, Killed, testing::ValuesIn(edits()));
+
+// Edit number `stamp` of FAV1, each with other services and numbers.
+std::vector<std::string> stampedEdit(unsigned int stamp) {
+    std::vector<int> services;
+    for (unsigned int service = 1; service <= kServices; ++service)
+        if ((service + stamp) % 3 != 0)
+            services.push_back(static_cast<int>(service));
+    return edit("list-of-favourites-1", services, stamp * 100);
+}
+
+// What it leaves, in the form of Workshop::rows.
+std::string stampedRows(unsigned int stamp) {
+    std::vector<std::string> const arguments = stampedEdit(stamp);
+    std::string rows;
+    for (std::size_t i = 1; i < arguments.size(); i += 3)
+        rows += arguments[i + 2] + "|" + arguments[i + 1] + "|\n";
+    return rows;
+}
+
+constexpr char kFav1Rows[] =
+    "SELECT ServiceId, ChannelNum FROM FavoriteItem WHERE FavoriteId = 2 ORDER BY ChannelNum";
+
+TEST(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
+    constexpr int kRounds = 150;
+    Workshop workshop;
+    SharedValue<std::atomic<unsigned>> done;
+    ASSERT_GE(dbaccess::onServiceListEdit(stampedEdit(0)), 0);
+    forgetLibraryState();
+    unsigned const seed = std::random_device()();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    int ahead = 1;  // of the tag, which the edit above advanced, before the count of edits
+    for (int round = 0; round < kRounds && !HasFailure(); ++round) {
+        pid_t const child = startChild([&] {
+            for (;; ++*done)
+                ASSERT_GE(dbaccess::onServiceListEdit(stampedEdit(*done + 1)), 0);
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
+        kill(child, SIGKILL);
+        EXPECT_EQ(endOf(child), SIGKILL);
+        EXPECT_EQ(workshop.rows("PRAGMA integrity_check"), "ok|\n");
+        std::string const rows = workshop.rows(kFav1Rows);
+        if (rows == stampedRows(*done + 1))
+            ++*done;  // committed, and killed before it could say so
+        EXPECT_EQ(rows, stampedRows(*done));
+        int const tag = std::atoi(workshop.rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 2").c_str());
+        int const nowAhead = tag - static_cast<int>(*done);
+        EXPECT_TRUE(nowAhead == ahead || nowAhead == ahead + 1);
+        ahead = nowAhead;
+    }
+    std::printf("figure: %d kills at a random moment\n", kRounds);
+    std::printf("figure: %u edits beside them\n", done->load());
+}
+
+}  // namespace

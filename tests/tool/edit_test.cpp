@@ -1,0 +1,137 @@
+// edit: what it shows, what it writes, and what it refuses.
+#include "tool_process.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+// FAV1 is "1 1;2 2;3 3;5 5" (number and service id) before each edit.
+TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
+    const struct {
+        const char* operations;
+        const char* fav1;
+    } cases[] = {
+        {"add テレビ東京", "1 1;2 2;3 3;5 5;6 4"},
+        {"add id:4 at 4", "1 1;2 2;3 3;4 4;5 5"},
+        {"add service-4 at 2", "1 1;2 4;3 2;4 3;5 5"},
+        {"remove VOX", "1 1;2 2;5 5"},
+        {"remove VOX --renumber", "1 1;2 2;3 5"},
+        {"move 3 to 1", "1 3;2 1;3 2;5 5"},
+        {"move 1 to 5", "1 2;2 3;3 5;5 1"},
+        {"move Jazz to 9", "1 1;2 2;3 3;9 5"},
+        {"hide 2", "1 1;2 2 deleted;3 3;5 5"},
+        {"hide 2 --renumber", "1 1;2 2 deleted;2 3;3 5"},
+        {"hide 2 move VOX to 2", "1 1;2 2 deleted;2 3;5 5"},
+        {"hide 2 move VOX to 2 move Jazz to 9 restore 'ZDF HD'", "1 1;2 2;3 3;9 5"},
+        {"remove 1 remove 2 remove 3 remove 5", ""},
+        {"--renumber", "1 1;2 2;3 3;4 5"},
+    };
+    const std::string before = content("set.db");
+    for (const auto& c : cases) {
+        output("edit FAV1 --dry-run " + std::string(c.operations));
+        EXPECT_EQ(content("set.db"), before) << "a dry run writes nothing";
+        const std::string table = out.substr(0, out.find("Dry run"));
+        synced();
+        output("edit FAV1 " + std::string(c.operations));
+        EXPECT_EQ(out.substr(0, out.find("Written")), table) << c.operations;
+        EXPECT_EQ(fav(1), c.fav1) << c.operations;
+        EXPECT_TRUE(synced());
+        EXPECT_NE(rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 11"), "0");
+        write("set.db", before);
+    }
+}
+
+TEST_F(ToolTest, ShowsWhatAnEditChanges) {
+    EXPECT_EQ(output("edit FAV1 add テレビ東京 at 2 remove 5 hide Das\\ Erste"),
+              "List  Change   Before  After  Name        Id\n"
+              "----  -------  ------  -----  ----------  --\n"
+              "FAV1  removed       5         Jazz         5\n"
+              "FAV1  hidden        1      1  Das Erste    1\n"
+              "FAV1  added                2  テレビ東京   4\n"
+              "FAV1  moved         2      3  ZDF HD       2\n"
+              "FAV1  moved         3      4  VOX          3\n"
+              "Written, and flushed to the disk.\n");
+    EXPECT_EQ(rows("SELECT Pid, FavTag FROM Service WHERE Pid IN (1, 4, 5)"), "1|1;4|1;5|0");
+    expect({"edit FAV1 move 3 to 9 --json", 0, "\"change\": [\n        \"moved\"\n", nullptr});
+    expect({"edit FAV1 move ZDF\\ HD to 9", 0, "Nothing to change.", nullptr});
+    expect({"edit FAV1 move ZDF\\ HD to 8", 0, "Written: no service joined or left", nullptr});
+}
+
+TEST_F(ToolTest, HidesInOtherListsAndInTheFavListsWithThem) {
+    expect({"edit all hide VOX --renumber", 0, "FAV1  moved        5      3  Jazz", nullptr});
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3 deleted;3 5");
+    EXPECT_EQ(rows("SELECT isDeleted FROM FavoriteItem WHERE FavoriteId = 1 AND ServiceId = 3"),
+              "1");
+    expect({"edit u-all restore 3", 0, "FAV2  restored", nullptr});
+    EXPECT_EQ(fav(2), "1 3");
+    expect({"edit Astra move 2 to 1", 0, "Astra  moved", nullptr});
+    EXPECT_EQ(rows("SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = 21 ORDER BY ChannelNum"),
+              "3;1");
+}
+
+TEST_F(ToolTest, KeepsTheNumbersOfOttChannelsFree) {
+    ott({4, 6});
+    output("edit FAV1 add テレビ東京 add id:6 at 2");
+    EXPECT_EQ(fav(1), "1 1;2 6;3 2;5 3;7 5;8 4");
+    expect({"edit FAV1 move VOX to 6", 1, nullptr, "number 6 of FAV1 belongs to an OTT channel"});
+    output("edit FAV1 remove 1 --renumber");
+    EXPECT_EQ(fav(1), "1 6;2 2;3 3;5 5;7 4");
+}
+
+TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
+    const Invocation runs[] = {
+        {"edit FAV1", 2, nullptr, "edit needs an operation or --renumber"},
+        {"edit FAV1 frobnicate 1", 2, nullptr, "'frobnicate' is none of add, remove"},
+        {"edit FAV1 remove", 2, nullptr, "remove needs a service"},
+        {"edit FAV1 move 1", 2, nullptr, "move needs \"to\" and a channel number"},
+        {"edit FAV1 move 1 to x", 2, nullptr, "to needs a channel number"},
+        {"edit FAV1 move 1 to 0", 2, nullptr, "channel numbers go from 1 to 2147483647"},
+        {"edit FAV1 move 1 to 2147483648", 2, nullptr, "channel numbers go from 1"},
+        {"edit all add VOX", 2, nullptr, "added to and removed from FAV1 to FAV4 only"},
+        {"edit FAV1 remove CNN", 1, nullptr, "FAV1 holds no service 'CNN'"},
+        {"edit FAV1 add VOX", 1, nullptr, "FAV1 already holds id:3 (VOX, number 3)"},
+        {"edit FAV2 add VOX", 1, nullptr, "number 1), hidden: restore it"},
+        {"edit FAV3 add 'ZDF HD'", 1, nullptr, "id:2 (ZDF HD, number 2), id:6 (ZDF HD, number 6)"},
+        {"edit nix hide 1", 1, nullptr, "no list has the uuid or name 'nix'"},
+    };
+    const std::string before = content("set.db");
+    for (const Invocation& each : runs) {
+        expect(each);
+    }
+    EXPECT_EQ(content("set.db"), before);
+    EXPECT_FALSE(synced());
+}
+
+TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
+    const struct {
+        const char* sql;
+        const char* arguments;
+        const char* err;
+    } cases[] = {
+        {"DELETE FROM FavoriteList WHERE Pid = 14", "edit FAV1 hide 1",
+         "it needs exactly four FAV lists, and the database has 3"},
+        {"UPDATE Service SET Hdtv = 'x' WHERE Pid = 5", "edit FAV1 hide 1",
+         "not all services could be read, and an edit would lose the others"},
+        {"UPDATE FavoriteItem SET ChannelNum = NULL WHERE FavoriteId = 11 AND ServiceId = 2",
+         "edit FAV1 hide 1", "id:2 (ZDF HD) has no channel number that could be written back"},
+        {"CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem BEGIN SELECT RAISE(ABORT, 'no');"
+         " END",
+         "edit FAV1 hide 1", "failed and was rolled back: nothing is written but"},
+        {"UPDATE FavoriteList SET Name = 'Mine' WHERE Pid = 12", "services Mine",
+         "several lists are called 'Mine', name one by its uuid: u-fav1, u-fav2"},
+    };
+    const std::string before = content("set.db");
+    for (const auto& c : cases) {
+        change(c.sql);
+        const std::string items = rows("SELECT * FROM FavoriteItem");
+        output(c.arguments, 1);
+        EXPECT_THAT(err, HasSubstr(c.err)) << c.sql;
+        EXPECT_EQ(rows("SELECT * FROM FavoriteItem"), items) << c.sql;
+        write("set.db", before);
+    }
+    change("INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (99, 11, 9)");
+    output("edit FAV1 hide 1");
+    EXPECT_THAT(err, HasSubstr("FAV1 holds 1 items that it cannot show; the edit drops them"));
+}
+
+}  // namespace

@@ -1,0 +1,104 @@
+// Wrong usage, and files that are no channel database.
+#include "tool_process.h"
+
+#include <fstream>
+#include <sstream>
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+constexpr const char* kCommands[] = {"folders", "services", "attributes", "edit",
+                                     "anchor",  "scramble", "biss",       "ott",
+                                     "check",   "driver",   "import",     "export"};
+
+TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
+    const std::string manual =
+        (std::ostringstream() << std::ifstream(TOOL_SOURCE "/channellist.1").rdbuf()).str();
+    EXPECT_EQ(run("--help"), 0);
+    const std::string help = out;
+    for (const std::string command : kCommands) {
+        EXPECT_EQ(run(command + " --help"), 0);
+        EXPECT_THAT(out, HasSubstr("Examples:\n  channellist " + command)) << command;
+        EXPECT_THAT(help, HasSubstr("\n  " + command + " ")) << command;
+        EXPECT_THAT(manual, HasSubstr(command)) << command;
+        EXPECT_EQ(system(("bash -c '. " TOOL_SOURCE "/channellist.bash-completion; COMP_CWORD=1;"
+                          " COMP_WORDS=(channellist " +
+                          command +
+                          "); _channellist;"
+                          " [ \"$COMPREPLY\" = " +
+                          command + " ]'")
+                             .c_str()),
+                  0)
+            << command;
+    }
+}
+
+TEST_F(ToolTest, RefusesWrongUsage) {
+    const Invocation runs[] = {
+        {"", 2, nullptr, "A subcommand is required"},
+        {"frobnicate", 2, nullptr, "required"},
+        {"services", 2, nullptr, "LIST is required"},
+        {"folders more", 2, nullptr, "more"},
+        {"folders --trace loud", 2, nullptr, "'loud' is not [MODULE:]LEVEL"},
+        {"driver a b c", 2, nullptr, "c"},
+        {"import list", 2, nullptr, "import needs the name of the database to make"},
+        {"import list --list FAV1", 2, nullptr, "--list requires --favourites"},
+    };
+    for (const Invocation& each : runs) {
+        expect(each);
+    }
+}
+
+TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
+    write("empty.db", "");
+    write("text.db", "this is no database, but a text that is long enough to look at\n");
+    std::filesystem::create_directory(folder / "directory.db");
+    std::filesystem::copy(folder / "set.db", folder / "foreign.db");
+    const std::string foreign = (folder / "foreign.db").string();
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(foreign.c_str(), &connection), SQLITE_OK);
+    for (const char* table : {"Service", "FavoriteList", "FavoriteItem"}) {
+        sqlite3_exec(connection, (std::string("DROP TABLE ") + table).c_str(), nullptr, nullptr,
+                     nullptr);
+    }
+    sqlite3_close(connection);
+    const struct {
+        const char* file;
+        const char* sentence;
+    } cases[] = {
+        {"missing.db", "there is no database missing.db"},
+        {"empty.db", "empty.db is empty: it holds no channel database"},
+        {"text.db", "text.db is no SQLite database"},
+        {"directory.db", "directory.db is a directory, not a database"},
+        {"foreign.db", "but no channel database: it has none of the tables Service"},
+        {"set.db/set.db", "cannot open set.db/set.db: Not a directory"},
+    };
+    for (const auto& c : cases) {
+        const std::string before = content(c.file);
+        for (const char* command :
+             {"folders", "services FAV1", "attributes FAV1", "anchor", "scramble", "biss x",
+              "driver", "check", "export FAV1", "edit FAV1 hide 1", "edit FAV1 hide 1 --dry-run"}) {
+            EXPECT_EQ(run(std::string(command) + " --db " + c.file), 1) << command << c.file;
+            EXPECT_EQ(out, "");
+            EXPECT_THAT(err, HasSubstr("channellist: ")) << command;
+            EXPECT_THAT(err, HasSubstr(c.sentence)) << command;
+        }
+        EXPECT_EQ(content(c.file), before);
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "missing.db"));
+}
+
+TEST_F(ToolTest, SaysThatADatabaseIsLocked) {
+    channel_database::ChannelDatabase other((folder / "set.db").string());
+    other.rows("BEGIN EXCLUSIVE");
+    expect({"folders", 1, nullptr, "channellist: set.db is locked by another process\n"});
+}
+
+TEST_F(ToolTest, ReportsWhenItsOutputCannotBeWritten) {
+    EXPECT_EQ(run("services all --db set.db >/dev/full 2>err; exit $?; :"), 1);
+    EXPECT_EQ(err, "channellist: the output could not be written\n");
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+// Runs the tool as its user does, in a folder and home directory of the test's own, on a small
+// database with something of everything.
+#pragma once
+
+#include <channel-database/builder.h>
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// One run of a table.
+struct Invocation {
+    const char* arguments;
+    int code;
+    const char* out;  // part of what it writes; null when it must write nothing
+    const char* err;
+};
+
+class ToolTest : public testing::Test {
+  protected:
+    // The database, "set.db":
+    //
+    //   all    1 Das Erste (1)  2 ZDF HD (2)  3 VOX (3, scrambled)  4 テレビ東京 (4, locked)
+    //          5 Jazz (5, radio, hidden)  6 ZDF HD (6, cable)
+    //   FAV1   1 Das Erste  2 ZDF HD (2)  3 VOX  5 Jazz;  FAV2   1 VOX, deleted
+    //   av     1 HDMI 1 (7);  Astra  1 Das Erste, 2 VOX
+    ToolTest();
+    ~ToolTest() override { std::filesystem::remove_all(folder); }
+
+    // Runs "channellist ARGUMENTS" in the folder, with `settings` in front ("HOME=x --"); gives
+    // the exit code. `out` and `err` become what it wrote.
+    int run(const std::string& arguments, const std::string& settings = "");
+    // As run, with "--db set.db"; fails the test when the exit code is another.
+    std::string output(const std::string& arguments, int code = 0);
+
+    // As output, held against the expectation.
+    void expect(const Invocation& expected);
+
+    // Runs SQL on the database.
+    void change(const std::string& sql);
+    // Rows of the database, "a|b;c|d".
+    std::string rows(const std::string& sql, const std::string& file = "set.db");
+    std::string fav(int index);  // "number service deleted;..." of the list
+    void write(const std::string& file, const std::string& text);
+    // Makes an OTT database that holds these positions of FAV1.
+    void ott(std::initializer_list<channel_database::Id> positions);
+    std::string content(const std::string& file);
+    bool synced();  // whether "sync" ran
+
+    std::filesystem::path folder;
+    std::string out, err;
+};

@@ -1,0 +1,199 @@
+// Asks the library to convert every row that it would deliver, and says why one does not convert.
+#include <channellist-access/db_access.h>
+
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+#include <map>
+
+#include "check/finding.h"
+#include "database/list_naming.h"
+#include "database/query.h"
+
+namespace tool {
+namespace {
+
+enum class Owner { Service, Item, Derived };
+
+struct RawColumn {
+    const char* name;    // in FavoriteItemView
+    Owner owner;         // whose column it is
+    const char* stored;  // its name there
+};
+
+// The columns of a raw service row, in their order.
+constexpr RawColumn kColumns[] = {
+    {"Pid", Owner::Service, "Pid"},
+    {"ChannelNum", Owner::Item, "ChannelNum"},
+    {"InternalName", Owner::Derived, ""},
+    {"ExternalName", Owner::Derived, ""},
+    {"FIVisible", Owner::Item, "Visible"},
+    {"FISelectable", Owner::Item, "Selectable"},
+    {"NetworkId", Owner::Derived, ""},
+    {"Uuid", Owner::Service, "Uuid"},
+    {"Uri", Owner::Derived, ""},
+    {"Encrypted", Owner::Service, "Encrypted"},
+    {"MediaType", Owner::Service, "MediaType"},
+    {"ParentalLock", Owner::Service, "ParentalLock"},
+    {"SVisible", Owner::Service, "Visible"},
+    {"SSelectable", Owner::Service, "Selectable"},
+    {"EpgService", Owner::Service, "EpgService"},
+    {"EngineAutoStart", Owner::Service, "EngineAutoStart"},
+    {"VolumeCorrection", Owner::Service, "VolumeCorrection"},
+    {"SoundSelection", Owner::Service, "SoundSelection"},
+    {"GamingMode", Owner::Service, "GamingMode"},
+    {"Hdtv", Owner::Service, "Hdtv"},
+    {"TtxPreviewPage", Owner::Service, "TtxPreviewPage (AnalogService or DvbService)"},
+    {"TtxSubtitlePage", Owner::Service, "TtxSubtitlePage (AnalogService or DvbService)"},
+    {"TtxCharEnc", Owner::Service, "TtxCharEnc (AnalogService or DvbService)"},
+    {"Protected", Owner::Service, "Protected"},
+    {"TunerUuid", Owner::Derived, ""},
+    {"isDeleted", Owner::Item, "isDeleted"},
+    {"FavTag", Owner::Service, "FavTag"},
+    {"FavTag2", Owner::Service, "FavTag2"},
+    {"FavTag3", Owner::Service, "FavTag3"},
+    {"FavTag4", Owner::Service, "FavTag4"},
+    {"HbbTvEnable", Owner::Service, "HbbtvEnable"},
+    {"Type", Owner::Service, "Type"},
+    {"Lcn", Owner::Derived, ""},
+    {"NITId", Owner::Derived, ""},
+};
+constexpr std::size_t kPid = 0, kChannelNum = 1, kInternalName = 2, kExternalName = 3, kUuid = 7,
+                      kType = 31;
+
+bool converts(const ResultRow& row) {
+    try {
+        dbaccess::fetchServiceItem(row);
+        return true;
+    } catch (const boost::bad_lexical_cast&) {
+        return false;
+    }
+}
+
+// Whether the column alone would stop the row. The names that make it an input stay, because an
+// input needs fewer columns.
+bool stops(const ResultRow& row, std::size_t column) {
+    ResultRow probe(row.size(), "0");
+    for (const std::size_t kept : {kInternalName, kUuid, column}) {
+        probe[kept] = row[kept];
+    }
+    return !converts(probe);
+}
+
+std::string itemIds(const List& list, const std::string& servicePid) {
+    Query ids(db,
+              "SELECT group_concat(Id, ', ') FROM FavoriteItem"
+              " WHERE FavoriteId = ? AND ServiceId = CAST(? AS INTEGER)");
+    ids.bind(std::int64_t{list.pid}).bind(servicePid).next();
+    return ids.text(0);
+}
+
+// A service stands in many lists: one finding names them all.
+class ServiceFindings {
+  public:
+    void add(const Finding& finding, const List& list, const ResultRow& row) {
+        const auto [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
+        if (isNew) {
+            findings_.push_back(finding);
+        }
+        findings_[known->second].viewer +=
+            (isNew ? " " : ", ") + displayName(list) + " (number " + row[kChannelNum] + ")";
+    }
+    const Findings& findings() const { return findings_; }
+
+  private:
+    Findings findings_;
+    std::map<std::string, std::size_t> known_;
+};
+
+std::string quotedValue(const Query& rows, std::size_t column) {
+    const int index = static_cast<int>(column);
+    return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
+}
+
+void explainStop(const List& list, const Query& rows, const ResultRow& row,
+                 ServiceFindings& findings) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        const RawColumn& column = kColumns[i];
+        if (column.owner == Owner::Derived || !stops(row, i)) {
+            continue;
+        }
+        const std::string name = column.owner == Owner::Item
+                                     ? "FavoriteItem " + itemIds(list, row[kPid])
+                                     : "Service " + row[kPid];
+        findings.add({"unreadable-number", name,
+                      std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
+                      "the set stops reading in front of " + row[kExternalName] + ", in"},
+                     list, row);
+    }
+}
+
+void checkLocator(const List& list, const ResultRow& row, ServiceFindings& findings) {
+    const bool unknownType = sv.locator == "about:blank";
+    if (sv.locator.empty() || unknownType) {
+        findings.add({"no-locator", "Service " + row[kPid],
+                      unknownType ? "Type " + row[kType] + " is no kind of delivery"
+                                  : "the tuning URI is null: a tuner or delivery row is missing, or"
+                                    " holds NULL",
+                      row[kExternalName] + " is shown, but cannot be tuned, in"},
+                     list, row);
+    }
+}
+
+std::string serviceQuery() {
+    std::string sql = "SELECT ";
+    for (const RawColumn& column : kColumns) {
+        sql += (&column == kColumns ? "" : ",") + std::string(column.name);
+    }
+    return sql + " FROM FavoriteItemView WHERE FavoriteId = ? ORDER BY ChannelNum";
+}
+
+void checkServices(Findings& findings) {
+    dbaccess::initViews(db);
+    Query rows(db, serviceQuery());
+    ServiceFindings found;
+    for (const List& list : allLists()) {
+        rows.reset();
+        rows.bind(std::int64_t{list.pid});
+        while (rows.next()) {
+            ResultRow row;
+            for (int i = 0; i < rows.columns(); ++i) {
+                row.push_back(rows.text(i));
+            }
+            if (converts(row)) {
+                checkLocator(list, row, found);
+            } else {
+                explainStop(list, rows, row, found);
+            }
+        }
+    }
+    findings.insert(findings.end(), found.findings().begin(), found.findings().end());
+}
+
+void checkFolders(Findings& findings) {
+    Query rows(db,
+               "SELECT Pid, Uuid, Name, Creator, Attributes, NetworkId, UpdateTag"
+               " FROM FavoriteList");
+    while (rows.next()) {
+        ResultRow row;
+        for (int i = 0; i < rows.columns(); ++i) {
+            row.push_back(rows.text(i));
+        }
+        ResultSet converted;
+        try {
+            dbaccess::computeFolder(rows.columns(), row, &converted);
+        } catch (const boost::bad_lexical_cast&) {
+            findings.push_back({"unreadable-number", "FavoriteList " + row[0],
+                                "Attributes is " + quotedValue(rows, 4) + ", no number",
+                                "the set's overview of lists ends in front of " + row[2]});
+        }
+    }
+}
+
+}  // namespace
+
+void checkConversion(Findings& findings) {
+    for (const auto check : {checkFolders, checkServices}) {
+        examine("unreadable-number", findings, [&] { check(findings); });
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,45 @@
+// channellist anchor
+#include <channellist-access/db_access.h>
+
+#include <iostream>
+
+#include "commands/command.h"
+#include "output/json_text.h"
+#include "output/text_table.h"
+
+namespace tool {
+namespace {
+
+int run(const std::string& database, bool json) {
+    const Session session(database);
+    std::string uuid;
+    const int code = dbaccess::getAstraAnchorService(uuid);
+    if (json) {
+        printJson({{"uuid", code == 0 ? Json(uuid) : Json(nullptr)}});
+    } else if (code == 0) {
+        std::cout << displayText(uuid) << "\n";
+    }
+    if (code != 0) {
+        throw Failure("no list of Astra 19.2E holds an anchor service");
+    }
+    return kSuccess;
+}
+
+}  // namespace
+
+void addAnchorCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command =
+        app.add_subcommand("anchor", "The uuid of the anchor service of the Astra 19.2E list");
+    auto json = std::make_shared<bool>(false);
+    addJsonOption(*command, *json);
+    command->footer(
+        "The operator's list comes before the standard one. The anchor is the first service there\n"
+        "that is not deleted and is received on satellite 4 between 12600750 and 12606750 kHz.\n"
+        "Examples:\n"
+        "  channellist anchor\n"
+        "  channellist anchor --trace 4000");
+    command->callback(
+        [&line, json] { line.run = [&line, json] { return run(line.database, *json); }; });
+}
+
+}  // namespace tool

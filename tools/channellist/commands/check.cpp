@@ -1,0 +1,80 @@
+// channellist check
+#include <iostream>
+#include <map>
+
+#include "check/finding.h"
+#include "commands/command.h"
+#include "output/json_text.h"
+#include "output/text_table.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+    bool json = false;
+    bool all = false;
+};
+
+void print(const Findings& findings, bool all) {
+    constexpr int kShown = 20;  // of a rule
+    std::map<std::string, int> counts;
+    for (const Finding& finding : findings) {
+        if (++counts[finding.rule] <= kShown || all) {
+            std::cout << displayText(finding.row) << ": " << displayText(finding.what) << "\n    "
+                      << displayText(finding.viewer) << "\n";
+        }
+    }
+    for (const auto& [rule, count] : counts) {
+        if (count > kShown && !all) {
+            std::cout << "and " << count - kShown << " more of " << rule << ", which --all shows\n";
+        }
+    }
+}
+
+void printObjects(const Findings& findings) {
+    Json list = Json::array();
+    for (const Finding& finding : findings) {
+        list.push_back({{"rule", finding.rule},
+                        {"row", finding.row},
+                        {"what", finding.what},
+                        {"viewer", finding.viewer}});
+    }
+    printJson(list);
+}
+
+int run(const std::string& database, const Options& options) {
+    const Session session(database);
+    Findings findings;
+    for (const auto check : {checkSchema, checkRows, checkConversion}) {
+        check(findings);
+    }
+    if (options.json) {
+        printObjects(findings);
+    } else {
+        print(findings, options.all);
+        std::cout << (findings.empty() ? "No findings."
+                                       : std::to_string(findings.size()) +
+                                             (findings.size() == 1 ? " finding." : " findings."))
+                  << "\n";
+    }
+    return findings.empty() ? kSuccess : kFailure;
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command = app.add_subcommand(
+        "check", "Looks for what is wrong in a database, and what a viewer sees of it");
+    auto options = std::make_shared<Options>();
+    addJsonOption(*command, options->json);
+    command->add_flag("--all", options->all, "print every finding, however many a rule has");
+    command->footer(
+        "It writes nothing. The exit code is 1 when something is found.\n"
+        "Examples:\n"
+        "  channellist check\n"
+        "  channellist check --db copy-of-servicelist.db --json | jq '.[].row'");
+    command->callback(
+        [&line, options] { line.run = [&line, options] { return run(line.database, *options); }; });
+}
+
+}  // namespace tool

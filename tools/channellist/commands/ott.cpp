@@ -1,0 +1,62 @@
+// channellist ott
+#include <channellist-access/db_access.h>
+
+#include <iostream>
+
+#include "commands/command.h"
+#include "output/json_text.h"
+#include "output/text_table.h"
+#include "services/ott_numbers.h"
+#include "services/service_words.h"
+
+namespace tool {
+namespace {
+
+std::string texts(const std::vector<unsigned int>& numbers) {
+    std::vector<std::string> words;
+    for (const unsigned int number : numbers) {
+        words.push_back(std::to_string(number));
+    }
+    return joined(words, " ");
+}
+
+int run(bool json) {
+    const OttSession session;
+    if (session.path().empty()) {
+        throw Failure("HOME is not set, and the OTT database lies there");
+    }
+    if (!session.exists()) {
+        throw Failure("there is no OTT database " + session.path());
+    }
+    TextTable table({{"List"}, {"Positions of OTT channels"}});
+    Json object;
+    for (int index = 1; index <= 4; ++index) {
+        const std::string name = "FAV" + std::to_string(index);
+        const std::vector<unsigned int> numbers = ottNumbers(index);
+        object[name] = numbers;
+        table.add({name, texts(numbers)});
+    }
+    if (json) {
+        printJson(object);
+    } else {
+        table.print(std::cout);
+    }
+    return kSuccess;
+}
+
+}  // namespace
+
+void addOttCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command =
+        app.add_subcommand("ott", "The positions that OTT channels hold in FAV1 to FAV4");
+    auto json = std::make_shared<bool>(false);
+    addJsonOption(*command, *json);
+    command->footer(
+        "They stand in a database of their own, zentova_DB_V1.3.db in the home directory.\n"
+        "Examples:\n"
+        "  channellist ott\n"
+        "  HOME=/home/tv channellist ott --json");
+    command->callback([&line, json] { line.run = [json] { return run(*json); }; });
+}
+
+}  // namespace tool

@@ -1,0 +1,42 @@
+// channellist scramble
+#include <channellist-access/db_access.h>
+
+#include <iostream>
+
+#include "commands/command.h"
+#include "output/json_text.h"
+
+namespace tool {
+namespace {
+
+int run(const std::string& database, bool json) {
+    const Session session(database);
+    int exists = 0;
+    if (dbaccess::checkAstraScrambleService(exists) != 0) {
+        throw Failure("no list of Astra 19.2E holds an anchor service, so none is looked at");
+    }
+    if (json) {
+        printJson({{"scrambled", exists != 0}});
+    } else {
+        std::cout << (exists != 0 ? "yes: the list of Astra 19.2E holds a scrambled service\n"
+                                  : "no: the list of Astra 19.2E holds no scrambled service\n");
+    }
+    return kSuccess;
+}
+
+}  // namespace
+
+void addScrambleCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* command = app.add_subcommand(
+        "scramble", "Whether the Astra 19.2E list with the anchor holds a scrambled service");
+    auto json = std::make_shared<bool>(false);
+    addJsonOption(*command, *json);
+    command->footer(
+        "Examples:\n"
+        "  channellist scramble\n"
+        "  channellist scramble --json | jq .scrambled");
+    command->callback(
+        [&line, json] { line.run = [&line, json] { return run(line.database, *json); }; });
+}
+
+}  // namespace tool

@@ -1,0 +1,23 @@
+#include "edit/reserved_numbers.h"
+
+#include <iostream>
+
+#include "failure.h"
+#include "services/ott_numbers.h"
+
+namespace tool {
+
+std::set<std::int64_t> reservedNumbers(const List& list) {
+    if (list.favIndex < 1 || list.favIndex > 4) {
+        return {};
+    }
+    try {
+        const std::vector<unsigned int> numbers = ottNumbers(list.favIndex);
+        return std::set<std::int64_t>(numbers.begin(), numbers.end());
+    } catch (const Failure& failure) {
+        std::cerr << "channellist: " << failure.what() << "; no number is kept free for it\n";
+        return {};
+    }
+}
+
+}  // namespace tool
