@@ -25,7 +25,7 @@ inline bool copyRawRow(int count, char** values, ResultRow& row) noexcept {
 // An empty result row with room for `count` columns. Null when memory runs out.
 inline boost::shared_ptr<ResultRow> newResultRow(std::size_t count) noexcept {
     try {
-        auto const row = boost::make_shared<ResultRow>();
+        auto row = boost::make_shared<ResultRow>();
         row->reserve(count);
         return row;
     } catch (std::exception const&) {
