@@ -3,7 +3,9 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 
@@ -27,19 +29,19 @@ int run(const std::string& database, bool json) {
 
 }  // namespace
 
-void addAnchorCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("anchor", "The uuid of the anchor service of the Astra 19.2E list");
-    auto json = std::make_shared<bool>(false);
-    addJsonOption(*command, *json);
-    command->footer(
-        "The operator's list comes before the standard one. The anchor is the first service there\n"
-        "that is not deleted and is received on satellite 4 between 12600750 and 12606750 kHz.\n"
-        "Examples:\n"
-        "  channellist anchor\n"
-        "  channellist anchor --trace 4000");
-    command->callback(
-        [&line, json] { line.run = [&line, json] { return run(line.database, *json); }; });
+void addAnchorCommand(CommandLine& line) {
+    auto json = std::make_shared<bool>();
+    line.add("anchor", "The uuid of the anchor service of the Astra 19.2E list")
+        .json(*json)
+        .footer(
+            "The operator's list comes before the standard one. The anchor is the first service "
+            "there\n"
+            "that is not deleted and is received on satellite 4 between 12600750 and 12606750 "
+            "kHz.\n"
+            "Examples:\n"
+            "  channellist anchor\n"
+            "  channellist anchor --trace 4000")
+        .action([json](const std::string& database) { return run(database, *json); });
 }
 
 }  // namespace tool

@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
 #include "database/list_naming.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "services/service_reader.h"
@@ -13,6 +15,11 @@
 
 namespace tool {
 namespace {
+
+struct Options {
+    std::string list;
+    bool json = false;
+};
 
 constexpr unsigned int kOrderByMediaType = 0x200;
 
@@ -42,9 +49,9 @@ std::string capabilityOf(const List& list) {
     return "";
 }
 
-int run(const std::string& database, const std::string& word, bool json) {
+int run(const std::string& database, const Options& options) {
     const Session session(database);
-    const List list = findList(word);
+    const List list = findList(options.list);
     unsigned int attributes = 0;
     if (dbaccess::getFavriteAttributes(list.uuid, &attributes) != 0) {
         throw Failure("the attributes of " + displayName(list) +
@@ -53,7 +60,7 @@ int run(const std::string& database, const std::string& word, bool json) {
     const char* const order =
         (attributes & kOrderByMediaType) != 0 ? "media type, number" : "number";
     const std::string capability = capabilityOf(list);
-    if (json) {
+    if (options.json) {
         printJson({{"name", displayName(list)},
                    {"uuid", list.uuid},
                    {"attributes", attributes},
@@ -78,22 +85,19 @@ int run(const std::string& database, const std::string& word, bool json) {
 
 }  // namespace
 
-void addAttributesCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("attributes", "The attribute word of a list, and what follows from it");
-    auto list = std::make_shared<std::string>();
-    auto json = std::make_shared<bool>(false);
-    command->add_option("LIST", *list, "uuid, or a name that only one list has")->required();
-    addJsonOption(*command, *json);
-    command->footer(
-        "The folder word holds the attributes in its upper half and the kind of the list, by its\n"
-        "creator, in its lower half.\n"
-        "Examples:\n"
-        "  channellist attributes FAV1\n"
-        "  channellist attributes 'Astra 19.2°E' --json");
-    command->callback([&line, list, json] {
-        line.run = [&line, list, json] { return run(line.database, *list, *json); };
-    });
+void addAttributesCommand(CommandLine& line) {
+    auto options = std::make_shared<Options>();
+    line.add("attributes", "The attribute word of a list, and what follows from it")
+        .argument("LIST", options->list, "uuid, or a name that only one list has")
+        .json(options->json)
+        .footer(
+            "The folder word holds the attributes in its upper half and the kind of the list, by "
+            "its\n"
+            "creator, in its lower half.\n"
+            "Examples:\n"
+            "  channellist attributes FAV1\n"
+            "  channellist attributes 'Astra 19.2°E' --json")
+        .action([options](const std::string& database) { return run(database, *options); });
 }
 
 }  // namespace tool

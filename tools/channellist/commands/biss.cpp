@@ -3,15 +3,22 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
 #include "database/list_naming.h"
 #include "database/query.h"
+#include "database/session.h"
 #include "edit/operations.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 
 namespace tool {
 namespace {
+
+struct Options {
+    std::string service;
+    bool json = false;
+};
 
 std::string uuidOf(const std::string& service) {
     Query query(db, "SELECT count(*) FROM Service WHERE Uuid = ?");
@@ -23,12 +30,12 @@ std::string uuidOf(const std::string& service) {
     return all[findEntry(all, service, "the list of all services")].uuid;
 }
 
-int run(const std::string& database, const std::string& service, bool json) {
+int run(const std::string& database, const Options& options) {
     const Session session(database);
-    const std::string uuid = uuidOf(service);
+    const std::string uuid = uuidOf(options.service);
     const std::string key = dbaccess::getBissKeyFromService(uuid);
     const bool found = key != "NULL";
-    if (json) {
+    if (options.json) {
         printJson({{"uuid", uuid}, {"bissKey", found ? Json(key) : Json(nullptr)}});
     } else if (found) {
         std::cout << displayText(key) << "\n";
@@ -41,22 +48,17 @@ int run(const std::string& database, const std::string& service, bool json) {
 
 }  // namespace
 
-void addBissCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command = app.add_subcommand("biss", "The BISS key stored with a service");
-    auto service = std::make_shared<std::string>();
-    auto json = std::make_shared<bool>(false);
-    command
-        ->add_option("SERVICE", *service,
-                     "uuid, or the name, number or id:N of a service in the list of all services")
-        ->required();
-    addJsonOption(*command, *json);
-    command->footer(
-        "Examples:\n"
-        "  channellist biss S19.2E-1-1019-10302\n"
-        "  channellist biss 'arte HD'");
-    command->callback([&line, service, json] {
-        line.run = [&line, service, json] { return run(line.database, *service, *json); };
-    });
+void addBissCommand(CommandLine& line) {
+    auto options = std::make_shared<Options>();
+    line.add("biss", "The BISS key stored with a service")
+        .argument("SERVICE", options->service,
+                  "uuid, or the name, number or id:N of a service in the list of all services")
+        .json(options->json)
+        .footer(
+            "Examples:\n"
+            "  channellist biss S19.2E-1-1019-10302\n"
+            "  channellist biss 'arte HD'")
+        .action([options](const std::string& database) { return run(database, *options); });
 }
 
 }  // namespace tool

@@ -3,7 +3,9 @@
 #include <map>
 
 #include "check/finding.h"
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 
@@ -62,19 +64,17 @@ int run(const std::string& database, const Options& options) {
 
 }  // namespace
 
-void addCheckCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command = app.add_subcommand(
-        "check", "Looks for what is wrong in a database, and what a viewer sees of it");
+void addCheckCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
-    addJsonOption(*command, options->json);
-    command->add_flag("--all", options->all, "print every finding, however many a rule has");
-    command->footer(
-        "It writes nothing. The exit code is 1 when something is found.\n"
-        "Examples:\n"
-        "  channellist check\n"
-        "  channellist check --db copy-of-servicelist.db --json | jq '.[].row'");
-    command->callback(
-        [&line, options] { line.run = [&line, options] { return run(line.database, *options); }; });
+    line.add("check", "Looks for what is wrong in a database, and what a viewer sees of it")
+        .json(options->json)
+        .flag("--all", options->all, "print every finding, however many a rule has")
+        .footer(
+            "It writes nothing. The exit code is 1 when something is found.\n"
+            "Examples:\n"
+            "  channellist check\n"
+            "  channellist check --db copy-of-servicelist.db --json | jq '.[].row'")
+        .action([options](const std::string& database) { return run(database, *options); });
 }
 
 }  // namespace tool

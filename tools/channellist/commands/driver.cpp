@@ -1,7 +1,9 @@
 // channellist driver UUID UUID
 #include <channellist-access/db_access.h>
 
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
 
 namespace tool {
 namespace {
@@ -20,17 +22,15 @@ int run(const std::string& database, std::vector<std::string> uuids) {
 
 }  // namespace
 
-void addDriverCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command = app.add_subcommand(
-        "driver", "The library's own driver: prints the lists, reads the services of two");
+void addDriverCommand(CommandLine& line) {
     auto uuids = std::make_shared<std::vector<std::string>>();
-    command->add_option("UUID", *uuids, "uuids of up to two lists")->expected(0, 2);
-    command->footer(
-        "Examples:\n"
-        "  channellist driver fav1 all\n"
-        "  channellist driver fav1 all --trace all");
-    command->callback(
-        [&line, uuids] { line.run = [&line, uuids] { return run(line.database, *uuids); }; });
+    line.add("driver", "The library's own driver: prints the lists, reads the services of two")
+        .arguments("UUID", *uuids, 0, 2, "uuids of up to two lists")
+        .footer(
+            "Examples:\n"
+            "  channellist driver fav1 all\n"
+            "  channellist driver fav1 all --trace all")
+        .action([uuids](const std::string& database) { return run(database, *uuids); });
 }
 
 }  // namespace tool

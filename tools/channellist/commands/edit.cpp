@@ -3,13 +3,15 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
 #include "database/list_naming.h"
 #include "database/query.h"
+#include "database/session.h"
 #include "edit/difference.h"
 #include "edit/operations.h"
 #include "edit/request.h"
 #include "edit/reserved_numbers.h"
+#include "failure.h"
 
 namespace tool {
 namespace {
@@ -117,31 +119,29 @@ int run(const std::string& database, const Options& options) {
 
 }  // namespace
 
-void addEditCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command = app.add_subcommand("edit", "Changes a list");
+void addEditCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
-    command->add_option("LIST", options->list, "uuid, or a name that only one list has")
-        ->required();
-    command->add_option("OPERATION", options->words,
-                        "add SERVICE [at NUMBER] | remove SERVICE | move SERVICE to NUMBER |"
-                        " hide SERVICE | restore SERVICE, one after the other; a SERVICE is its"
-                        " channel number, its name or uuid, or id:N for the database key");
-    command->add_flag("-n,--dry-run", options->dryRun,
-                      "edit a copy in memory, and show what would change");
-    command->add_flag("--renumber", options->renumber,
-                      "close the gaps: in this list when it is FAV1 to FAV4, else in those that"
-                      " hold a service that is hidden or restored");
-    addJsonOption(*command, options->json);
-    command->footer(
-        "add takes services of the list of all services; add and remove work on FAV1 to FAV4.\n"
-        "hide keeps the entry and marks it deleted. In other lists it hides the service in\n"
-        "FAV1 to FAV4 too.\n"
-        "Examples:\n"
-        "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
-        "  channellist edit FAV2 move 7 to 1 --renumber\n"
-        "  channellist edit all hide id:21 --renumber");
-    command->callback(
-        [&line, options] { line.run = [&line, options] { return run(line.database, *options); }; });
+    line.add("edit", "Changes a list")
+        .argument("LIST", options->list, "uuid, or a name that only one list has")
+        .arguments("OPERATION", options->words, 0, kAnyNumber, "what to do, see below")
+        .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")
+        .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
+        .json(options->json)
+        .footer(
+            "Operations, done one after the other:\n"
+            "  add SERVICE [at NUMBER]  to FAV1 to FAV4, from the list of all services\n"
+            "  remove SERVICE           from FAV1 to FAV4\n"
+            "  move SERVICE to NUMBER   those between the old and the new number close up\n"
+            "  hide SERVICE             marks it deleted; in other lists, in FAV1 to FAV4 too\n"
+            "  restore SERVICE          takes the mark off\n"
+            "A SERVICE is its channel number in the list, its name or uuid, or id:N for the\n"
+            "database key. --renumber closes the gaps in the list when it is FAV1 to FAV4, else\n"
+            "in those of them that hold a service that is hidden or restored.\n\n"
+            "Examples:\n"
+            "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
+            "  channellist edit FAV2 move 7 to 1 --renumber\n"
+            "  channellist edit all hide id:21 --renumber")
+        .action([options](const std::string& database) { return run(database, *options); });
 }
 
 }  // namespace tool

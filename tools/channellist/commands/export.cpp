@@ -4,9 +4,11 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
 #include "database/list_naming.h"
 #include "database/query.h"
+#include "database/session.h"
+#include "failure.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 
@@ -66,19 +68,17 @@ int run(const std::string& database, const std::vector<std::string>& words) {
 
 }  // namespace
 
-void addExportCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("export", "Prints lists as a VDR channel list, one group a list");
+void addExportCommand(CommandLine& line) {
     auto lists = std::make_shared<std::vector<std::string>>();
-    command->add_option("LIST", *lists, "uuids, or names that only one list has")->required();
-    command->footer(
-        "The database keeps no pids and no access systems: TV services get the video pid 8191\n"
-        "(none), scrambled ones the access id FFFF.\n"
-        "Examples:\n"
-        "  channellist export FAV1 FAV2 FAV3 FAV4 > favourites.conf\n"
-        "  channellist export all > channels.conf");
-    command->callback(
-        [&line, lists] { line.run = [&line, lists] { return run(line.database, *lists); }; });
+    line.add("export", "Prints lists as a VDR channel list, one group a list")
+        .arguments("LIST", *lists, 1, kAnyNumber, "uuids, or names that only one list has")
+        .footer(
+            "The database keeps no pids and no access systems: TV services get the video pid 8191\n"
+            "(none), scrambled ones the access id FFFF.\n"
+            "Examples:\n"
+            "  channellist export FAV1 FAV2 FAV3 FAV4 > favourites.conf\n"
+            "  channellist export all > channels.conf")
+        .action([lists](const std::string& database) { return run(database, *lists); });
 }
 
 }  // namespace tool

@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "services/service_reader.h"
@@ -81,18 +83,17 @@ int run(const std::string& database, const Format& format) {
 
 }  // namespace
 
-void addFoldersCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("folders", "The lists that a viewer can browse, in the set's order");
+void addFoldersCommand(CommandLine& line) {
     auto format = std::make_shared<Format>();
-    addFormatOptions(*command, *format);
-    command->footer(
-        "Examples:\n"
-        "  channellist folders\n"
-        "  channellist folders --json | jq '.[].name'\n"
-        "  channellist folders --raw --db copy-of-servicelist.db");
-    command->callback(
-        [&line, format] { line.run = [&line, format] { return run(line.database, *format); }; });
+    line.add("folders", "The lists that a viewer can browse, in the set's order")
+        .json(format->json)
+        .flag("--raw", format->raw, kRawHelp)
+        .footer(
+            "Examples:\n"
+            "  channellist folders\n"
+            "  channellist folders --json | jq '.[].name'\n"
+            "  channellist folders --raw --db copy-of-servicelist.db")
+        .action([format](const std::string& database) { return run(database, *format); });
 }
 
 }  // namespace tool

@@ -4,10 +4,12 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
 #include "edit/difference.h"
 #include "edit/favourites.h"
 #include "edit/request.h"
+#include "failure.h"
 
 namespace tool {
 namespace {
@@ -96,31 +98,28 @@ int run(const std::string& setDatabase, Options options) {
 
 }  // namespace
 
-void addImportCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("import", "Makes a channel database from a VDR channel list");
+void addImportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
-    command->add_option("CHANNELS.CONF", options->list, "the channel list")->required();
-    command->add_option("DATABASE", options->database,
-                        "the database to make; with --favourites the one to write to, by default"
-                        " that of --db");
-    command->add_flag("--force", options->force, "replace an existing database");
-    auto* favourites =
-        command->add_flag("--favourites", options->favourites,
-                          "write FAV1 to FAV4 of an existing database from the groups of these"
-                          " names, finding each channel by its DVB triplet");
-    command->add_option("--list", options->favList, "write all channels to this FAV list")
-        ->needs(favourites);
-    command->add_flag("-n,--dry-run", options->dryRun, "show what --favourites would change")
-        ->needs(favourites);
-    command->footer(
-        "Lines that cannot be read are named and skipped.\n"
-        "Examples:\n"
-        "  channellist import channels.conf servicelist.db\n"
-        "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"
-        "  channellist import --favourites sports.conf --list FAV3");
-    command->callback(
-        [&line, options] { line.run = [&line, options] { return run(line.database, *options); }; });
+    line.add("import", "Makes a channel database from a VDR channel list")
+        .argument("CHANNELS.CONF", options->list, "the channel list")
+        .optionalArgument("DATABASE", options->database,
+                          "the database to make, or to write favourites to")
+        .flag("--force", options->force, "replace an existing database")
+        .flag("--favourites", options->favourites,
+              "write FAV1 to FAV4 from the groups of these names")
+        .option("--list", options->favList, "write all channels to this FAV list")
+        .needs("--list", "--favourites")
+        .flag("-n,--dry-run", options->dryRun, "show what --favourites would change")
+        .needs("--dry-run", "--favourites")
+        .footer(
+            "Lines that cannot be read are named and skipped. --favourites writes to an existing\n"
+            "database, that of --db when none is named, and finds each channel there by its DVB\n"
+            "triplet: original network, transport stream and service id.\n\n"
+            "Examples:\n"
+            "  channellist import channels.conf servicelist.db\n"
+            "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"
+            "  channellist import --favourites sports.conf --list FAV3")
+        .action([options](const std::string& database) { return run(database, *options); });
 }
 
 }  // namespace tool

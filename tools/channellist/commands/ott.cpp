@@ -3,7 +3,9 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "services/ott_numbers.h"
@@ -46,17 +48,16 @@ int run(bool json) {
 
 }  // namespace
 
-void addOttCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("ott", "The positions that OTT channels hold in FAV1 to FAV4");
-    auto json = std::make_shared<bool>(false);
-    addJsonOption(*command, *json);
-    command->footer(
-        "They stand in a database of their own, zentova_DB_V1.3.db in the home directory.\n"
-        "Examples:\n"
-        "  channellist ott\n"
-        "  HOME=/home/tv channellist ott --json");
-    command->callback([&line, json] { line.run = [json] { return run(*json); }; });
+void addOttCommand(CommandLine& line) {
+    auto json = std::make_shared<bool>();
+    line.add("ott", "The positions that OTT channels hold in FAV1 to FAV4")
+        .json(*json)
+        .footer(
+            "They stand in a database of their own, zentova_DB_V1.3.db in the home directory.\n"
+            "Examples:\n"
+            "  channellist ott\n"
+            "  HOME=/home/tv channellist ott --json")
+        .action([json](const std::string&) { return run(*json); });
 }
 
 }  // namespace tool

@@ -3,7 +3,9 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 
 namespace tool {
@@ -26,17 +28,15 @@ int run(const std::string& database, bool json) {
 
 }  // namespace
 
-void addScrambleCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command = app.add_subcommand(
-        "scramble", "Whether the Astra 19.2E list with the anchor holds a scrambled service");
-    auto json = std::make_shared<bool>(false);
-    addJsonOption(*command, *json);
-    command->footer(
-        "Examples:\n"
-        "  channellist scramble\n"
-        "  channellist scramble --json | jq .scrambled");
-    command->callback(
-        [&line, json] { line.run = [&line, json] { return run(line.database, *json); }; });
+void addScrambleCommand(CommandLine& line) {
+    auto json = std::make_shared<bool>();
+    line.add("scramble", "Whether the Astra 19.2E list with the anchor holds a scrambled service")
+        .json(*json)
+        .footer(
+            "Examples:\n"
+            "  channellist scramble\n"
+            "  channellist scramble --json | jq .scrambled")
+        .action([json](const std::string& database) { return run(database, *json); });
 }
 
 }  // namespace tool

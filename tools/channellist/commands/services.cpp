@@ -3,8 +3,10 @@
 
 #include <iostream>
 
-#include "commands/command.h"
+#include "commands/commands.h"
 #include "database/list_naming.h"
+#include "database/session.h"
+#include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "services/service_reader.h"
@@ -12,6 +14,11 @@
 
 namespace tool {
 namespace {
+
+struct Options {
+    std::string list;
+    Format format;
+};
 
 void printTable(const std::vector<ResultRow>& services) {
     TextTable table({{"No", Align::Right},
@@ -82,14 +89,14 @@ void printObjects(const std::vector<ResultRow>& services) {
     printJson(list);
 }
 
-int run(const std::string& database, const std::string& word, const Format& format) {
+int run(const std::string& database, const Options& options) {
     const Session session(database);
-    const List list = findList(word);
-    const Rows services = format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
-    if (format.raw) {
-        (format.json ? printRawJson : printRaw)(services.rows);
+    const List list = findList(options.list);
+    const Rows services = options.format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
+    if (options.format.raw) {
+        (options.format.json ? printRawJson : printRaw)(services.rows);
     } else {
-        (format.json ? printObjects : printTable)(services.rows);
+        (options.format.json ? printObjects : printTable)(services.rows);
     }
     if (!services.complete) {
         throw Failure("not all services could be read; \"channellist check\" tells why");
@@ -99,22 +106,18 @@ int run(const std::string& database, const std::string& word, const Format& form
 
 }  // namespace
 
-void addServicesCommand(CLI::App& app, CommandLine& line) {
-    CLI::App* command =
-        app.add_subcommand("services", "The services of a list, in the set's order");
-    auto list = std::make_shared<std::string>();
-    auto format = std::make_shared<Format>();
-    command->add_option("LIST", *list, "uuid, or a name that only one list has: FAV1, all")
-        ->required();
-    addFormatOptions(*command, *format);
-    command->footer(
-        "Examples:\n"
-        "  channellist services FAV1\n"
-        "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"deleted\")'\n"
-        "  channellist services all --raw");
-    command->callback([&line, list, format] {
-        line.run = [&line, list, format] { return run(line.database, *list, *format); };
-    });
+void addServicesCommand(CommandLine& line) {
+    auto options = std::make_shared<Options>();
+    line.add("services", "The services of a list, in the set's order")
+        .argument("LIST", options->list, "uuid, or a name that only one list has: FAV1, all")
+        .json(options->format.json)
+        .flag("--raw", options->format.raw, kRawHelp)
+        .footer(
+            "Examples:\n"
+            "  channellist services FAV1\n"
+            "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"deleted\")'\n"
+            "  channellist services all --raw")
+        .action([options](const std::string& database) { return run(database, *options); });
 }
 
 }  // namespace tool

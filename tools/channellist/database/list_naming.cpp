@@ -20,8 +20,7 @@ std::string favName(const List& list) {
 }
 
 bool isCalled(const List& list, const std::string& word) {
-    return list.name == word || favName(list) == word ||
-           (word == "all" && isAllList(list)) ||
+    return list.name == word || favName(list) == word || (word == "all" && isAllList(list)) ||
            (word == "av" && list.creator == "tamun.sl2.servicelist$av");
 }
 

@@ -10,7 +10,8 @@ constexpr char kSetDatabase[] = "/var/tvservice/servicelist.db";
 enum class Access { Read, Write };
 
 // Hands the OTT database to the library as `db_zentova`, read-only: an empty one in memory where
-// there is no file, or an empty one, because the library itself would create it. Closes it at the end.
+// there is no file, or an empty one, because the library itself would create it. Closes it at the
+// end.
 class OttSession {
   public:
     OttSession();

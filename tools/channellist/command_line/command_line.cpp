@@ -1,0 +1,129 @@
+#include "command_line/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <sstream>
+
+#include "database/session.h"
+#include "failure.h"
+
+namespace tool {
+namespace {
+
+constexpr char kExitCodes[] =
+    "Exit codes: 0 success, 1 failure or findings, 2 wrong usage.\n"
+    "\"channellist COMMAND --help\" shows a command's options and examples.";
+
+bool isTraceWord(const std::string& word) {
+    if (word == "*") {
+        return true;
+    }
+    const bool hexadecimal = word.compare(0, 2, "0x") == 0 || word.compare(0, 2, "0X") == 0;
+    const std::string digits = hexadecimal ? word.substr(2) : word;
+    return !digits.empty() &&
+           digits.find_first_not_of(hexadecimal ? "0123456789abcdefABCDEF" : "0123456789") ==
+               std::string::npos;
+}
+
+// [MODULE:]LEVEL, several with commas; numbers are decimal or hexadecimal.
+std::string checkTrace(const std::string& text) {
+    std::istringstream items(text + ",");
+    for (std::string item; std::getline(items, item, ',');) {
+        const auto colon = item.find(':');
+        const std::string level = colon == std::string::npos ? item : item.substr(colon + 1);
+        if ((colon != std::string::npos && !isTraceWord(item.substr(0, colon))) ||
+            (level != "all" && !isTraceWord(level))) {
+            return "'" + text + "' is not [MODULE:]LEVEL[,...]";
+        }
+    }
+    return "";
+}
+
+}  // namespace
+
+Command& Command::argument(const std::string& name, std::string& value, const std::string& help) {
+    app_.add_option(name, value, help)->required();
+    return *this;
+}
+
+Command& Command::optionalArgument(const std::string& name, std::string& value,
+                                   const std::string& help) {
+    return option(name, value, help);
+}
+
+Command& Command::arguments(const std::string& name, std::vector<std::string>& values, int least,
+                            int most, const std::string& help) {
+    app_.add_option(name, values, help)->expected(least, most)->required(least > 0);
+    return *this;
+}
+
+Command& Command::option(const std::string& name, std::string& value, const std::string& help) {
+    app_.add_option(name, value, help);
+    return *this;
+}
+
+Command& Command::flag(const std::string& names, bool& value, const std::string& help) {
+    app_.add_flag(names, value, help);
+    return *this;
+}
+
+Command& Command::json(bool& value) { return flag("--json", value, "print JSON, for scripts"); }
+
+Command& Command::needs(const std::string& name, const std::string& other) {
+    app_.get_option(name)->needs(app_.get_option(other));
+    return *this;
+}
+
+Command& Command::footer(const std::string& text) {
+    app_.footer(text);
+    return *this;
+}
+
+Command& Command::action(Action action) {
+    app_.callback([this_action = &action_, action = std::move(action)] { *this_action = action; });
+    return *this;
+}
+
+CommandLine::CommandLine()
+    : app_(std::make_unique<CLI::App>("Looks into the channel database of a set.", "channellist")),
+      database_(kSetDatabase) {
+    app_->require_subcommand(1);
+    app_->fallthrough();
+    app_->set_help_flag("-h,--help", "print this help");
+    app_->set_version_flag("--version", CHANNELLIST_VERSION, "print the version");
+    app_->footer(kExitCodes);
+    app_->add_option("--db", database_, "the channel database")
+        ->type_name("FILE")
+        ->take_last()
+        ->capture_default_str();
+    app_->add_option("--trace", trace_,
+                     "write the library's own messages of this level to standard error:"
+                     " 1, 3000, 4000, 5000 or all; MODULE:LEVEL for one module")
+        ->type_name("LEVEL")
+        ->take_last()
+        ->check(CLI::Validator(checkTrace, ""));
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::add(const std::string& name, const std::string& help) {
+    return Command(*app_->add_subcommand(name, help), action_);
+}
+
+std::optional<int> CommandLine::parse(int argc, char** argv) {
+    try {
+        app_->parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app_->exit(error) == 0 ? kSuccess : kUsage;
+    }
+    return std::nullopt;
+}
+
+int CommandLine::run() const {
+    if (!trace_.empty()) {
+        setenv("ORV_DEBUG", trace_.c_str(), 1);  // before the library asks for the first time
+    }
+    return action_(database_);
+}
+
+}  // namespace tool

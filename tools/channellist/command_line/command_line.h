@@ -1,0 +1,71 @@
+// The command line: options for all commands, and the commands with their own.
+//
+// It keeps CLI11, which takes long to compile, in one source file.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace tool {
+
+// Of arguments; CLI11's own bound for "as many as there are".
+constexpr int kAnyNumber = 1 << 29;
+
+// What a command does with the database; it gives the exit code and may throw Failure.
+using Action = std::function<int(const std::string& database)>;
+
+// One command while it is described. The values that options are stored in live as long as the
+// command line.
+class Command {
+  public:
+    Command(CLI::App& app, Action& action) : app_(app), action_(action) {}
+
+    Command& argument(const std::string& name, std::string& value, const std::string& help);
+    Command& optionalArgument(const std::string& name, std::string& value, const std::string& help);
+    // From `least` to `most` of them.
+    Command& arguments(const std::string& name, std::vector<std::string>& values, int least,
+                       int most, const std::string& help);
+    Command& option(const std::string& name, std::string& value, const std::string& help);
+    Command& flag(const std::string& names, bool& value, const std::string& help);
+    // "--json", as every command that has it describes it.
+    Command& json(bool& value);
+    // `name` makes sense beside `other` only.
+    Command& needs(const std::string& name, const std::string& other);
+    // What follows the options in the help.
+    Command& footer(const std::string& text);
+    Command& action(Action action);
+
+  private:
+    CLI::App& app_;
+    Action& action_;
+};
+
+class CommandLine {
+  public:
+    CommandLine();
+    ~CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    Command add(const std::string& name, const std::string& help);
+
+    // The exit code when nothing remains to do: help was printed, or the usage is wrong.
+    std::optional<int> parse(int argc, char** argv);
+    // Does what the chosen command does.
+    int run() const;
+
+  private:
+    std::unique_ptr<CLI::App> app_;
+    std::string database_;
+    std::string trace_;
+    Action action_;
+};
+
+}  // namespace tool
