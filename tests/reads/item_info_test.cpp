@@ -52,20 +52,13 @@ TEST(ItemInfo, HoldsEveryFieldByItselfAndCopiesIt) {
     for (const auto& field : kTexts) {
         (item.*field.set)(" \t text " + std::to_string(number++) + "\v\r\n");
     }
-    item.setItemType(static_cast<itemType>(0x100));
-    item.setPreviewPage(100);
-    item.setSubtitlePage(-150);
-    item.setEncoding(3);
-    item.setReceivable(false);
-    item.setFileSize(5000000000ULL);
-    item.setDateNumeric(-6000000000LL);
-    item.setAttributes(-7);
-    item.setMaxPosition(4294967295U);
-    item.setVolumeCorrection(-8);
-    item.setVisible(false);
-    item.setSelectable(false);
-    item.setSoundSelection(9);
-    item.setServicePid(10);
+    // clang-format off
+    item.setItemType(static_cast<itemType>(0x100)); item.setPreviewPage(100);
+    item.setSubtitlePage(-150); item.setEncoding(3); item.setReceivable(false);
+    item.setFileSize(5000000000ULL); item.setDateNumeric(-6000000000LL); item.setAttributes(-7);
+    item.setMaxPosition(4294967295U); item.setVolumeCorrection(-8); item.setVisible(false);
+    item.setSelectable(false); item.setSoundSelection(9); item.setServicePid(10);
+    // clang-format on
     expectFilled(item);
 
     ItemInfo copy(item);

@@ -1,9 +1,9 @@
 // From one raw service row to the snapshot and the result row.
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 
+#include <algorithm>
 #include <clocale>
 #include <locale>
-#include <map>
 #include <numeric>
 #include <sstream>
 #include <stdexcept>
@@ -33,20 +33,19 @@ std::vector<std::string> split(const std::string& text, char at) {
     return parts;
 }
 
-// A TV service whose numbers are 0 and whose texts are their names, with "Column=value;..."
-// changed.
+// A TV service of zeros and texts that are their columns' names, changed by "Column=value;...".
 ResultRow raw(const std::string& changes = "") {
-    std::map<std::string, std::string> values;
+    ResultRow row = split(kOrder, ',');
+    const auto at = [&, columns = row](const std::string& column) -> std::string& {
+        return row.at(static_cast<std::size_t>(std::find(columns.begin(), columns.end(), column) -
+                                               columns.begin()));
+    };
     for (const std::string& column : split(kNumbers, ',')) {
-        values[column] = "0";
+        at(column) = "0";
     }
     for (const std::string& change : split(changes, ';')) {
         const auto equals = change.find('=');
-        values[change.substr(0, equals)] = change.substr(equals + 1);
-    }
-    ResultRow row;
-    for (const std::string& column : split(kOrder, ',')) {
-        row.push_back(values.count(column) != 0 ? values[column] : column);
+        at(change.substr(0, equals)) = change.substr(equals + 1);
     }
     return row;
 }
@@ -68,11 +67,7 @@ using ServiceRow = TestDatabase;
 // clang-format off
 
 TEST_F(ServiceRow, AttributeBits) {
-    const struct {
-        const char* changes;
-        int stored;
-        unsigned int shown;
-    } cases[] = {
+    const std::tuple<const char*, int, unsigned int> cases[] = {
         {"", 0x240, 0x20240},                      {"Hdtv=1", 0x244, 0x20244},
         {"Encrypted=1", 0x241, 0x241},             {"Encrypted=-5", 0x241, 0x241},
         {"EpgService=2", 0x248, 0x20248},          {"ParentalLock=1", 0x250, 0x250},
@@ -85,9 +80,9 @@ TEST_F(ServiceRow, AttributeBits) {
         {"Uri=rec://x?hdtv=1", 0x240, 0x20244},    {"Uri=rec://x?hdtv=11", 0x240, 0x20240},
         {"Encrypted=1;ParentalLock=1;Uri=x&hdtv=1&", 0x251, 0x255},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(converted(c.changes, {3}), "|" + std::to_string(c.shown)) << c.changes;
-        EXPECT_EQ(sv.attributes, c.stored) << c.changes;
+    for (const auto& [changes, stored, shown] : cases) {
+        EXPECT_EQ(converted(changes, {3}), "|" + std::to_string(shown)) << changes;
+        EXPECT_EQ(sv.attributes, stored) << changes;
     }
 }
 
@@ -214,8 +209,6 @@ TEST_F(ServiceRow, ShortAndMissingRowsAreRefused) {
     EXPECT_EQ(sv.uuid, "before");
 }
 
-// clang-format on
-
 struct Grouping : std::numpunct<char> {
     char do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\1"; }
@@ -228,7 +221,7 @@ TEST_F(ServiceRow, GlobalLocaleChangesNothing) {
     m_svfield.insert(m_svfield.end(), {34, 27});
     const auto answers = [] {
         unsigned int attributes = 0;
-        EXPECT_EQ(dbaccess::getFavriteAttributes("list-1", &attributes), 0);
+        dbaccess::getFavriteAttributes("list-1", &attributes);
         return std::to_string(attributes) + " " + joined(dbaccess::get_dbservices("list-1")) + " " +
                joined(dbaccess::select_Folders());
     };
@@ -240,8 +233,9 @@ TEST_F(ServiceRow, GlobalLocaleChangesNothing) {
         EXPECT_EQ(answers(), classic) << name;
         EXPECT_THROW(dbaccess::fetchServiceItem(raw("Hdtv=1.0.0.0")), boost::bad_lexical_cast);
     }
-    std::locale::global(before);
-    std::setlocale(LC_ALL, "C");
+    std::locale::global(before);  // C's too
 }
+
+// clang-format on
 
 }  // namespace

@@ -1,32 +1,33 @@
 // Opening on demand, the busy handler, the traces and the cost of a disabled message.
-#include <functional>
+#include <sstream>
 #include <thread>
 
 #include "support/test_database.h"
 
 namespace {
 
-using platform::Message;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 std::string serviceCount() { return std::to_string(dbaccess::get_dbservices("list-1").size()); }
 std::string folderCount() { return std::to_string(dbaccess::select_Folders().size()); }
+template <typename Found, typename Call>
+std::string answer(Found found, Call call) {
+    const int code = call(&found);
+    return (std::ostringstream() << code << " " << found).str();
+}
 std::string attributes() {
-    unsigned int word = 77;
-    const int result = dbaccess::getFavriteAttributes("list-1", &word);
-    return std::to_string(result) + " " + std::to_string(word);
+    return answer(77U, [](auto word) { return dbaccess::getFavriteAttributes("list-1", word); });
 }
 std::string anchor() {
-    std::string uuid;
-    return std::to_string(dbaccess::getAstraAnchorService(uuid)) + uuid;
+    return answer(std::string(), [](auto uuid) { return dbaccess::getAstraAnchorService(*uuid); });
 }
 std::string scrambled() {
-    int isExistent = 77;
-    const int result = dbaccess::checkAstraScrambleService(isExistent);
-    return std::to_string(result) + " " + std::to_string(isExistent);
+    return answer(77, [](auto flag) { return dbaccess::checkAstraScrambleService(*flag); });
 }
-std::string bissKey() { return dbaccess::getBissKeyFromService("s"); }
+std::string bissKey() {
+    bisskey = "of an earlier call";
+    return dbaccess::getBissKeyFromService("s");
+}
 std::string edit() {
     return std::to_string(dbaccess::onServiceListEdit({"list-1", "0", "1", "1"}));
 }
@@ -40,7 +41,7 @@ const struct EntryPoint {
 } kEntryPoints[] = {
     {"select_Folders", 0xda, folderCount, "0"},
     {"getFavriteAttributes", 0xda, attributes, "-2 77"},
-    {"getAstraAnchorService", 0xda, anchor, "-2"},
+    {"getAstraAnchorService", 0xda, anchor, "-2 "},
     {"checkAstraScrambleService", 0xda, scrambled, "-2 77"},
     {"getBissKeyFromService", 0xb4, bissKey, "NULL"},
     {"onServiceListEdit", 0xda, edit, "-2"},
@@ -59,19 +60,10 @@ class Session : public TestDatabase {
         ASSERT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
         pthread_mutex_unlock(&svresult_mutex);
     }
-    static std::string onLibraryConnection(const char* sql) {
-        std::string value;
-        const auto store = [](void* context, int, char** values, char**) {
-            *static_cast<std::string*>(context) = values[0];
-            return 0;
-        };
-        EXPECT_EQ(sqlexec(db, sql, store, &value, nullptr), SQLITE_OK);
-        return value;
-    }
     static std::vector<std::string> trace() {
         std::vector<std::string> lines;
-        for (const Message& m : platform::messages()) {
-            EXPECT_THAT(m.file, testing::MatchesRegex("[a-z_]+\\.cpp"));
+        for (const platform::Message& m : platform::messages()) {
+            EXPECT_THAT(m.file, MatchesRegex("[a-z_]+\\.cpp"));
             EXPECT_GT(m.line, 0);
             char where[100];
             std::snprintf(where, sizeof where, "%x %u %s: ", m.module, m.level, m.function.c_str());
@@ -93,8 +85,7 @@ TEST_F(Session, AnyFirstCallOpensTheFixedPathOnce) {
             expectMutexFree();
         }
         EXPECT_EQ(opens(), before + 1);
-        sqlite3_close(db);
-        db = nullptr;
+        closeLibrary();
     }
 }
 
@@ -105,17 +96,17 @@ TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
         if (entry.call == serviceCount) {
             break;
         }
+        SCOPED_TRACE(entry.name);
         for (int attempt = 1; attempt <= 2; ++attempt) {
-            SCOPED_TRACE(entry.name);
             platform::forgetMessages();
             const auto memory = sqlite3_memory_used();
             EXPECT_EQ(entry.call(), entry.answerWhenClosed);
             EXPECT_EQ(sqlite3_memory_used(), memory);  // the handle is closed
             EXPECT_EQ(db, nullptr);
             EXPECT_EQ(opens(), ++expectedOpens);
-            EXPECT_THAT(texts(1), testing::Contains("will open db "));
+            EXPECT_THAT(texts(1), Contains("will open db "));
             EXPECT_THAT(texts(), ElementsAre("open or create db failed,res:14"));
-            for (const Message& m : platform::messages()) {
+            for (const platform::Message& m : platform::messages()) {
                 EXPECT_EQ(m.function, entry.name);
                 EXPECT_EQ(m.module, entry.module);
             }
@@ -137,7 +128,7 @@ TEST_F(Session, TheServiceQueryKeepsAFailedHandleForGood) {
     EXPECT_EQ(folderCount(), "0");
     EXPECT_EQ(attributes(), "21 77");
     EXPECT_EQ(opens(), 1);
-    EXPECT_THAT(texts(), testing::IsSupersetOf({"SQL ERROR res:21.", "SQL error res:21"}));
+    EXPECT_THAT(texts(), IsSupersetOf({"SQL ERROR res:21.", "SQL error res:21"}));
     expectMutexFree();
 }
 
@@ -151,26 +142,28 @@ TEST_F(Session, AConnectionOfTheHostIsUsedAndNothingOpened) {
 }
 
 TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
-    const char* views = "SELECT count(*) FROM sqlite_temp_master WHERE type = 'view'";
     dbaccess::select_Folders();
-    EXPECT_EQ(onLibraryConnection("PRAGMA busy_timeout"), "0");
-    EXPECT_EQ(onLibraryConnection(views), "0");
+    channel_database::ChannelDatabase library(db);
+    const char* const views = "SELECT count(*) FROM sqlite_temp_master WHERE type = 'view'";
+    const auto state = [&] {
+        return library.value("PRAGMA busy_timeout") + " " + library.value(views);
+    };
+    EXPECT_EQ(state(), "0 0");
     for (int query = 0; query < 2; ++query) {
         EXPECT_EQ(serviceCount(), "1");
-        EXPECT_EQ(onLibraryConnection("PRAGMA busy_timeout"), "1000");
-        EXPECT_EQ(onLibraryConnection(views), "2");
+        EXPECT_EQ(state(), "1000 2");
     }
-    EXPECT_EQ(opens(), 1);
 }
 
 TEST_F(Session, FirstCallsOfSeveralThreadsOpenOnce) {
-    const auto calls = {serviceCount, folderCount, attributes, serviceCount, folderCount};
-    std::vector<std::string> answers(calls.size());
     std::vector<std::thread> threads;
-    for (const auto call : calls) {
-        threads.emplace_back([call, &answer = answers[threads.size()]] {
+    for (const auto& [call, expected] : {std::pair(serviceCount, "1"),
+                                         {folderCount, "1"},
+                                         {attributes, "0 0"},
+                                         {serviceCount, "1"}}) {
+        threads.emplace_back([call = call, expected = expected] {
             for (int round = 0; round < 20; ++round) {
-                answer = call();
+                EXPECT_EQ(call(), expected);
             }
         });
     }
@@ -178,7 +171,6 @@ TEST_F(Session, FirstCallsOfSeveralThreadsOpenOnce) {
         thread.join();
     }
     EXPECT_EQ(opens(), 1);
-    EXPECT_THAT(answers, ElementsAre("1", "1", "0 0", "1", "1"));
     EXPECT_THAT(texts(), IsEmpty());
 }
 
@@ -191,7 +183,14 @@ TEST_F(Session, BusyHandlerSleepsReportsAndNeverGivesUp) {
                                      "data base is locked 1000000 "));
 }
 
-TEST_F(Session, TracesOfAServiceRequest) {
+TEST_F(Session, TracesOfTheRequests) {
+    dbaccess::select_Folders();
+    EXPECT_THAT(
+        trace(),
+        ElementsAre("da 1 select_Folders: called ", "da 1 select_Folders: will open db ",
+                    "1 1 folder_callback: Called", "da 5000 folder_callback: flrow->size():7",
+                    "da 1 select_Folders: folder.size:1"));
+    closeLibrary();
     EXPECT_EQ(serviceCount(), "1");
     EXPECT_THAT(
         trace(),
@@ -203,15 +202,6 @@ TEST_F(Session, TracesOfAServiceRequest) {
                     "d2 3000 fetchServiceItem: uuid:service-1, channelNumber:1,internalName:Eins,"
                     "attr:268436032,encrypted:0,isdelete:0",
                     "da 1 get_dbservices: end,size:1 "));
-}
-
-TEST_F(Session, TracesOfAFolderRequest) {
-    dbaccess::select_Folders();
-    EXPECT_THAT(
-        trace(),
-        ElementsAre("da 1 select_Folders: called ", "da 1 select_Folders: will open db ",
-                    "1 1 folder_callback: Called", "da 5000 folder_callback: flrow->size():7",
-                    "da 1 select_Folders: folder.size:1"));
 }
 
 TEST_F(Session, ADisabledMessageCostsOneCheck) {

@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <mutex>
-#include <utility>
 
 namespace platform {
 namespace {
@@ -39,84 +39,54 @@ auto locked(Action action) {
     return action(state);
 }
 
-template <typename Member>
-Member copied(Member State::*member) {
-    std::lock_guard<std::mutex> const lock(stateMutex);
-    return state.*member;
-}
-
-template <typename Member>
-void assign(Member State::*member, Member value) {
-    std::lock_guard<std::mutex> const lock(stateMutex);
-    state.*member = std::move(value);
-}
-
 // What this thread asked last and was told is enabled; 0 when nothing.
 thread_local unsigned int enabledWord = 0;
 
 constexpr char kPrefix[] = "%s:%d:%s(): ";
 
 std::string formatted(const char* format, va_list arguments) {
-    va_list again;
-    va_copy(again, arguments);
-    int const length = std::vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    text.pop_back();
-    return text;
+    char* text = nullptr;
+    int const length = vasprintf(&text, format, arguments);
+    std::unique_ptr<char, decltype(&std::free)> const owner(text, std::free);
+    return std::string(text, static_cast<std::size_t>(length));
 }
 
 Message takenApart(unsigned int word, const char* format, va_list arguments) {
-    Message message;
-    message.module = word >> 16;
-    message.level = word & 0xffff;
-    message.format = format;
     va_list again;
     va_copy(again, arguments);
-    message.text = formatted(format, again);
+    std::string const whole = formatted(format, again);
     va_end(again);
-    if (message.format.rfind(kPrefix, 0) != 0 || message.text.back() != '\n' ||
-        enabledWord != word) {
-        message.text = "MALFORMED " + message.text;
-        return message;
+    Message message{word >> 16, word & 0xffff, format, "MALFORMED " + whole, "", 0, ""};
+    if (message.format.rfind(kPrefix, 0) == 0 && whole.back() == '\n' && enabledWord == word) {
+        message.file = va_arg(arguments, const char*);
+        message.line = va_arg(arguments, int);
+        message.function = va_arg(arguments, const char*);
+        auto const begin = whole.find("(): ") + 4;
+        message.text = whole.substr(begin, whole.size() - begin - 1);
     }
-    message.file = va_arg(arguments, const char*);
-    message.line = va_arg(arguments, int);
-    message.function = va_arg(arguments, const char*);
-    auto const prefix = message.file.size() + message.function.size() +
-                        std::to_string(message.line).size() + sizeof "::(): " - 1;
-    message.text = message.text.substr(prefix, message.text.size() - prefix - 1);
     return message;
 }
 
 }  // namespace
 
-void reset() {
-    std::lock_guard<std::mutex> const lock(stateMutex);
-    state = State();
-}
+// clang-format off
+void reset() { locked([](State& s) { s = State(); }); }
 
-int sleepCount() { return copied(&State::sleepCount); }
-unsigned long long sleptMicroseconds() { return copied(&State::sleptMicroseconds); }
-void onSleep(std::function<void(int)> hook) { assign(&State::sleepHook, std::move(hook)); }
+int sleepCount() { return locked([](State& s) { return s.sleepCount; }); }
+unsigned long long sleptMicroseconds() { return locked([](State& s) { return s.sleptMicroseconds; }); }
+void onSleep(std::function<void(int)> hook) { locked([&](State& s) { s.sleepHook = hook; }); }
 
-std::vector<std::string> commands() { return copied(&State::commands); }
-void onCommand(std::function<int(const std::string&)> hook) {
-    assign(&State::commandHook, std::move(hook));
-}
+std::vector<std::string> commands() { return locked([](State& s) { return s.commands; }); }
+void onCommand(std::function<int(const std::string&)> hook) { locked([&](State& s) { s.commandHook = hook; }); }
 
-std::vector<Message> messages() { return copied(&State::messages); }
-void forgetMessages() { assign(&State::messages, {}); }
-int checkCount() { return copied(&State::checkCount); }
-void enableLevels(std::function<bool(unsigned int)> enabled) {
-    assign(&State::enabled, std::move(enabled));
-}
+std::vector<Message> messages() { return locked([](State& s) { return s.messages; }); }
+void forgetMessages() { locked([](State& s) { s.messages.clear(); }); }
+int checkCount() { return locked([](State& s) { return s.checkCount; }); }
+void enableLevels(std::function<bool(unsigned int)> enabled) { locked([&](State& s) { s.enabled = enabled; }); }
 
-std::vector<std::string> openedPaths() { return copied(&State::openedPaths); }
-void redirectOpen(const std::string& path, const std::string& file) {
-    locked([&](State& s) { s.redirections[path] = file; });
-}
+std::vector<std::string> openedPaths() { return locked([](State& s) { return s.openedPaths; }); }
+void redirectOpen(const std::string& path, const std::string& file) { locked([&](State& s) { s.redirections[path] = file; }); }
+// clang-format on
 
 }  // namespace platform
 

@@ -7,15 +7,6 @@
 
 namespace {
 
-sqlite3* opened(const std::string& file) {
-    sqlite3* connection = nullptr;
-    if (sqlite3_open_v2(file.c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
-        sqlite3_close(connection);
-        throw std::runtime_error("cannot open " + file);
-    }
-    return connection;
-}
-
 // A statement that somebody forgot to finalize keeps its connection from closing.
 void closeForGood(sqlite3*& connection, const char* name) {
     EXPECT_EQ(sqlite3_close(connection), SQLITE_OK) << name << " holds an open statement";
@@ -24,7 +15,8 @@ void closeForGood(sqlite3*& connection, const char* name) {
 
 }  // namespace
 
-DatabaseLock::DatabaseLock(const std::string& file, const char* begin) : connection_(opened(file)) {
+DatabaseLock::DatabaseLock(const std::string& file, const char* begin) {
+    sqlite3_open_v2(file.c_str(), &connection_, SQLITE_OPEN_READWRITE, nullptr);
     if (sqlite3_exec(connection_, begin, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw std::runtime_error(sqlite3_errmsg(connection_));
     }
@@ -62,49 +54,49 @@ void TestDatabase::TearDown() {
     }
 }
 
-std::string TestDatabase::rows(const std::string& sql) const {
-    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened(file_),
-                                                                        sqlite3_close);
-    std::string all;
-    const auto append = [](void* context, int count, char** values, char**) {
-        std::string& text = *static_cast<std::string*>(context);
-        for (int i = 0; i < count; ++i) {
-            text += (i > 0 ? "|" : text.empty() ? "" : ";");
-            text += values[i] != nullptr ? values[i] : "NULL";
-        }
-        return 0;
-    };
-    char* error = nullptr;
-    sqlite3_exec(connection.get(), sql.c_str(), append, &all, &error);
-    if (error != nullptr) {
-        ADD_FAILURE() << sql << ": " << error;
-        sqlite3_free(error);
+std::string TestDatabase::rows(const std::string& sql) {
+    ResultSet all;
+    for (const auto& row : database_->rows(sql)) {
+        all.push_back(boost::shared_ptr<ResultRow>(new ResultRow(row)));
     }
-    return all;
+    return joined(all);
 }
 
-std::string TestDatabase::joined(const ResultRow& row) {
+std::string TestDatabase::joined(const ResultRow& row, const char* separator) {
     std::string text;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        text += (i > 0 ? "|" : "") + row[i];
+    for (const std::string& cell : row) {
+        text += (&cell == &row.front() ? "" : separator) + cell;
     }
     return text;
 }
 
 std::string TestDatabase::joined(const ResultSet& answer) {
-    std::string text;
+    ResultRow lines;
     for (const auto& row : answer) {
-        text += (row == answer.front() ? "" : ";") + joined(*row);
+        lines.push_back(joined(*row));
     }
-    return text;
+    return joined(lines, ";");
 }
 
 std::string TestDatabase::column(const ResultSet& answer, std::size_t column) {
-    std::string text;
+    ResultRow cells;
     for (const auto& row : answer) {
-        text += (row == answer.front() ? "" : ";") + row->at(column);
+        cells.push_back(row->at(column));
     }
-    return text;
+    return joined(cells, ";");
+}
+
+std::vector<std::string> TestDatabase::repeated(int count, const std::vector<std::string>& some) {
+    std::vector<std::string> all;
+    while (--count >= 0) {
+        all.insert(all.end(), some.begin(), some.end());
+    }
+    return all;
+}
+
+void TestDatabase::closeLibrary() {
+    closeForGood(db, "db");
+    platform::forgetMessages();
 }
 
 std::vector<std::string> TestDatabase::texts(unsigned int level) {

@@ -40,15 +40,19 @@ class TestDatabase : public testing::Test {
     /// Closes the library's connections, which must hold no open statement any more.
     void TearDown() override;
 
-    /// The rows of a query on a separate connection, "a|b;c|d", NULL as "NULL".
-    std::string rows(const std::string& sql) const;
+    /// The rows of a query on the builder's connection, "a|b;c|d", NULL as "NULL".
+    std::string rows(const std::string& sql);
     /// The cells of an answer of the library, "a|b;c|d".
     static std::string joined(const ResultSet& answer);
-    static std::string joined(const ResultRow& row);
+    static std::string joined(const ResultRow& row, const char* separator = "|");
     /// Column `column` of every row of an answer, "a;b".
     static std::string column(const ResultSet& answer, std::size_t column);
     /// Texts of the messages of one level so far.
     static std::vector<std::string> texts(unsigned int level = 1000);
+    /// `some` texts, `count` times.
+    static std::vector<std::string> repeated(int count, const std::vector<std::string>& some);
+    /// Closes the library's connection, and forgets the messages.
+    static void closeLibrary();
     /// Number of times that the library opened the fixed path.
     static int opens();
 
