@@ -10,11 +10,6 @@ using testing::HasSubstr;
 
 namespace {
 
-ChannelsConf parsed(const std::string& text) {
-    std::istringstream stream(text);
-    return parseChannelsConf(stream);
-}
-
 // What the importer takes from a channel, on one line.
 std::string summary(const Channel& c) {
     std::ostringstream text;
@@ -72,12 +67,10 @@ TEST(ChannelLine, IsRefusedWithItsReason) {
         {"A:410:M64:X:6900:1:1:0:0:1:1:1:0", "source 'X'"},
         {"A:410:h:S19.2:6900:1:1:0:0:1:1:1:0", "source 'S19.2'"},
         {"A:410:h:S200E:6900:1:1:0:0:1:1:1:0", "source 'S200E'"},
-        {"A:410:h:1:6900:1:1:0:0:1:1:1:0", "source '1'"},
         {"A:410:M64:C:-1:1:1:0:0:1:1:1:0", "symbol rate '-1'"},
         {"A:410:M64:C:6900:x:1:0:0:1:1:1:0", "video pid 'x'"},
         {"A:410:M64:C:6900:1:1:0:G:1:1:1:0", "conditional access 'G'"},
         {"A:410:M64:C:6900:1:1:0:0:65536:1:1:0", "service id '65536'"},
-        {"A:410:M64:C:6900:1:1:0:0:1:1 2:1:0", "network id '1 2'"},
         {"A:410:M64:C:6900:1:1:0:0:1:1::0", "transport stream id ''"},
     };
     for (const auto& c : cases) {
@@ -91,30 +84,21 @@ TEST(ChannelLine, IsRefusedWithItsReason) {
 }
 
 TEST(ChannelList, CountsGroupsAndReportsLines) {
-    const std::string rest = ":410:M64:C:6900:1:1:0:0:1:1:1:0\r\n";
-    const auto list = parsed(
+    std::string text =
         "\xEF\xBB\xBF"
-        "A" +
-        rest + "# a comment\n:News|now\n\nB" + rest + ":@20\n#C" + rest +
-        "foul line\n:@5 Late\nS\xFC"
-        "d" +
-        rest + "Nord\xC3\xB6" + rest);
-    EXPECT_EQ(list.groups, (std::vector<std::string>{"News:now", "Late"}));
-    const struct {
-        const char* name;
-        int number, group, line;
-    } channels[] = {{"A", 1, -1, 1},
-                    {"B", 2, 0, 5},
-                    {"#C", 20, 0, 7},
-                    {"Süd", 21, 1, 10},
-                    {"Nordö", 22, 1, 11}};
-    ASSERT_EQ(list.channels.size(), std::size(channels));
-    for (std::size_t i = 0; i < std::size(channels); ++i) {
-        const Channel& c = list.channels[i];
-        EXPECT_EQ(std::make_tuple(c.name, c.number, c.group, c.line),
-                  std::make_tuple(std::string(channels[i].name), channels[i].number,
-                                  channels[i].group, channels[i].line));
+        "A~# a comment\n:News|now\n\nB~:@20\n#C~foul line\n:@5 Late\nS\xFC"
+        "d~Nord\xC3\xB6~";
+    for (std::size_t at; (at = text.find('~')) != std::string::npos;) {
+        text.replace(at, 1, ":410:M64:C:6900:1:1:0:0:1:1:1:0\r\n");
     }
+    std::istringstream stream(text);
+    const auto list = parseChannelsConf(stream);
+    EXPECT_THAT(list.groups, testing::ElementsAre("News:now", "Late"));
+    std::ostringstream channels;
+    for (const Channel& c : list.channels) {
+        channels << c.name << ' ' << c.number << ' ' << c.group << ' ' << c.line << '\n';
+    }
+    EXPECT_EQ(channels.str(), "A 1 -1 1\nB 2 0 5\n#C 20 0 7\nSüd 21 1 10\nNordö 22 1 11\n");
     ASSERT_EQ(list.rejected.size(), 1U);
     EXPECT_EQ(list.rejected[0].line, 8);
     EXPECT_THAT(list.rejected[0].reason, HasSubstr("this line 1"));
@@ -124,11 +108,10 @@ TEST(ChannelLine, IsWrittenAsItWasRead) {
     std::ifstream sample(SAMPLE_CHANNELS);
     int lines = 0;
     for (std::string line; std::getline(sample, line);) {
-        if (line[0] == ':') {
-            continue;
+        if (line[0] != ':') {
+            ++lines;
+            EXPECT_EQ(formatChannel(parseChannel(line)), line);
         }
-        ++lines;
-        EXPECT_EQ(formatChannel(parseChannel(line)), line);
     }
     EXPECT_GE(lines, 150);
 }

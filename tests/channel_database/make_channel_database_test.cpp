@@ -22,8 +22,8 @@ struct MakeChannelDatabaseTest : testing::Test {
     }
     ~MakeChannelDatabaseTest() override { fs::remove_all(folder); }
 
-    // The exit code; `output` becomes what the program wrote.
-    int run(const std::string& arguments) {
+    // Runs the program; `output` becomes what it wrote.
+    void expect(const std::string& arguments, int code, const char* message) {
         const std::string command =
             "cd " + folder.string() + " && " MAKE_CHANNEL_DATABASE " " + arguments + " 2>&1";
         output.clear();
@@ -31,52 +31,33 @@ struct MakeChannelDatabaseTest : testing::Test {
         for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) {
             output += static_cast<char>(c);
         }
-        return WEXITSTATUS(pclose(pipe));
-    }
-    std::string services() {
-        return channel_database::ChannelDatabase((folder / "db").string())
-            .value("SELECT count(*) FROM DvbService");
+        EXPECT_EQ(WEXITSTATUS(pclose(pipe)), code) << arguments;
+        EXPECT_THAT(output, HasSubstr(message)) << arguments;
     }
 
     fs::path folder;
     std::string output;
 };
 
-TEST_F(MakeChannelDatabaseTest, MakesADatabaseAndNamesSkippedLines) {
-    EXPECT_EQ(run("list db"), 0);
-    EXPECT_THAT(output, HasSubstr("list:2: skipped: a channel has 9 to 13 fields"));
-    EXPECT_THAT(output, HasSubstr("db: 1 channels, 0 groups, 1 lines skipped"));
-    EXPECT_EQ(services(), "1");
-}
-
 TEST_F(MakeChannelDatabaseTest, ReplacesAFileOnlyWhenForcedAndOnlyByAWholeOne) {
     std::ofstream(folder / "db") << "precious";
-    EXPECT_EQ(run("list db"), 1);
-    EXPECT_THAT(output, HasSubstr("db exists; --force replaces it"));
-    EXPECT_EQ(run("--force empty db"), 1);
-    EXPECT_THAT(output, HasSubstr("the list holds no channel"));
+    expect("list db", 1, "db exists; --force replaces it");
+    expect("--force empty db", 1, "the list holds no channel");
     EXPECT_EQ(fs::file_size(folder / "db"), 8U);
-    EXPECT_EQ(run("--force list db"), 0);
-    EXPECT_EQ(services(), "1");
+    expect("--force list db", 0, "list:2: skipped: a channel has 9 to 13 fields");
+    EXPECT_THAT(output, HasSubstr("db: 1 channels, 0 groups, 1 lines skipped"));
+    channel_database::ChannelDatabase d((folder / "db").string());
+    EXPECT_EQ(d.value("SELECT count(*) FROM DvbService"), "1");
     EXPECT_FALSE(fs::exists(folder / "db.part"));
 }
 
 TEST_F(MakeChannelDatabaseTest, FailsWithAReason) {
-    const struct {
-        const char* arguments;
-        int code;
-        const char* message;
-    } cases[] = {{"", 2, "usage:"},
-                 {"list", 2, "usage:"},
-                 {"list db more", 2, "usage:"},
-                 {"--nonsense list db", 2, "usage:"},
-                 {"missing db", 1, "cannot read missing: No such file"},
-                 {". db", 1, "cannot read ."},
-                 {"list nowhere/db", 1, "cannot open nowhere/db"}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(run(c.arguments), c.code) << c.arguments;
-        EXPECT_THAT(output, HasSubstr(c.message)) << c.arguments;
+    for (const char* const arguments : {"", "list", "list db more", "--nonsense list db"}) {
+        expect(arguments, 2, "usage:");
     }
+    expect("missing db", 1, "cannot read missing: No such file");
+    expect(". db", 1, "cannot read .");
+    expect("list nowhere/db", 1, "cannot open nowhere/db");
 }
 
 }  // namespace

@@ -88,31 +88,28 @@ void EditTest::expectAtRest() {
 }
 
 std::string EditTest::changes() {
-    auto const after = everything();
+    auto after = everything();
     std::string all;
-    auto const add = [&all](const std::string& text) { all += (all.empty() ? "" : "; ") + text; };
     for (auto const& [name, row] : before_) {
-        auto const now = after.find(name);
-        if (now == after.end()) {
-            add("-" + name);
+        auto const now = after.extract(name);
+        if (now.empty()) {
+            all += "; -" + name;
             continue;
         }
         for (std::size_t i = 0; i < row.size(); ++i) {
-            auto const& [column, value] = now->second[i];
-            if (value != row[i].second) {
-                add(name + ": " + column + " " + row[i].second + ">" + value);
+            auto const& [column, value] = row[i];
+            if (std::string const& newValue = now.mapped()[i].second; newValue != value) {
+                all += "; " + name + ": " + column + " " + value + ">" + newValue;
             }
         }
     }
     for (auto const& [name, row] : after) {
-        if (before_.count(name) == 0) {
-            add("+" + name);
-            for (std::size_t i = 1; i < row.size(); ++i) {
-                all += "|" + row[i].second;
-            }
+        all += "; +" + name;
+        for (std::size_t i = 1; i < row.size(); ++i) {
+            all += "|" + row[i].second;
         }
     }
-    return all;
+    return all.substr(all.empty() ? 0 : 2);
 }
 
 std::map<std::string, EditTest::Row> EditTest::everything() {

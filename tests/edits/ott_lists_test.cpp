@@ -1,6 +1,5 @@
 // The positions of OTT channels, in a database of their own below HOME.
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -25,10 +24,9 @@ TEST_F(OttLists, AreReadByNameAndAppended) {
         EXPECT_EQ(read(values), 0);
         EXPECT_EQ(values, expected);
     }
-    // The connection stays, wherever HOME moves.
     setenv("HOME", "/dev/null", 1);
     Numbers values;
-    EXPECT_EQ(dbaccess::getOttFav3List(values), 0);
+    EXPECT_EQ(dbaccess::getOttFav3List(values), 0) << "the connection stays";
     EXPECT_THAT(texts(4000),
                 ElementsAre("Websql db path:" + directory() + "/", "dbPath:" + ottFile()));
     EXPECT_THAT(platform::openedPaths(), ElementsAre(ottFile()));
@@ -62,12 +60,8 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
     std::unique_ptr<DatabaseLock> lock;
     std::pair<std::function<void()>, std::string> const cases[] = {
         {[] {}, "search db failed. no such table: SQL_OTTFavChannels "},
-        {[&] { std::ofstream(ottFile()) << ""; },
-         "search db failed. no such table: SQL_OTTFavChannels "},
         {[&] { std::ofstream(ottFile()) << std::string(1000, 'x'); },
          "search db failed. file is not a database "},
-        {[&] { std::filesystem::create_directory(ottFile()); },
-         "open db failed. unable to open database file "},
         {[&] { setenv("HOME", "/dev/null", 1); }, "open db failed. unable to open database file "},
         {[&] {
              ott("('FAV1', 5)");
@@ -87,14 +81,10 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
         EXPECT_EQ(platform::sleepCount(), 0);
         lock.reset();
     }
-    // Without a connection it tries anew; HOME may be relative.
     ott("('FAV1', 5)");
-    auto const workingDirectory = std::filesystem::current_path();
-    std::filesystem::current_path(directory());
-    setenv("HOME", ".", 1);
+    setenv("HOME", directory().c_str(), 1);
     Numbers values;
-    EXPECT_EQ(dbaccess::getOttFav1List(values), 0);
-    std::filesystem::current_path(workingDirectory);
+    EXPECT_EQ(dbaccess::getOttFav1List(values), 0) << "without a connection it tries anew";
 }
 
 }  // namespace
