@@ -69,6 +69,47 @@ Message takenApart(unsigned int word, const char* format, va_list arguments) {
 
 }  // namespace
 
+void reset() {
+    locked([](State& s) { s = State(); });
+}
+
+int sleepCount() {
+    return locked([](State& s) { return s.sleepCount; });
+}
+unsigned long long sleptMicroseconds() {
+    return locked([](State& s) { return s.sleptMicroseconds; });
+}
+void onSleep(std::function<void(int)> hook) {
+    locked([&](State& s) { s.sleepHook = hook; });
+}
+
+std::vector<std::string> commands() {
+    return locked([](State& s) { return s.commands; });
+}
+void onCommand(std::function<int(const std::string&)> hook) {
+    locked([&](State& s) { s.commandHook = hook; });
+}
+
+std::vector<Message> messages() {
+    return locked([](State& s) { return s.messages; });
+}
+void forgetMessages() {
+    locked([](State& s) { s.messages.clear(); });
+}
+int checkCount() {
+    return locked([](State& s) { return s.checkCount; });
+}
+void enableLevels(std::function<bool(unsigned int)> enabled) {
+    locked([&](State& s) { s.enabled = enabled; });
+}
+
+std::vector<std::string> openedPaths() {
+    return locked([](State& s) { return s.openedPaths; });
+}
+void redirectOpen(const std::string& path, const std::string& file) {
+    locked([&](State& s) { s.redirections[path] = file; });
+}
+
 }  // namespace platform
 
 using platform::locked;
@@ -85,8 +126,9 @@ extern "C" int usleep(useconds_t microseconds) {
         ++s.sleepCount;
         return std::pair(s.sleepHook, s.sleepCount);
     });
-    if (hook)
+    if (hook) {
         hook(count);
+    }
     return 0;
 }
 
