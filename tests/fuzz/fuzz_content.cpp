@@ -54,7 +54,8 @@ void spoilColumn(std::string const& target, std::string const& value) {
     std::size_t const colon = target.find(':');
     std::string const column = columnNamed(target.substr(0, colon));
     std::size_t const dot = column.find('.');
-    std::string sql = "UPDATE OR IGNORE " + column.substr(0, dot) + " SET " + column.substr(dot + 1) + " = ?";
+    std::string sql =
+        "UPDATE OR IGNORE " + column.substr(0, dot) + " SET " + column.substr(dot + 1) + " = ?";
     if (colon != std::string::npos)
         sql += " WHERE rowid = " + std::to_string(number(target.substr(colon + 1)) % 80);
     sqlite3_stmt* statement = nullptr;

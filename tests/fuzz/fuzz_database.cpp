@@ -30,11 +30,17 @@ std::string makeDatabaseImage() {
         lists.push_back(
             database.list("User.tvFAV" + std::to_string(i)).uuid("fav" + std::to_string(i)));
     lists.push_back(database.list("servicelist://tamun.Astra 19.2E").attributes(0x200));
-    std::vector<Service> const services = {
-        database.analog("Analogue"), database.dvbt("T"),    database.dvbt2("T2"),
-        database.dvbc("C"),          database.dvbc2("C2"),  database.dvbs("S"),
-        database.dvbs2("S2"),        database.ip("IP"),     database.uri("URI", "rec://plain/x"),
-        database.input("hdmi1"),     database.dvbs("Radio").radio()};
+    std::vector<Service> const services = {database.analog("Analogue"),
+                                           database.dvbt("T"),
+                                           database.dvbt2("T2"),
+                                           database.dvbc("C"),
+                                           database.dvbc2("C2"),
+                                           database.dvbs("S"),
+                                           database.dvbs2("S2"),
+                                           database.ip("IP"),
+                                           database.uri("URI", "rec://plain/x"),
+                                           database.input("hdmi1"),
+                                           database.dvbs("Radio").radio()};
     for (Service service : services) {
         service.bissKey("key").set("Encrypted", 1);
         for (List const& list : lists)
@@ -79,9 +85,10 @@ std::string const& databaseImage() {
 std::vector<std::string> const& columns() {
     static std::vector<std::string> const names = [] {
         std::vector<std::string> found;
-        for (auto const& row : ChannelDatabase(":memory:").rows(
-                 "SELECT m.name || '.' || c.name FROM sqlite_master m, pragma_table_info(m.name) c"
-                 " WHERE m.type = 'table'"))
+        for (auto const& row : ChannelDatabase(":memory:")
+                                   .rows("SELECT m.name || '.' || c.name FROM sqlite_master m, "
+                                         "pragma_table_info(m.name) c"
+                                         " WHERE m.type = 'table'"))
             found.push_back(row[0]);
         return found;
     }();

@@ -52,8 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     for (Callback const callback : {dbaccess::attributesCallback, dbaccess::listIdCallback})
         deliver(callback, &number, row);
     std::vector<unsigned int> numbers;
-    for (Callback const callback : {dbaccess::FAVlistIdCallback, dbaccess::FAVserviceIdCallback,
-                                    dbaccess::FAVitemIdCallback})
+    for (Callback const callback :
+         {dbaccess::FAVlistIdCallback, dbaccess::FAVserviceIdCallback, dbaccess::FAVitemIdCallback})
         deliver(callback, &numbers, row);
     int flag = 0;
     deliver(dbaccess::serviceEncryptedCallback, &flag, row);

@@ -29,23 +29,12 @@ inline int endOf(pid_t child) {
     return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
 }
 
-/// A value that processes started after it share with the test.
+/// A value that the processes started after it share with the test, until this one ends.
 template <typename Value>
-class SharedValue {
-  public:
-    SharedValue() {
-        void* const page = mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE,
-                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-        if (page == MAP_FAILED)
-            throw std::runtime_error("no shared memory");
-        value_ = new (page) Value();
-    }
-    ~SharedValue() { munmap(value_, sizeof(Value)); }
-    SharedValue(SharedValue const&) = delete;
-    SharedValue& operator=(SharedValue const&) = delete;
-    Value* operator->() const { return value_; }
-    Value& operator*() const { return *value_; }
-
-  private:
-    Value* value_;
-};
+Value& sharedValue() {
+    void* const page =
+        mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (page == MAP_FAILED)
+        throw std::runtime_error("no shared memory");
+    return *new (page) Value();
+}

@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <numeric>
 
 #include "fault.h"
+#include "workshop.h"
 
 namespace {
 
@@ -47,9 +49,8 @@ Answer asked(Found found, Call call) {
 }
 
 Answer edited(std::vector<std::string> arguments) {
-    return asked(Nothing(), [&](Nothing) {
-        return dbaccess::onServiceListEdit(std::move(arguments));
-    });
+    return asked(Nothing(),
+                 [&](Nothing) { return dbaccess::onServiceListEdit(std::move(arguments)); });
 }
 
 // What the set's components do with the helpers.
@@ -169,4 +170,25 @@ std::vector<std::string> edit(std::string const& list, std::vector<int> const& s
         arguments.push_back(std::to_string(service));
     }
     return arguments;
+}
+
+std::vector<int> allServices() {
+    std::vector<int> services(kServices);
+    std::iota(services.begin(), services.end(), 1);
+    return services;
+}
+
+std::vector<int> servicesFor(unsigned int first) {
+    std::vector<int> services;
+    for (int const service : allServices())
+        if ((static_cast<unsigned int>(service) + first / 100) % 3 != 0)
+            services.push_back(service);
+    return services;
+}
+
+std::string listing(std::vector<int> const& services, unsigned int first) {
+    std::string lines;
+    for (int const service : services)
+        lines += std::to_string(first++) + '|' + std::to_string(service) + "|\n";
+    return lines;
 }

@@ -37,3 +37,11 @@ extern std::vector<EntryPoint> const kEntryPoints;
 /// An edit of `list` that gives its services the channel numbers first, first + 1, ...
 std::vector<std::string> edit(std::string const& list, std::vector<int> const& services,
                               unsigned int first, unsigned int flags = 0);
+
+std::vector<int> allServices();
+
+/// The services of a FAV list edit whose first number is `first`: other ones for other hundreds.
+std::vector<int> servicesFor(unsigned int first);
+
+/// What such an edit leaves: the number and the key of each service, in a line each.
+std::string listing(std::vector<int> const& services, unsigned int first);

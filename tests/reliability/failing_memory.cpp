@@ -15,8 +15,7 @@ long sqliteBlocks = 0;
 sqlite3_mem_methods real;
 
 void* allocateForSqlite(int size) {
-    void* const block =
-        fault.strikes(FaultKind::SqliteMemory) ? nullptr : real.xMalloc(size);
+    void* const block = fault.strikes(FaultKind::SqliteMemory) ? nullptr : real.xMalloc(size);
     sqliteBlocks += block != nullptr ? 1 : 0;
     return block;
 }

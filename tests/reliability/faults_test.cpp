@@ -61,7 +61,8 @@ void Faults::SetUp() {
     right_ = entry().call();
     ASSERT_FALSE(right_.failed);
     after_ = workshop->contents();
-    ASSERT_EQ(before_.tables + before_.favNumbers == after_.tables + after_.favNumbers, entry().writes == Writes::Nothing);
+    ASSERT_EQ(before_.tables + before_.favNumbers == after_.tables + after_.favNumbers,
+              entry().writes == Writes::Nothing);
 }
 
 void Faults::checkAnswer(Answer const& answer) const {

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstring>
+#include <map>
 
 #include "fault.h"
 
@@ -13,14 +14,14 @@ namespace {
 sqlite3_vfs* real = nullptr;
 std::string target;
 
-// SQLite allocates szOsFile bytes for a file: this header, and the real file behind it.
-struct File {
-    sqlite3_file base;
-    sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
+// The real layer's operations on a file, some of them struck first.
+struct Operations : sqlite3_io_methods {
+    sqlite3_io_methods const* real;
 };
 
-sqlite3_file* realOf(sqlite3_file* file) { return reinterpret_cast<File*>(file)->real(); }
-sqlite3_io_methods const* methodsOf(sqlite3_file* file) { return realOf(file)->pMethods; }
+sqlite3_io_methods const* realOf(sqlite3_file* file) {
+    return static_cast<Operations const*>(file->pMethods)->real;
+}
 
 bool errorStrikes() { return fault.strikes(FaultKind::StorageError); }
 
@@ -29,11 +30,8 @@ void killIfStruck() {
         raise(SIGKILL);
 }
 
-int closeFile(sqlite3_file* file) { return methodsOf(file)->xClose(realOf(file)); }
-
 int readFile(sqlite3_file* file, void* data, int size, sqlite3_int64 offset) {
-    return errorStrikes() ? SQLITE_IOERR_READ
-                          : methodsOf(file)->xRead(realOf(file), data, size, offset);
+    return errorStrikes() ? SQLITE_IOERR_READ : realOf(file)->xRead(file, data, size, offset);
 }
 
 int writeFile(sqlite3_file* file, void const* data, int size, sqlite3_int64 offset) {
@@ -42,15 +40,15 @@ int writeFile(sqlite3_file* file, void const* data, int size, sqlite3_int64 offs
     if (fault.strikes(FaultKind::StorageFull))
         return SQLITE_FULL;
     if (fault.strikes(FaultKind::Kill)) {
-        methodsOf(file)->xWrite(realOf(file), data, size / 2, offset);
+        realOf(file)->xWrite(file, data, size / 2, offset);
         raise(SIGKILL);
     }
-    return methodsOf(file)->xWrite(realOf(file), data, size, offset);
+    return realOf(file)->xWrite(file, data, size, offset);
 }
 
 int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
     killIfStruck();
-    return errorStrikes() ? SQLITE_IOERR_TRUNCATE : methodsOf(file)->xTruncate(realOf(file), size);
+    return errorStrikes() ? SQLITE_IOERR_TRUNCATE : realOf(file)->xTruncate(file, size);
 }
 
 // A killed process loses nothing that it has written, so nothing has to reach the disk.
@@ -60,48 +58,45 @@ int syncFile(sqlite3_file*, int) {
 }
 
 int fileSize(sqlite3_file* file, sqlite3_int64* size) {
-    return errorStrikes() ? SQLITE_IOERR_FSTAT : methodsOf(file)->xFileSize(realOf(file), size);
+    return errorStrikes() ? SQLITE_IOERR_FSTAT : realOf(file)->xFileSize(file, size);
 }
 
 int lockFile(sqlite3_file* file, int level) {
     if (errorStrikes())
         return SQLITE_IOERR_LOCK;
-    return fault.strikes(FaultKind::StorageBusy) ? SQLITE_BUSY
-                                                 : methodsOf(file)->xLock(realOf(file), level);
-}
-
-int unlockFile(sqlite3_file* file, int level) {
-    return methodsOf(file)->xUnlock(realOf(file), level);
+    return fault.strikes(FaultKind::StorageBusy) ? SQLITE_BUSY : realOf(file)->xLock(file, level);
 }
 
 int checkReservedLock(sqlite3_file* file, int* isReserved) {
     return errorStrikes() ? SQLITE_IOERR_CHECKRESERVEDLOCK
-                          : methodsOf(file)->xCheckReservedLock(realOf(file), isReserved);
+                          : realOf(file)->xCheckReservedLock(file, isReserved);
 }
 
-int controlFile(sqlite3_file* file, int operation, void* argument) {
-    return methodsOf(file)->xFileControl(realOf(file), operation, argument);
+// The real layer has one set of operations for databases and one for journals.
+Operations const* struck(sqlite3_io_methods const* operations) {
+    static std::map<sqlite3_io_methods const*, Operations> all;
+    auto const [entry, isNew] = all.try_emplace(operations, Operations{*operations, operations});
+    if (isNew) {
+        Operations& ours = entry->second;
+        ours.iVersion = 1;  // without shared memory and memory maps, which would bypass the faults
+        ours.xRead = readFile;
+        ours.xWrite = writeFile;
+        ours.xTruncate = truncateFile;
+        ours.xSync = syncFile;
+        ours.xFileSize = fileSize;
+        ours.xLock = lockFile;
+        ours.xCheckReservedLock = checkReservedLock;
+    }
+    return &entry->second;
 }
-
-int sectorSize(sqlite3_file* file) { return methodsOf(file)->xSectorSize(realOf(file)); }
-
-int characteristics(sqlite3_file* file) {
-    return methodsOf(file)->xDeviceCharacteristics(realOf(file));
-}
-
-// Version 1: without shared memory and memory maps, which would bypass the faults.
-sqlite3_io_methods const kMethods = {
-    1,          closeFile,         readFile,    writeFile,  truncateFile,    syncFile, fileSize,
-    lockFile,   unlockFile,        checkReservedLock,       controlFile,     sectorSize,
-    characteristics, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
 
 int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
     file->pMethods = nullptr;
     if (errorStrikes())
         return SQLITE_CANTOPEN;
-    int const code = real->xOpen(real, name, realOf(file), flags, outFlags);
-    if (realOf(file)->pMethods != nullptr)
-        file->pMethods = &kMethods;
+    int const code = real->xOpen(real, name, file, flags, outFlags);
+    if (file->pMethods != nullptr)
+        file->pMethods = struck(file->pMethods);
     return code;
 }
 
@@ -132,7 +127,6 @@ void install(std::string const& channelDatabase, bool realTime) {
         real = sqlite3_vfs_find(nullptr);
         layer = *real;
         layer.zName = "faulty";
-        layer.szOsFile += static_cast<int>(sizeof(File));
         layer.xOpen = openFile;
         layer.xDelete = deleteFile;
         layer.xAccess = accessFile;

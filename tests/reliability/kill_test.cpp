@@ -64,57 +64,43 @@ std::vector<EntryPoint> edits() {
 
 INSTANTIATE_TEST_SUITE_P(EntryPoints, Killed, testing::ValuesIn(edits()));
 
-// Edit number `stamp` of FAV1, each with other services and numbers.
-std::vector<std::string> stampedEdit(unsigned int stamp) {
-    std::vector<int> services;
-    for (unsigned int service = 1; service <= kServices; ++service)
-        if ((service + stamp) % 3 != 0)
-            services.push_back(static_cast<int>(service));
-    return edit("list-of-favourites-1", services, stamp * 100);
+int edited(unsigned int stamp) {
+    return dbaccess::onServiceListEdit(
+        edit("list-of-favourites-1", servicesFor(stamp * 100), stamp * 100));
 }
 
-// What it leaves, in the form of Workshop::rows.
-std::string stampedRows(unsigned int stamp) {
-    std::vector<std::string> const arguments = stampedEdit(stamp);
-    std::string rows;
-    for (std::size_t i = 1; i < arguments.size(); i += 3)
-        rows += arguments[i + 2] + "|" + arguments[i + 1] + "|\n";
-    return rows;
-}
-
-constexpr char kFav1Rows[] =
-    "SELECT ServiceId, ChannelNum FROM FavoriteItem WHERE FavoriteId = 2 ORDER BY ChannelNum";
+std::string editOf(unsigned int stamp) { return listing(servicesFor(stamp * 100), stamp * 100); }
 
 TEST(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
     constexpr int kRounds = 150;
     Workshop workshop;
-    SharedValue<std::atomic<unsigned>> done;
-    ASSERT_GE(dbaccess::onServiceListEdit(stampedEdit(0)), 0);
+    auto& done = sharedValue<std::atomic<unsigned>>();
+    ASSERT_GE(edited(0), 0);
     forgetLibraryState();
     unsigned const seed = std::random_device()();
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
-    int ahead = 1;  // of the tag, which the edit above advanced, before the count of edits
+    int ahead = 1;  // of the count of edits: the update tag, which the edit above advanced, too
     for (int round = 0; round < kRounds && !HasFailure(); ++round) {
         pid_t const child = startChild([&] {
-            for (;; ++*done)
-                ASSERT_GE(dbaccess::onServiceListEdit(stampedEdit(*done + 1)), 0);
+            for (;; ++done)
+                ASSERT_GE(edited(done + 1), 0);
         });
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
         kill(child, SIGKILL);
         EXPECT_EQ(endOf(child), SIGKILL);
         EXPECT_EQ(workshop.rows("PRAGMA integrity_check"), "ok|\n");
-        std::string const rows = workshop.rows(kFav1Rows);
-        if (rows == stampedRows(*done + 1))
-            ++*done;  // committed, and killed before it could say so
-        EXPECT_EQ(rows, stampedRows(*done));
-        int const tag = std::atoi(workshop.rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 2").c_str());
-        int const nowAhead = tag - static_cast<int>(*done);
+        std::string const found = workshop.rows(
+            "SELECT ChannelNum, ServiceId FROM FavoriteItem WHERE FavoriteId = 2 ORDER BY 1");
+        if (found == editOf(done + 1))
+            ++done;  // committed, and killed before it could say so
+        EXPECT_EQ(found, editOf(done));
+        int const nowAhead = workshop.contents().tags[1] - static_cast<int>(done);
         EXPECT_TRUE(nowAhead == ahead || nowAhead == ahead + 1);
         ahead = nowAhead;
     }
     std::printf("figure: %d kills at a random moment\n", kRounds);
-    std::printf("figure: %u edits beside them\n", done->load());
+    std::printf("figure: %u edits between them\n", done.load());
 }
 
 }  // namespace

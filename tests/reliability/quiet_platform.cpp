@@ -40,7 +40,8 @@ extern "C" void orvDebugOutput0(unsigned int* descriptor, const char* format, ..
 }
 
 extern "C" int usleep(useconds_t microseconds) {
-    timespec const time = {microseconds / 1000000, static_cast<long>(microseconds % 1000000) * 1000};
+    timespec const time = {microseconds / 1000000,
+                           static_cast<long>(microseconds % 1000000) * 1000};
     return platform::sleepsTakeTime ? nanosleep(&time, nullptr) : 0;
 }
 

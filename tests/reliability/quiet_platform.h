@@ -7,7 +7,7 @@
 namespace platform {
 
 inline std::atomic<bool> sleepsTakeTime{false};
-inline std::atomic<unsigned> errors{0};       ///< messages of level 1000
+inline std::atomic<unsigned> errors{0};         ///< messages of level 1000
 inline std::atomic<unsigned> strangeErrors{0};  ///< those with an SQLite code other than busy
 
 }  // namespace platform

@@ -28,13 +28,6 @@ void runAtOnce(std::vector<std::function<void()>> const& calls) {
         thread.join();
 }
 
-std::vector<int> allServices() {
-    std::vector<int> services;
-    for (int service = 1; service <= kServices; ++service)
-        services.push_back(service);
-    return services;
-}
-
 void readServices(std::string const& list) {
     EXPECT_EQ(dbaccess::get_dbservices(list).size(), static_cast<std::size_t>(kServices));
 }

@@ -44,12 +44,15 @@ void makeDatabases(std::string const& file, std::string const& directory) {
     using channel_database::Transaction;
     ChannelDatabase database(file);
     Transaction transaction(database);
-    std::vector<List> full = {database.list("tamun.sl2.servicelist$all").uuid("list-of-all-services")};
+    std::vector<List> full = {
+        database.list("tamun.sl2.servicelist$all").uuid("list-of-all-services")};
     std::vector<List> favourites;
     for (int i = 1; i <= 4; ++i)
         favourites.push_back(database.list("User.tvFAV" + std::to_string(i))
                                  .uuid("list-of-favourites-" + std::to_string(i)));
-    full.push_back(database.list("servicelist://tamun.Astra 19.2\xb0" "E.14"));
+    full.push_back(
+        database.list("servicelist://tamun.Astra 19.2\xb0"
+                      "E.14"));
     full.back().attributes(0x120);
     full[0].attributes(0x21);
     for (int i = 1; i <= kOwnLists; ++i)

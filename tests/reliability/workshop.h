@@ -10,10 +10,10 @@ constexpr int kOwnLists = 4;     ///< "list-own-1" and so on, with every service
 
 /// A database file as another process would find it, read around the faults.
 struct Contents {
-    std::string tables;          // all that the library writes, but for the following
-    std::string favNumbers;      // channel numbers of the FAV lists
-    std::vector<int> tags;       // of each list
-    std::string integrity;       // "ok"
+    std::string tables;      // all that the library writes, but for the following
+    std::string favNumbers;  // channel numbers of the FAV lists
+    std::vector<int> tags;   // of each list
+    std::string integrity;   // "ok"
 };
 
 /// A directory with both databases, where the library finds them; removed at the end.

@@ -25,9 +25,11 @@
 ///   else, within 32 bits ("-" negates an unsigned number modulo 2^32). Numbers are the same under
 ///   every global locale.
 /// - Texts. A uuid may hold any bytes; it never ends the SQL literal that it stands in.
-/// - Exceptions. Database failures raise none. Functions that handle strings may let
-///   `std::bad_alloc` out to the host; locks are free then and an open transaction is rolled back.
-///   Row callbacks, the sql helpers, initViews and busy_callback raise none.
+/// - Exceptions. Database failures raise none. `std::bad_alloc` may reach the host from
+///   get_dbservices, select_dbservice, getFavriteAttributes, the row converters, onServiceListEdit,
+///   renumberFAVList, UpdateListTag, the operator lookups, and main0 when it is handed uuids; locks
+///   are free then and an open transaction is rolled back. select_Folders, row callbacks, the sql
+///   helpers, initViews and busy_callback raise none.
 /// - Messages. Every failure writes a message through the platform's debug library (level 1000,
 ///   module 0xda; the BISS lookup uses module 0xb4).
 #ifndef CHANNELLIST_ACCESS_DB_ACCESS_H
@@ -114,7 +116,8 @@ namespace dbaccess {
 /// The services of the list whose uuid is `favoriteUuId`, by channel number, or by media type and
 /// then channel number for lists with attribute bit 0x200. One row per item, deleted items too
 /// (attribute bit 0x200 of the row is clear for them); columns by m_svfield. When two lists share
-/// the uuid the first one is read, while the attribute bit is the last one's.
+/// the uuid the first one is read, while the attribute bit is the last one's. When the attributes
+/// cannot be read the order is that of the channel numbers.
 ///
 /// Opens on demand, sets the 1000 ms busy timeout, creates the views, and holds svresult_mutex.
 /// After a failed open the handle stays in `db`: every later request of the process then fails on
@@ -223,8 +226,11 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 /// FAV4 (see renumberFAVList).
 ///
 /// Opens on demand, holds svresult_mutex. The list's update tag advances before the transaction
-/// begins, so it has advanced even when a later step fails. Each write and the commit may wait up
-/// to 50 attempts.
+/// begins, so it has advanced even when a later step fails; an advance that fails is logged, and
+/// the edit goes on. So is a renumbering that fails, unless SQLite has rolled the edit back. Each
+/// write and the commit may wait up to 50 attempts. A FAV list edit that another process overtook,
+/// between reading the stored items and writing, is worked out again behind a lock, for which it
+/// may wait up to 50 attempts more.
 ///
 /// @return 0 or 101: the edit is committed (0: a FAV list edit that added and removed nothing).
 ///         -1: the number of strings is not 1 + 3k, or a number does not convert. -2: the database

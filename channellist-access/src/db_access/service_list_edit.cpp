@@ -86,9 +86,8 @@ int editFavList(CallSite const& site, unsigned int favoriteListId, unsigned int 
     return editInTransaction(site, Lock::AtOnce, [&](Statement& itemUpdate) {
         FavListPlan again;
         int const plannedAgain = planFavListEdit(favoriteListId, arguments, again);
-        return plannedAgain != 0
-                   ? plannedAgain
-                   : writeFavListEdit(favoriteListId, favIndex, again, itemUpdate);
+        return plannedAgain != 0 ? plannedAgain
+                                 : writeFavListEdit(favoriteListId, favIndex, again, itemUpdate);
     });
 }
 
