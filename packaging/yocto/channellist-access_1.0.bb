@@ -7,7 +7,7 @@ LICENSE = "CLOSED"
 SRC_URI = "file://channellist-access-${PV}.tar.gz"
 S = "${WORKDIR}/channellist-access-${PV}"
 
-# Of boost the headers alone. orv-debug stands for the recipe of the maker's debug library.
+# orv-debug stands for the recipe of the maker's debug library.
 DEPENDS = "boost sqlite3 orv-debug"
 
 inherit cmake pkgconfig

@@ -124,4 +124,28 @@ TEST_F(FavListEdit, ShowsInTheServiceList) {
     platform::forgetMessages();
 }
 
+TEST_F(FavListEdit, WritesFiveThousandEntries) {
+    constexpr int kCount = 5000;
+    channel_database::Transaction filling(database());
+    for (int pid = 1000; pid < 1000 + kCount; ++pid)
+        database().dvbs("many", pid);
+    filling.commit();
+    auto const entries = [](bool reversed) {
+        std::vector<std::string> arguments = {"fav4"};
+        for (int i = 0; i < kCount; ++i)
+            for (int const number : {0, i + 1, 1000 + (reversed ? kCount - 1 - i : i)})
+                arguments.push_back(std::to_string(number));
+        return arguments;
+    };
+    std::string const agreeing =
+        "SELECT count(*), sum(ChannelNum + ServiceId = 6000), sum(ServiceId - ChannelNum = 999),"
+        " (SELECT sum(FavTag4) FROM Service) FROM FavoriteItem WHERE FavoriteId = 9";
+    EXPECT_EQ(request(entries(false)), 101);
+    EXPECT_EQ(rows(agreeing), "5000|0|5000|5000");
+    EXPECT_EQ(request(entries(true)), 0);
+    EXPECT_EQ(rows(agreeing), "5000|5000|0|5000");
+    EXPECT_EQ(edit("fav4"), 101);
+    EXPECT_EQ(rows(agreeing), "0|NULL|NULL|0");
+}
+
 }  // namespace

@@ -60,6 +60,8 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
     std::unique_ptr<DatabaseLock> lock;
     std::pair<std::function<void()>, std::string> const cases[] = {
         {[] {}, "search db failed. no such table: SQL_OTTFavChannels "},
+        {[&] { std::ofstream file(ottFile()); },
+         "search db failed. no such table: SQL_OTTFavChannels "},
         {[&] { std::ofstream(ottFile()) << std::string(1000, 'x'); },
          "search db failed. file is not a database "},
         {[&] { setenv("HOME", "/dev/null", 1); }, "open db failed. unable to open database file "},
@@ -82,9 +84,10 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
         lock.reset();
     }
     ott("('FAV1', 5)");
-    setenv("HOME", directory().c_str(), 1);
+    setenv("HOME", ("../../../../../../../../" + directory()).c_str(), 1);
     Numbers values;
     EXPECT_EQ(dbaccess::getOttFav1List(values), 0) << "without a connection it tries anew";
+    EXPECT_THAT(values, ElementsAre(5)) << "a relative HOME counts from the working directory";
 }
 
 }  // namespace

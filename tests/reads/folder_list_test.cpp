@@ -84,6 +84,7 @@ TEST_F(FolderList, LcnRowsAddThirtyTwoOnceExceptInFiveNetworks) {
 TEST_F(FolderList, AttributeWord) {
     const std::tuple<const char*, unsigned int, unsigned int> cases[] = {
         {"User.tv", 3, 0x30005}, {"User.tvFAV1", 0, 0x5}, {"User.radio", 0, 0x9},
+        {"User.tv.magazine$sport.1", 0, 0x5}, {"User.radio.magazine$", 0, 0x9},
         {"User.", 1, 0x10000}, {"user.tv", 0, 0}, {"", 7, 0x70000}, {"", 0xffff8001, 0x80010000},
         {"servicelist://tamun.analog", 0, 0x140}, {"servicelist://tamun.analog2", 0, 0x40},
         {"servicelist://tamun.dvb.65536", 0, 0x42}, {"servicelist://tamun.dvb.65536.x", 0, 0x42},

@@ -52,8 +52,7 @@ int main(int argc, char** argv) {
     check(pids.size() >= 2, "FAV1 holds services");
     if (failures == 0) {
         const std::vector<std::string> edited(pids.rbegin(), pids.rbegin() + 2);
-        check(dbaccess::onServiceListEdit(
-                  {list, "0", "1", edited[0], "0", "2", edited[1]}) == 101,
+        check(dbaccess::onServiceListEdit({list, "0", "1", edited[0], "0", "2", edited[1]}) == 101,
               "FAV1 is cut to its last two services");
         check(pidsOf(list) == edited, "the edit is read back");
     }
