@@ -31,9 +31,8 @@ std::vector<std::string> standardErrorOf(const char* orvDebug, const std::functi
         dup2(ends[1], STDERR_FILENO);
         close(ends[0]);
         close(ends[1]);
-        if (kind == StandardError::kNonBlockingPipe) {
+        if (kind == StandardError::kNonBlockingPipe)
             fcntl(STDERR_FILENO, F_SETFL, O_NONBLOCK);
-        }
         orvDebug != nullptr ? setenv("ORV_DEBUG", orvDebug, 1) : unsetenv("ORV_DEBUG");
         body();
         _exit(0);
@@ -41,9 +40,8 @@ std::vector<std::string> standardErrorOf(const char* orvDebug, const std::functi
     close(ends[1]);
     std::vector<std::string> pieces;
     std::vector<char> buffer(1 << 20);
-    for (ssize_t length = 0; (length = read(ends[0], buffer.data(), buffer.size())) > 0;) {
+    for (ssize_t length = 0; (length = read(ends[0], buffer.data(), buffer.size())) > 0;)
         pieces.emplace_back(buffer.data(), static_cast<std::size_t>(length));
-    }
     close(ends[0]);
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
@@ -81,9 +79,8 @@ TEST(OrvDebug, EnvironmentOpensLevelsAndModules) {
         {"*", "+++++++"}, {"3000,0:0", "+------"}};
     for (const auto& [orvDebug, enabled] : cases) {
         const auto answers = standardErrorOf(orvDebug, [&] {
-            for (const auto& [module, level] : questions) {
+            for (const auto& [module, level] : questions)
                 output("%c", isEnabled(module, level) ? '+' : '-');
-            }
         });
         EXPECT_EQ(joined(answers), enabled) << (orvDebug != nullptr ? orvDebug : "(unset)");
     }
@@ -95,18 +92,16 @@ TEST(OrvDebug, UnreadableItemsAreNamedOnceAndOpenNothing) {
     for (const char* item : {"x", "0x", "-1", "1 2", "65536", "0x10000:1", "1:", ":1", "1:2:3",
                              "all:1", "1:0xg", "99999999999999999999", "%s%n"}) {
         const auto pieces = standardErrorOf((std::string(item) + ",4000").c_str(), [] {
-            for (int i = 0; i < 2; ++i) {
+            for (int i = 0; i < 2; ++i)
                 output("%d%d%d%d\n", isEnabled(1, 1), isEnabled(1, 2), isEnabled(0xda, 1),
                        isEnabled(1, 4000));
-            }
         });
         EXPECT_THAT(pieces,
                     ElementsAre(HasSubstr('"' + std::string(item) + '"'), "0001\n", "0001\n"));
     }
     std::string tooMany;
-    for (int level = 1; level <= 65; ++level) {
+    for (int level = 1; level <= 65; ++level)
         tooMany += std::to_string(level) + ",";
-    }
     EXPECT_THAT(standardErrorOf(tooMany.c_str(),
                                 [] { output("%d%d", isEnabled(1, 64), isEnabled(1, 65)); }),
                 ElementsAre(HasSubstr("\"65\""), "10"));
@@ -138,21 +133,18 @@ TEST(OrvDebug, MessagesOfThreadsStayWhole) {
         std::vector<std::thread> threads;
         for (const char letter : std::string("abcdefgh", kThreads)) {
             threads.emplace_back([text = std::string(kLength, letter)] {
-                for (int i = 0; i < kMessages; ++i) {
+                for (int i = 0; i < kMessages; ++i)
                     output("%s\n", text.c_str());
-                }
             });
         }
-        for (auto& thread : threads) {
+        for (auto& thread : threads)
             thread.join();
-        }
     };
     for (const auto kind : {StandardError::kPipe, StandardError::kNonBlockingPipe}) {
         const std::string whole = joined(standardErrorOf("4000", body, kind));
         ASSERT_EQ(whole.size(), (kLength + 1) * kThreads * kMessages);
-        for (std::size_t start = 0; start < whole.size(); start += kLength + 1) {
+        for (std::size_t start = 0; start < whole.size(); start += kLength + 1)
             ASSERT_EQ(whole.substr(start, kLength + 1), std::string(kLength, whole[start]) + "\n");
-        }
     }
 }
 

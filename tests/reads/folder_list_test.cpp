@@ -38,9 +38,8 @@ TEST_F(FolderList, OrderOfTheKinds) {
         {6, "SERVICELIST://TAMUN.DVBC"},
         {8, "servicelist://tamun.dvbip.1"}, {9, "servicelist://tamun.analog.x"},
         {10, "servicelist://tamun.home"}, {11, "servicelist://tamun.dvb.65536"}};
-    for (const auto& [pid, creator] : lists) {
+    for (const auto& [pid, creator] : lists)
         database().list(creator, pid);
-    }
     EXPECT_EQ(names(),
               "servicelist://tamun.home;servicelist://tamun.analog.x;"
               "servicelist://tamun.dvbt 0x10000;SERVICELIST://TAMUN.DVBC;a;B;"
@@ -75,9 +74,8 @@ TEST_F(FolderList, LcnRowsAddThirtyTwoOnceExceptInFiveNetworks) {
     auto list = database().list("any");
     for (const auto& [network, attributes, lcnRows, capability] : cases) {
         database().run("DELETE FROM Lcn");
-        for (int row = 0; row < lcnRows; ++row) {
+        for (int row = 0; row < lcnRows; ++row)
             database().lcn(7, list, row);
-        }
         list.networkId(network).attributes(attributes);
         EXPECT_EQ(column(dbaccess::select_Folders(), 4), capability);
     }
@@ -103,9 +101,8 @@ TEST_F(FolderList, CapabilityCodes) {
         {"0", "63"}, {"15", "63"}, {"16", "18"}, {"272", "48"}, {"400", "18"}, {"128", "18"},
         {"256", "50"}, {"32", "50"}, {"48", "18"}, {"32768", "63"}, {"-1", "63"}, {"65536", "63"},
         {"+16", "18"}, {"32752", "18"}, {"-2147483648", "63"}};
-    for (const auto& [attributes, code] : cases) {
+    for (const auto& [attributes, code] : cases)
         EXPECT_EQ(converted(raw("any", attributes), {4}), code) << attributes;
-    }
     EXPECT_THAT(texts(4000), ElementsAre("list doesn't have edit function."));
 }
 
@@ -116,9 +113,8 @@ TEST_F(FolderList, EveryFieldIdHasItsText) {
     EXPECT_EQ(converted(raw("", "0"), {}), "");
     const std::pair<const char*, const char*> captions[] = {
         {"$all", "#3052"}, {"$av", "#3051"}, {" $all", " $all"}, {"$ALL", "$ALL"}, {" x ", " x "}};
-    for (const auto& [name, caption] : captions) {
+    for (const auto& [name, caption] : captions)
         EXPECT_EQ(converted(raw("c", "0", name), {0}), caption);
-    }
     database().list("User.tvFAV1").networkId(nullptr).updateTag(nullptr).uuid(nullptr);
     m_flfield.assign(std::begin(fl), std::end(fl));
     EXPECT_EQ(joined(dbaccess::select_Folders()), "User.tvFAV1||5||63||FAV1|");
@@ -144,17 +140,17 @@ TEST_F(FolderList, ARowThatDoesNotConvertEndsTheQuery) {
 
 TEST_F(FolderList, ShortAndMissingRowsAreRefused) {
     ResultSet rows;
-    EXPECT_EQ(dbaccess::computeFolder(6, ResultRow(6, "0"), &rows), -1);
-    EXPECT_EQ(dbaccess::computeFolder(8, ResultRow(7, "0"), &rows), -1);
-    EXPECT_EQ(dbaccess::computeFolder(-1, ResultRow(7, "0"), &rows), -1);
     char* values[] = {nullptr};
-    EXPECT_EQ(dbaccess::folder_callback(&rows, 1, nullptr, values), -1);
-    EXPECT_EQ(dbaccess::folder_callback(&rows, 1, values, nullptr), -1);
-    EXPECT_EQ(dbaccess::folder_callback(&rows, -1, values, values), -1);
-    EXPECT_THAT(texts(), ElementsAre("flrow.size is wrong 6", "flrow.size is wrong 7",
-                                     "flrow.size is wrong 7", "names or values NULL !!",
-                                     "names or values NULL !!", "flrow.size is wrong 0",
-                                     "folder_callback Failed!!"));
+    for (const int refused : {dbaccess::computeFolder(6, ResultRow(6, "0"), &rows),
+                              dbaccess::computeFolder(8, ResultRow(7, "0"), &rows),
+                              dbaccess::computeFolder(-1, ResultRow(7, "0"), &rows),
+                              dbaccess::folder_callback(&rows, 1, nullptr, values),
+                              dbaccess::folder_callback(&rows, 1, values, nullptr),
+                              dbaccess::folder_callback(&rows, -1, values, values)})
+        EXPECT_EQ(refused, -1);
+    EXPECT_EQ(joined(texts(), "; "),
+              "flrow.size is wrong 6; flrow.size is wrong 7; flrow.size is wrong 7; names or values "
+              "NULL !!; names or values NULL !!; flrow.size is wrong 0; folder_callback Failed!!");
     EXPECT_THAT(rows, IsEmpty());
 }
 

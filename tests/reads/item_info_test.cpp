@@ -49,9 +49,8 @@ void expectFilled(const ItemInfo& item) {
 TEST(ItemInfo, HoldsEveryFieldByItselfAndCopiesIt) {
     VideoItemInfo item("caption", "uuid");
     int number = 0;
-    for (const auto& field : kTexts) {
+    for (const auto& field : kTexts)
         (item.*field.set)(" \t text " + std::to_string(number++) + "\v\r\n");
-    }
     // clang-format off
     item.setItemType(static_cast<itemType>(0x100)); item.setPreviewPage(100);
     item.setSubtitlePage(-150); item.setEncoding(3); item.setReceivable(false);
@@ -86,9 +85,8 @@ TEST(ItemInfo, StartsWithTheDefaultsOfItsKind) {
 TEST(ItemInfo, StripsFourCharactersAtBothEnds) {
     const char* const cases[][2] = {
         {"", ""}, {" \t\n\r", ""}, {"x", "x"}, {" a b\r\n", "a b"}, {"\va\f", "\va\f"}};
-    for (const auto& [given, stripped] : cases) {
+    for (const auto& [given, stripped] : cases)
         EXPECT_EQ(ItemInfo::stripValue(given), stripped);
-    }
 }
 
 }  // namespace

@@ -27,9 +27,8 @@ const std::string kOrder =
 std::vector<std::string> split(const std::string& text, char at) {
     std::vector<std::string> parts;
     std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, at);) {
+    for (std::string part; std::getline(stream, part, at);)
         parts.push_back(part);
-    }
     return parts;
 }
 
@@ -40,9 +39,8 @@ ResultRow raw(const std::string& changes = "") {
         return row.at(static_cast<std::size_t>(std::find(columns.begin(), columns.end(), column) -
                                                columns.begin()));
     };
-    for (const std::string& column : split(kNumbers, ',')) {
+    for (const std::string& column : split(kNumbers, ','))
         at(column) = "0";
-    }
     for (const std::string& change : split(changes, ';')) {
         const auto equals = change.find('=');
         at(change.substr(0, equals)) = change.substr(equals + 1);
@@ -56,9 +54,8 @@ std::string converted(const std::string& changes, const std::vector<int>& fields
     ResultSet rows;
     EXPECT_EQ(dbaccess::computeService(34, raw(changes), &rows), 0);
     std::string text;
-    for (const std::string& cell : *rows.at(0)) {
+    for (const std::string& cell : *rows.at(0))
         text += "|" + cell;
-    }
     return text;
 }
 
@@ -94,12 +91,10 @@ TEST_F(ServiceRow, KindAndFrontendClass) {
         {"rec://plain/hdmi?frontend=2", "2"}, {"rec://plain/hdmi", "6"}, {"rec://plain/scart", "7"},
         {"rec://plain/avs", "8"}, {"rec://plain/vga", "9"}, {"rec://plain/spdifin", "10"},
         {"rec://plain/spdifi", "0"}, {"xrec://plain/hdmi", "0"}, {"", "0"}, {"about:blank", "0"}};
-    for (const auto& [uri, expected] : classes) {
+    for (const auto& [uri, expected] : classes)
         EXPECT_EQ(converted(std::string("Uri=") + uri, {4}), std::string("|") + expected) << uri;
-    }
-    for (const auto& [media, kind] : {std::pair("2", "|2"), {"1", "|4"}, {"0", "|4"}}) {
+    for (const auto& [media, kind] : {std::pair("2", "|2"), {"1", "|4"}, {"0", "|4"}})
         EXPECT_EQ(converted(std::string("MediaType=") + media, {21}), kind) << media;
-    }
 }
 
 TEST_F(ServiceRow, InputSources) {
@@ -169,9 +164,8 @@ TEST_F(ServiceRow, UriNumbersSaturate) {
         {"?sid=2147483647", "2147483647"}, {"?sid=2147483648", "2147483647"},
         {"?sid=-2147483648", "-2147483648"}, {"?sid=-2147483649", "-2147483648"},
         {"?sid=99999999999999999999", "2147483647"}};
-    for (const auto& [uri, expected] : cases) {
+    for (const auto& [uri, expected] : cases)
         EXPECT_EQ(converted(std::string("Uri=") + uri, {8}), std::string("|") + expected) << uri;
-    }
 }
 
 TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
@@ -183,9 +177,8 @@ TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
                          boost::bad_lexical_cast) << column << " " << text;
         }
         EXPECT_EQ(sv.uuid, "before");
-        for (const char* text : {"+5", "-0", "0000000000005", "2147483647", "-2147483648"}) {
+        for (const char* text : {"+5", "-0", "0000000000005", "2147483647", "-2147483648"})
             EXPECT_NO_THROW(dbaccess::fetchServiceItem(raw("Uuid=before;" + column + "=" + text)));
-        }
     }
 }
 

@@ -101,9 +101,8 @@ TEST_F(SqlHelpers, ABusyStepIsTriedFiftyTimes) {
             sqlite3_finalize(stmt);
             EXPECT_EQ(platform::sleptMicroseconds(), freeAt * 100000U);
             auto expected = repeated(freeAt, {kTryAgain});
-            if (freeAt == 50) {
+            if (freeAt == 50)
                 expected.push_back(" database is locked, time out, hint:'tag'.");
-            }
             EXPECT_EQ(texts(), expected);
         }
     }

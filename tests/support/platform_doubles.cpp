@@ -56,7 +56,7 @@ Message takenApart(unsigned int word, const char* format, va_list arguments) {
     va_copy(again, arguments);
     std::string const whole = formatted(format, again);
     va_end(again);
-    Message message{word >> 16, word & 0xffff, format, "MALFORMED " + whole, "", 0, ""};
+    Message message{word >> 16, word & 0xffff, format, "MALFORMED " + whole, "", "", 0};
     if (message.format.rfind(kPrefix, 0) == 0 && whole.back() == '\n' && enabledWord == word) {
         message.file = va_arg(arguments, const char*);
         message.line = va_arg(arguments, int);
@@ -69,24 +69,46 @@ Message takenApart(unsigned int word, const char* format, va_list arguments) {
 
 }  // namespace
 
-// clang-format off
-void reset() { locked([](State& s) { s = State(); }); }
+void reset() {
+    locked([](State& s) { s = State(); });
+}
 
-int sleepCount() { return locked([](State& s) { return s.sleepCount; }); }
-unsigned long long sleptMicroseconds() { return locked([](State& s) { return s.sleptMicroseconds; }); }
-void onSleep(std::function<void(int)> hook) { locked([&](State& s) { s.sleepHook = hook; }); }
+int sleepCount() {
+    return locked([](State& s) { return s.sleepCount; });
+}
+unsigned long long sleptMicroseconds() {
+    return locked([](State& s) { return s.sleptMicroseconds; });
+}
+void onSleep(std::function<void(int)> hook) {
+    locked([&](State& s) { s.sleepHook = hook; });
+}
 
-std::vector<std::string> commands() { return locked([](State& s) { return s.commands; }); }
-void onCommand(std::function<int(const std::string&)> hook) { locked([&](State& s) { s.commandHook = hook; }); }
+std::vector<std::string> commands() {
+    return locked([](State& s) { return s.commands; });
+}
+void onCommand(std::function<int(const std::string&)> hook) {
+    locked([&](State& s) { s.commandHook = hook; });
+}
 
-std::vector<Message> messages() { return locked([](State& s) { return s.messages; }); }
-void forgetMessages() { locked([](State& s) { s.messages.clear(); }); }
-int checkCount() { return locked([](State& s) { return s.checkCount; }); }
-void enableLevels(std::function<bool(unsigned int)> enabled) { locked([&](State& s) { s.enabled = enabled; }); }
+std::vector<Message> messages() {
+    return locked([](State& s) { return s.messages; });
+}
+void forgetMessages() {
+    locked([](State& s) { s.messages.clear(); });
+}
+int checkCount() {
+    return locked([](State& s) { return s.checkCount; });
+}
+void enableLevels(std::function<bool(unsigned int)> enabled) {
+    locked([&](State& s) { s.enabled = enabled; });
+}
 
-std::vector<std::string> openedPaths() { return locked([](State& s) { return s.openedPaths; }); }
-void redirectOpen(const std::string& path, const std::string& file) { locked([&](State& s) { s.redirections[path] = file; }); }
-// clang-format on
+std::vector<std::string> openedPaths() {
+    return locked([](State& s) { return s.openedPaths; });
+}
+void redirectOpen(const std::string& path, const std::string& file) {
+    locked([&](State& s) { s.redirections[path] = file; });
+}
 
 }  // namespace platform
 

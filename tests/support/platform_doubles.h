@@ -19,9 +19,8 @@ struct Message {
     unsigned int level = 0;
     std::string format;  // whole, as handed over
     std::string text;    // between the prefix and the final line feed
-    std::string file;
+    std::string file, function;
     int line = 0;
-    std::string function;
 };
 
 /// Forgets all records, hooks and redirections, and enables every level.

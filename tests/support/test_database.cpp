@@ -17,9 +17,8 @@ void closeForGood(sqlite3*& connection, const char* name) {
 
 DatabaseLock::DatabaseLock(const std::string& file, const char* begin) {
     sqlite3_open_v2(file.c_str(), &connection_, SQLITE_OPEN_READWRITE, nullptr);
-    if (sqlite3_exec(connection_, begin, nullptr, nullptr, nullptr) != SQLITE_OK) {
+    if (sqlite3_exec(connection_, begin, nullptr, nullptr, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(connection_));
-    }
 }
 
 void DatabaseLock::release() {
@@ -49,48 +48,42 @@ void TestDatabase::TearDown() {
     closeForGood(db, "db");
     closeForGood(db_zentova, "db_zentova");
     database_.reset();
-    if (!directory_.empty()) {
+    if (!directory_.empty())
         std::filesystem::remove_all(directory_);
-    }
 }
 
 std::string TestDatabase::rows(const std::string& sql) {
     ResultSet all;
-    for (const auto& row : database_->rows(sql)) {
+    for (const auto& row : database_->rows(sql))
         all.push_back(boost::shared_ptr<ResultRow>(new ResultRow(row)));
-    }
     return joined(all);
 }
 
 std::string TestDatabase::joined(const ResultRow& row, const char* separator) {
     std::string text;
-    for (const std::string& cell : row) {
+    for (const std::string& cell : row)
         text += (&cell == &row.front() ? "" : separator) + cell;
-    }
     return text;
 }
 
 std::string TestDatabase::joined(const ResultSet& answer) {
     ResultRow lines;
-    for (const auto& row : answer) {
+    for (const auto& row : answer)
         lines.push_back(joined(*row));
-    }
     return joined(lines, ";");
 }
 
 std::string TestDatabase::column(const ResultSet& answer, std::size_t column) {
     ResultRow cells;
-    for (const auto& row : answer) {
+    for (const auto& row : answer)
         cells.push_back(row->at(column));
-    }
     return joined(cells, ";");
 }
 
 std::vector<std::string> TestDatabase::repeated(int count, const std::vector<std::string>& some) {
     std::vector<std::string> all;
-    while (--count >= 0) {
+    while (--count >= 0)
         all.insert(all.end(), some.begin(), some.end());
-    }
     return all;
 }
 
@@ -101,11 +94,9 @@ void TestDatabase::closeLibrary() {
 
 std::vector<std::string> TestDatabase::texts(unsigned int level) {
     std::vector<std::string> all;
-    for (const auto& message : platform::messages()) {
-        if (message.level == level) {
+    for (const auto& message : platform::messages())
+        if (message.level == level)
             all.push_back(message.text);
-        }
-    }
     return all;
 }
 

@@ -88,8 +88,10 @@ TEST_F(ToolTest, FindsFavouritesAgainInANewScan) {
     EXPECT_EQ(fav(3), "1 5");
     expect({"import --favourites favourites --list FAV4 set.db", 0, "FAV4: 3 services", "Gone"});
     EXPECT_EQ(fav(4), "1 1;2 6;3 5");
+    write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
     write("favourites", ":Sport\nJazz:394:M256:C:6900:0:0:0:0:10:3:8:0\n");
     expect({"import --favourites favourites", 1, nullptr, "no list has the uuid or name 'Sport'"});
+    expect({"import --favourites list", 2, nullptr, "A stands in no group; --list names"});
     expect({"import --favourites favourites --list Astra", 2, nullptr, "is none of FAV1 to FAV4"});
 }
 

@@ -100,6 +100,7 @@ TEST_F(ToolTest, NamesAListInEveryWayThatIsUnique) {
         "UPDATE FavoriteList SET Uuid = '' WHERE Pid = 13;"
         "UPDATE FavoriteList SET Uuid = 'FAV1' WHERE Pid = 14");
     expect({"services all", 1, nullptr, "several lists are called 'all', name one by its uuid:"});
+    expect({"services ''", 1, nullptr, "no list has the uuid or name ''"});
     expect({"services FAV3", 1, nullptr, "the list 'FAV3' has no uuid, so no request can name it"});
     expect({"attributes FAV1", 0, "FAV4", nullptr});
 }

@@ -5,7 +5,6 @@
 #include <sstream>
 
 using testing::HasSubstr;
-using testing::Not;
 
 namespace {
 
@@ -23,13 +22,10 @@ TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
         EXPECT_THAT(out, HasSubstr("Examples:\n  channellist " + command)) << command;
         EXPECT_THAT(help, HasSubstr("\n  " + command + " ")) << command;
         EXPECT_THAT(manual, HasSubstr(command)) << command;
-        EXPECT_EQ(system(("bash -c '. " TOOL_SOURCE "/channellist.bash-completion; COMP_CWORD=1;"
-                          " COMP_WORDS=(channellist " +
-                          command +
-                          "); _channellist;"
-                          " [ \"$COMPREPLY\" = " +
-                          command + " ]'")
-                             .c_str()),
+        setenv("COMMAND", command.c_str(), 1);
+        EXPECT_EQ(system("bash -c '. " TOOL_SOURCE "/channellist.bash-completion; COMP_CWORD=1;"
+                         " COMP_WORDS=(channellist $COMMAND); _channellist;"
+                         " [ \"$COMPREPLY\" = $COMMAND ]'"),
                   0)
             << command;
     }

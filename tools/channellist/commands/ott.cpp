@@ -16,6 +16,7 @@ namespace {
 
 std::string texts(const std::vector<unsigned int>& numbers) {
     std::vector<std::string> words;
+    words.reserve(numbers.size());
     for (const unsigned int number : numbers) {
         words.push_back(std::to_string(number));
     }

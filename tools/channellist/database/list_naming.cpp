@@ -20,6 +20,9 @@ std::string favName(const List& list) {
 }
 
 bool isCalled(const List& list, const std::string& word) {
+    if (word.empty()) {
+        return false;
+    }
     return list.name == word || favName(list) == word || (word == "all" && isAllList(list)) ||
            (word == "av" && list.creator == "tamun.sl2.servicelist$av");
 }
@@ -81,7 +84,7 @@ List findList(const std::string& word) {
 bool isAllList(const List& list) { return list.creator == "tamun.sl2.servicelist$all"; }
 
 std::string displayName(const List& list) {
-    const std::string fav = favName(list);
+    std::string fav = favName(list);
     if (!fav.empty()) {
         return fav;
     }

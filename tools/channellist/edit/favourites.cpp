@@ -78,12 +78,19 @@ class ServicesByTriplet {
 };
 
 List favList(const std::string& name) {
-    const List list = findList(name);
+    List list = findList(name);
     if (list.favIndex == 0) {
         throw Failure("'" + name + "' is none of FAV1 to FAV4; --list names the list to write",
                       kUsage);
     }
     return list;
+}
+
+const std::string& groupOf(const Channel& channel, const ChannelsConf& channels) {
+    if (channel.group < 0) {
+        throw Failure(channel.name + " stands in no group; --list names the list to write", kUsage);
+    }
+    return channels.groups[static_cast<std::size_t>(channel.group)];
 }
 
 // In the order of the channels, each service once.
@@ -117,14 +124,13 @@ std::vector<Favourites> findFavourites(const ChannelsConf& channels, const std::
     std::map<int, std::size_t> places;  // of the groups
     for (const Channel& channel : channels.channels) {
         if (listName.empty() && places.emplace(channel.group, lists.size()).second) {
-            const auto group = static_cast<std::size_t>(channel.group);
-            lists.emplace_back(favList(channel.group < 0 ? "" : channels.groups[group]),
-                               std::vector<const Channel*>());
+            lists.emplace_back(favList(groupOf(channel, channels)), std::vector<const Channel*>());
         }
         lists[listName.empty() ? places[channel.group] : 0].second.push_back(&channel);
     }
     const ServicesByTriplet services;
     std::vector<Favourites> result;
+    result.reserve(lists.size());
     for (const auto& [list, members] : lists) {
         result.push_back(collect(list, members, services));
     }
