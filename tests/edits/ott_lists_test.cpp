@@ -1,5 +1,6 @@
 // The positions of OTT channels, in a database of their own below HOME.
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -84,7 +85,7 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
         lock.reset();
     }
     ott("('FAV1', 5)");
-    setenv("HOME", ("../../../../../../../../" + directory()).c_str(), 1);
+    setenv("HOME", std::filesystem::relative(directory()).c_str(), 1);
     Numbers values;
     EXPECT_EQ(dbaccess::getOttFav1List(values), 0) << "without a connection it tries anew";
     EXPECT_THAT(values, ElementsAre(5)) << "a relative HOME counts from the working directory";
