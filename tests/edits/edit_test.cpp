@@ -35,7 +35,6 @@ void EditTest::SetUp() {
             services.at(service).favTag(list - 5);
         }
     }
-    setenv("HOME", directory().c_str(), 1);
     ASSERT_EQ(sqlite3_open_v2(file().c_str(), &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
     sqlite3_exec(db, "PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
     sqlite3_trace_v2(db, SQLITE_TRACE_STMT, onStatement, this);

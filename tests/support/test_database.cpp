@@ -33,6 +33,8 @@ void TestDatabase::SetUp() {
     file_ = directory_ + "/servicelist.db";
     database_ = std::make_unique<channel_database::ChannelDatabase>(file_);
 
+    setenv("HOME", directory_.c_str(), 1);  // where the library looks for the OTT database
+
     db = nullptr;
     db_zentova = nullptr;
     bisskey.clear();
