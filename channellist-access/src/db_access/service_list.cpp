@@ -24,10 +24,8 @@ class ReadTransaction {
             LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
     }
     ~ReadTransaction() {
-        if (!open_)
-            return;
-        sqlite3_exec(connection_, "ROLLBACK TRANSACTION", nullptr, nullptr, nullptr);
-        spare_.finish(connection_);
+        if (open_)
+            spare_.finish(connection_);
     }
     ReadTransaction(ReadTransaction const&) = delete;
     ReadTransaction& operator=(ReadTransaction const&) = delete;
@@ -35,7 +33,7 @@ class ReadTransaction {
     // COMMIT is issued even when BEGIN failed.
     int end(CallSite const& site) {
         int const code = run("COMMIT TRANSACTION", site);
-        open_ = open_ && code != SQLITE_OK && sqlite3_get_autocommit(connection_) == 0;
+        open_ = open_ && code != SQLITE_OK;
         return code;
     }
 
