@@ -7,6 +7,7 @@
 #include "db_access/tuning_uri.h"
 #include "dbservice_query_result/raw_service_row.h"
 #include "dbservice_query_result/service_attributes.h"
+#include "dbservice_query_result/service_item_assembly.h"
 #include "support/number_text.h"
 #include "support/text.h"
 
@@ -146,20 +147,47 @@ std::string fieldText(int field, TuningUri const& uri, CallSite const& site) {
     }
 }
 
+// Nothing when memory runs out.
+std::optional<RawServiceRow> newRawRow(int count, char** values) noexcept {
+    try {
+        return RawServiceRow(count, values);
+    } catch (std::exception const&) {
+        return std::nullopt;
+    }
+}
+
+int computeService(int argc, RawServiceRow const& svrow, ResultSet* out) {
+    if (static_cast<unsigned int>(argc) > svrow.size() || !svrow.isComplete()) {
+        LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
+        return kMalformed;
+    }
+    fetchServiceItem(svrow);
+    boost::shared_ptr<ResultRow> const row = newResultRow(m_svfield.size());
+    if (!row) {
+        LOG_TEXT(Error, "new memory failed!");
+        return kMalformed;
+    }
+    TuningUri const uri(sv.locator);
+    for (int const field : m_svfield)
+        row->push_back(fieldText(field, uri, CALL_SITE));
+    out->push_back(row);
+    return 0;
+}
+
 // Names the row and the column that stopped the query.
-void logBadColumn(CallSite const& site, ResultRow const& columns, ServiceColumn column) {
-    RawServiceRow const row(columns);
+void logBadColumn(CallSite const& site, RawServiceRow const& row, ServiceColumn column) {
     LOG_FORMAT_AT(site, kLogModule, Error,
                   "service %s (uuid %s): column %.*s holds no number: '%s'",
-                  row.text(ServiceColumn::Pid).c_str(), row.text(ServiceColumn::Uuid).c_str(),
+                  row.cText(ServiceColumn::Pid), row.cText(ServiceColumn::Uuid),
                   static_cast<int>(serviceColumnName(column).size()),
-                  serviceColumnName(column).data(), row.text(column).c_str());
+                  serviceColumnName(column).data(), row.cText(column));
 }
 
 // Converts the row without letting an exception through to SQLite.
-int computeServiceGuarded(CallSite const& site, int count, ResultRow const& row, ResultSet* out) {
+int computeServiceGuarded(CallSite const& site, int count, RawServiceRow const& row,
+                          ResultSet* out) {
     try {
-        return dbaccess::computeService(count, row, out);
+        return computeService(count, row, out);
     } catch (BadServiceColumn const& error) {
         logBadColumn(site, row, error.column());
     } catch (std::exception const& error) {
@@ -180,13 +208,13 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    ResultRow svrow;
-    if (!copyRawRow(argc, values, svrow)) {
+    std::optional<RawServiceRow> const svrow = newRawRow(argc, values);
+    if (!svrow) {
         LOG_TEXT(Error, "malloc error of svrow !!");
         return kStopQuery;
     }
-    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow.size()));
-    if (computeServiceGuarded(CALL_SITE, argc, svrow, static_cast<ResultSet*>(data)) != 0) {
+    LOG_FORMAT(Row, "svrow->size():%d", static_cast<int>(svrow->size()));
+    if (computeServiceGuarded(CALL_SITE, argc, *svrow, static_cast<ResultSet*>(data)) != 0) {
         LOG_TEXT(Error, "serivce_callback failed!!");
         return kStopQuery;
     }
@@ -194,19 +222,5 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
 }
 
 int dbaccess::computeService(int argc, std::vector<std::string> const& svrow, ResultSet* out) {
-    if (static_cast<unsigned int>(argc) > svrow.size() || svrow.size() < kServiceColumnCount) {
-        LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
-        return kMalformed;
-    }
-    fetchServiceItem(svrow);
-    boost::shared_ptr<ResultRow> const row = newResultRow(m_svfield.size());
-    if (!row) {
-        LOG_TEXT(Error, "new memory failed!");
-        return kMalformed;
-    }
-    TuningUri const uri(sv.locator);
-    for (int const field : m_svfield)
-        row->push_back(fieldText(field, uri, CALL_SITE));
-    out->push_back(row);
-    return 0;
+    return channellist::computeService(argc, RawServiceRow(svrow), out);
 }

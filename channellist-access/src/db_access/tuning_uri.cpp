@@ -1,38 +1,55 @@
 #include "db_access/tuning_uri.h"
 
-#include <algorithm>
+#include "support/text.h"
 
 namespace channellist {
 
-namespace {
-
-// In the order of TuningKey.
-constexpr std::array<std::string_view, kTuningKeyCount> kTuningKeys = {
-    "frontend", "frequency", "hdtv",       "onid",       "polarization",
-    "satid",    "sid",       "slotconfig", "symbolrate", "tsid",
-};
-
-}  // namespace
-
-TuningUri::TuningUri(std::string_view locator) {
-    for (char const mark : {'&', '?'})
-        for (std::size_t at = locator.find(mark); at != std::string_view::npos;
-             at = locator.find(mark, at + 1))
-            note(locator.substr(at + 1));
+// Keeps the value of a parameter with this beginning unless `key` has one. Inline, so that each
+// beginning is compared as a constant.
+inline void TuningUri::keep(TuningKey key, std::string_view beginning, std::string_view parameter) {
+    std::optional<std::string_view>& value = values_[static_cast<std::size_t>(key)];
+    if (!value && startsWith(parameter, beginning))
+        value = parameter.substr(beginning.size());
 }
 
-// Keeps the value of a parameter, "key=value" and the rest of the URI, unless its key has one.
+TuningUri::TuningUri(std::string_view locator) {
+    std::size_t end = locator.find('&');
+    while (end != std::string_view::npos) {
+        std::size_t const start = end + 1;
+        end = locator.find('&', start);
+        note(locator.substr(start, end - start));
+    }
+    for (std::size_t mark = locator.find('?'); mark != std::string_view::npos;
+         mark = locator.find('?', mark + 1))
+        note(locator.substr(mark + 1, locator.find('&', mark) - mark - 1));
+}
+
+// Keeps the value of a parameter that a row can show. The first character tells most others apart.
 void TuningUri::note(std::string_view parameter) {
-    std::size_t const equals = parameter.find('=');
-    if (equals == std::string_view::npos)
-        return;
-    auto const key = std::find(kTuningKeys.begin(), kTuningKeys.end(), parameter.substr(0, equals));
-    if (key == kTuningKeys.end())
-        return;
-    std::optional<std::string_view>& value =
-        values_[static_cast<std::size_t>(key - kTuningKeys.begin())];
-    if (!value)
-        value = parameter.substr(0, parameter.find('&', equals)).substr(equals + 1);
+    switch (parameter.empty() ? '\0' : parameter.front()) {
+        case 'f':
+            keep(TuningKey::Frontend, "frontend=", parameter);
+            keep(TuningKey::Frequency, "frequency=", parameter);
+            break;
+        case 'h':
+            keep(TuningKey::Hdtv, "hdtv=", parameter);
+            break;
+        case 'o':
+            keep(TuningKey::OriginalNetwork, "onid=", parameter);
+            break;
+        case 'p':
+            keep(TuningKey::Polarization, "polarization=", parameter);
+            break;
+        case 's':
+            keep(TuningKey::Satellite, "satid=", parameter);
+            keep(TuningKey::Service, "sid=", parameter);
+            keep(TuningKey::SlotConfig, "slotconfig=", parameter);
+            keep(TuningKey::SymbolRate, "symbolrate=", parameter);
+            break;
+        case 't':
+            keep(TuningKey::TransportStream, "tsid=", parameter);
+            break;
+    }
 }
 
 }  // namespace channellist

@@ -39,6 +39,7 @@ class TuningUri {
 
   private:
     void note(std::string_view parameter);
+    void keep(TuningKey key, std::string_view beginning, std::string_view parameter);
 
     std::array<std::optional<std::string_view>, kTuningKeyCount> values_;
 };

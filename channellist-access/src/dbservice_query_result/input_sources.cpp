@@ -11,7 +11,7 @@ enum class Names { Input, Service };
 struct InputSource {
     Names what;  // `name` is an internal name, or the uuid of the service
     std::string_view name;
-    const char* locator;
+    std::string_view locator;
 };
 
 // Tested in this order; comparisons are exact.
@@ -31,11 +31,11 @@ constexpr InputSource kInputSources[] = {
 
 }  // namespace
 
-std::optional<std::string> inputSourceLocator(std::string const& internalName,
-                                              std::string const& uuid) {
+std::optional<std::string_view> inputSourceLocator(std::string_view internalName,
+                                                   std::string_view uuid) {
     for (InputSource const& source : kInputSources) {
         if ((source.what == Names::Service ? uuid : internalName) == source.name)
-            return std::string(source.locator);
+            return source.locator;
     }
     return std::nullopt;
 }

@@ -3,14 +3,14 @@
 #define CHANNELLIST_DBSERVICE_QUERY_RESULT_INPUT_SOURCES_H
 
 #include <optional>
-#include <string>
+#include <string_view>
 
 namespace channellist {
 
 // The fixed tuning URI of the input with this internal name or service uuid; nothing for a
 // broadcast service.
-std::optional<std::string> inputSourceLocator(std::string const& internalName,
-                                              std::string const& uuid);
+std::optional<std::string_view> inputSourceLocator(std::string_view internalName,
+                                                   std::string_view uuid);
 
 }  // namespace channellist
 

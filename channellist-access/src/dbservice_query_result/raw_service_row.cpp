@@ -1,15 +1,28 @@
 #include "dbservice_query_result/raw_service_row.h"
 
 #include <optional>
-#include <stdexcept>
 
 #include "support/number_text.h"
 
 namespace channellist {
 
-RawServiceRow::RawServiceRow(std::vector<std::string> const& row) : row_(row) {
-    if (row.size() < kServiceColumnCount)
-        throw std::out_of_range("raw service row");
+namespace {
+
+// Most columns are a digit: a call of strlen for each would cost more than a look at it.
+std::string_view textOf(char const* value) {
+    if (value == nullptr)
+        return "";
+    if (value[0] != '\0' && value[1] == '\0')
+        return std::string_view(value, 1);
+    return value;
+}
+
+}  // namespace
+
+RawServiceRow::RawServiceRow(int count, char const* const* values)
+    : texts_(count > 0 ? static_cast<std::size_t>(count) : 0) {
+    for (std::string_view& text : texts_)
+        text = textOf(*values++);
 }
 
 std::int32_t RawServiceRow::convertedNumber(ServiceColumn column) const {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dbservice_query_result/service_columns.h"
@@ -23,19 +24,30 @@ class BadServiceColumn : public boost::bad_lexical_cast {
     ServiceColumn column_;
 };
 
-// A view of a row that the caller owns.
+// Views of the texts of one row, which lives longer: a row of 34 columns is read once, so that
+// copying its texts would cost more than their conversion.
 class RawServiceRow {
   public:
-    // Throws std::out_of_range when the row is shorter than the query's column list.
-    explicit RawServiceRow(std::vector<std::string> const& row);
+    // The texts of `count` columns, each ended by a null character; a null is the empty text.
+    // Raises std::bad_alloc.
+    RawServiceRow(int count, char const* const* values);
 
-    std::string const& text(ServiceColumn column) const {
-        return row_[static_cast<std::size_t>(column)];
+    explicit RawServiceRow(std::vector<std::string> const& row) : texts_(row.begin(), row.end()) {}
+
+    std::size_t size() const { return texts_.size(); }
+
+    // A row of the service query, whose columns may be asked for.
+    bool isComplete() const { return size() >= kServiceColumnCount; }
+
+    std::string_view text(ServiceColumn column) const {
+        return texts_[static_cast<std::size_t>(column)];
     }
+
+    char const* cText(ServiceColumn column) const { return text(column).data(); }
 
     // Throws BadServiceColumn when the text is no signed number.
     std::int32_t number(ServiceColumn column) const {
-        std::string const& value = text(column);
+        std::string_view const value = text(column);
         // Nearly every number of a row is one digit.
         bool const isOneDigit = value.size() == 1 && value[0] >= '0' && value[0] <= '9';
         return isOneDigit ? value[0] - '0' : convertedNumber(column);
@@ -46,7 +58,7 @@ class RawServiceRow {
   private:
     std::int32_t convertedNumber(ServiceColumn column) const;
 
-    std::vector<std::string> const& row_;
+    std::vector<std::string_view> texts_;
 };
 
 }  // namespace channellist

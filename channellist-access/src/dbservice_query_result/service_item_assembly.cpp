@@ -1,11 +1,14 @@
-// Turns one raw service row into an item and the item into the service snapshot.
+#include "dbservice_query_result/service_item_assembly.h"
+
 #include <channellist-access/db_access.h>
 #include <channellist-access/item_info.h>
 
+#include <stdexcept>
+
 #include "dbservice_query_result/input_sources.h"
-#include "dbservice_query_result/raw_service_row.h"
 #include "dbservice_query_result/service_attributes.h"
 #include "support/log.h"
+#include "support/text.h"
 
 ServiceSnapshot sv = {};
 
@@ -13,10 +16,34 @@ namespace channellist {
 namespace {
 
 constexpr LogModule kLogModule = LogModule::ItemAssembly;
-
-std::string const kVideoBroadcast = "object.item.videoItem.videoBroadcast";
-std::string const kAudioBroadcast = "object.item.audioItem.audioBroadcast";
 constexpr std::int32_t kMediaTypeRadio = 2;
+
+// The item of one service, for as long as its row: an ItemInfo whose texts view the row, with the
+// fields that the snapshot keeps.
+struct ServiceItem {
+    ServiceItem(itemType itemKind, RawServiceRow const& row)
+        : kind(itemKind),
+          caption(row.text(ServiceColumn::ExternalName)),
+          uuid(row.text(ServiceColumn::Uuid)) {}
+
+    itemType kind;
+    std::string_view caption;
+    std::string_view uuid;
+    std::string_view originalAncestor;
+    std::string_view originalUuid;
+    std::string_view locator;
+    std::string_view userIndex;
+    std::string_view tunerUuid;
+    std::string_view originalLcn;
+    std::string_view nitId;
+    std::int32_t previewPage = 0;
+    std::int32_t subtitlePage = 0;
+    std::int32_t encoding = 0;
+    unsigned int attributes = 0;
+    std::int32_t servicePid = 0;
+    bool visible = true;
+    bool selectable = true;
+};
 
 // What the item of a list says of a service; a negative value leaves the service's own flag.
 struct ItemOverrides {
@@ -24,112 +51,110 @@ struct ItemOverrides {
     std::int32_t selectable;
 };
 
-// The texts of a snapshot and the getters of the item's fields that they hold.
-struct SnapshotText {
-    std::string ServiceSnapshot::*text;
-    std::string const& (ItemInfo::*field)() const;
-};
-
-constexpr SnapshotText kSnapshotTexts[] = {
-    {&ServiceSnapshot::caption, &ItemInfo::getCaption},
-    {&ServiceSnapshot::locator, &ItemInfo::getLocator},
-    {&ServiceSnapshot::userIndex, &ItemInfo::getUserIndex},
-    {&ServiceSnapshot::uuid, &ItemInfo::getUUID},
-    {&ServiceSnapshot::originalAncestor, &ItemInfo::getOriginalAncestor},
-    {&ServiceSnapshot::originalUuid, &ItemInfo::getOriginalUuid},
-    {&ServiceSnapshot::tunerUuid, &ItemInfo::getTunerUUID},
-    {&ServiceSnapshot::originalLcn, &ItemInfo::getOriginalLcn},
-    {&ServiceSnapshot::nitId, &ItemInfo::getNitId},
-};
-
-// Room for all texts is made first: what follows it cannot fail, so the snapshot changes as a whole
-// or not at all. Most services find the room that an earlier one has left.
-void copyIntoSnapshot(ItemInfo const& item) {
-    for (SnapshotText const& rule : kSnapshotTexts)
-        (sv.*rule.text).reserve((item.*rule.field)().size());
-    for (SnapshotText const& rule : kSnapshotTexts)
-        sv.*rule.text = (item.*rule.field)();
-    sv.previewPage = item.getPreviewPage();
-    sv.subtitlePage = item.getSubtitlePage();
-    sv.attributes = item.getAttributes();
-    sv.encoding = item.getEncoding();
-    sv.itemKind = static_cast<int>(item.getItemType());
-    sv.servicePid = item.getServicePid();
-    sv.visible = item.isVisible();
-    sv.selectable = item.isSelectable();
+// A property that neither the snapshot nor a row shows: its column still has to hold a number.
+void checkNumber(RawServiceRow const& row, ServiceColumn column) {
+    static_cast<void>(row.number(column));
 }
 
-void setBroadcastProperties(ItemInfo& item, RawServiceRow const& row, std::string const& subType) {
-    item.setItemSubType(subType);
-    item.setVisible(row.isSet(ServiceColumn::SVisible));
-    item.setSelectable(row.isSet(ServiceColumn::SSelectable));
-    item.setSoundSelection(static_cast<unsigned int>(row.number(ServiceColumn::SoundSelection)));
-    item.setPreviewPage(row.number(ServiceColumn::TtxPreviewPage));
-    item.setSubtitlePage(row.number(ServiceColumn::TtxSubtitlePage));
-    item.setEncoding(row.number(ServiceColumn::TtxCharEnc));
-    item.setTunerUUID(row.text(ServiceColumn::TunerUuid));
-}
-
-// The last steps of every item. The snapshot changes only once all of them have succeeded.
-void completeItem(ItemInfo& item, RawServiceRow const& row, std::string const& locator,
-                  unsigned int attributes, ItemOverrides const& overrides) {
-    item.setItemLocator(locator);
-    if (row.isSet(ServiceColumn::Protected))
-        attributes |= kAttributeProtected;
-    item.setAttributes(static_cast<int>(attributes));
-    item.setVolumeCorrection(row.number(ServiceColumn::VolumeCorrection));
-    item.setUserIndex(row.text(ServiceColumn::ChannelNum));
-    item.setTitle(row.text(ServiceColumn::ExternalName));
-    if (overrides.visible >= 0)
-        item.setVisible(overrides.visible != 0);
-    if (overrides.selectable >= 0)
-        item.setSelectable(overrides.selectable != 0);
-    item.setOriginalAncestor(row.text(ServiceColumn::NetworkId));
-    item.setServicePid(static_cast<unsigned int>(row.number(ServiceColumn::Pid)));
-    item.setOriginalLcn(row.text(ServiceColumn::Lcn));
-    item.setNitId(row.text(ServiceColumn::NITId));
-    copyIntoSnapshot(item);
-}
-
-template <typename Item>
-void assembleBroadcast(RawServiceRow const& row, std::string const& subType,
-                       unsigned int attributes, ItemOverrides const& overrides) {
-    Item item(row.text(ServiceColumn::ExternalName), row.text(ServiceColumn::Uuid));
-    setBroadcastProperties(item, row, subType);
-    completeItem(item, row, row.text(ServiceColumn::Uri), attributes, overrides);
+// Columns are converted in this order: the first bad one is the one reported.
+ServiceItem broadcastItem(RawServiceRow const& row) {
+    bool const isRadio = row.number(ServiceColumn::MediaType) == kMediaTypeRadio;
+    ServiceItem item(isRadio ? ITEM_TYPE_AUDIO : ITEM_TYPE_VIDEO, row);
+    item.visible = row.isSet(ServiceColumn::SVisible);
+    item.selectable = row.isSet(ServiceColumn::SSelectable);
+    checkNumber(row, ServiceColumn::SoundSelection);
+    item.previewPage = row.number(ServiceColumn::TtxPreviewPage);
+    item.subtitlePage = row.number(ServiceColumn::TtxSubtitlePage);
+    item.encoding = row.number(ServiceColumn::TtxCharEnc);
+    item.tunerUuid = row.text(ServiceColumn::TunerUuid);
+    item.locator = row.text(ServiceColumn::Uri);
+    return item;
 }
 
 // An input takes its flags from the list alone and keeps the defaults of all broadcast properties,
 // so their columns are not converted.
-void assembleInputSource(RawServiceRow const& row, std::string const& locator,
-                         unsigned int attributes, ItemOverrides const& overrides) {
-    VideoItemInfo item(row.text(ServiceColumn::ExternalName), row.text(ServiceColumn::Uuid));
-    item.setItemSubType(kVideoBroadcast);
-    completeItem(item, row, locator, attributes, overrides);
+ServiceItem inputItem(RawServiceRow const& row, std::string_view locator) {
+    ServiceItem item(ITEM_TYPE_VIDEO, row);
+    item.locator = locator;
+    return item;
+}
+
+// The last steps of every item, in this order.
+void completeItem(ServiceItem& item, RawServiceRow const& row, unsigned int attributes,
+                  ItemOverrides const& overrides) {
+    item.locator = stripped(item.locator);
+    item.attributes = attributes;
+    if (row.isSet(ServiceColumn::Protected))
+        item.attributes |= kAttributeProtected;
+    checkNumber(row, ServiceColumn::VolumeCorrection);
+    item.userIndex = row.text(ServiceColumn::ChannelNum);
+    if (overrides.visible >= 0)
+        item.visible = overrides.visible != 0;
+    if (overrides.selectable >= 0)
+        item.selectable = overrides.selectable != 0;
+    item.originalAncestor = row.text(ServiceColumn::NetworkId);
+    item.servicePid = row.number(ServiceColumn::Pid);
+    item.originalLcn = row.text(ServiceColumn::Lcn);
+    item.nitId = row.text(ServiceColumn::NITId);
+}
+
+struct SnapshotText {
+    std::string ServiceSnapshot::*text;
+    std::string_view ServiceItem::*source;
+};
+
+constexpr SnapshotText kSnapshotTexts[] = {
+    {&ServiceSnapshot::caption, &ServiceItem::caption},
+    {&ServiceSnapshot::locator, &ServiceItem::locator},
+    {&ServiceSnapshot::userIndex, &ServiceItem::userIndex},
+    {&ServiceSnapshot::uuid, &ServiceItem::uuid},
+    {&ServiceSnapshot::originalAncestor, &ServiceItem::originalAncestor},
+    {&ServiceSnapshot::originalUuid, &ServiceItem::originalUuid},
+    {&ServiceSnapshot::tunerUuid, &ServiceItem::tunerUuid},
+    {&ServiceSnapshot::originalLcn, &ServiceItem::originalLcn},
+    {&ServiceSnapshot::nitId, &ServiceItem::nitId},
+};
+
+// Room for all texts is made first: what follows it cannot fail, so the snapshot changes as a whole
+// or not at all. Most services find the room that an earlier one has left.
+void copyIntoSnapshot(ServiceItem const& item) {
+    for (SnapshotText const& rule : kSnapshotTexts)
+        (sv.*rule.text).reserve((item.*rule.source).size());
+    for (SnapshotText const& rule : kSnapshotTexts)
+        sv.*rule.text = item.*rule.source;
+    sv.previewPage = item.previewPage;
+    sv.subtitlePage = item.subtitlePage;
+    sv.attributes = static_cast<int>(item.attributes);
+    sv.encoding = item.encoding;
+    sv.itemKind = static_cast<int>(item.kind);
+    sv.servicePid = static_cast<unsigned int>(item.servicePid);
+    sv.visible = item.visible;
+    sv.selectable = item.selectable;
 }
 
 }  // namespace
-}  // namespace channellist
 
-using namespace channellist;
-
-void dbaccess::fetchServiceItem(std::vector<std::string> const& columns) {
-    RawServiceRow const row(columns);
+void fetchServiceItem(RawServiceRow const& row) {
     unsigned int const attributes = storedAttributes(row);
     LOG_FORMAT(Notice, "uuid:%s, channelNumber:%s,internalName:%s,attr:%u,encrypted:%s,isdelete:%s",
-               row.text(ServiceColumn::Uuid).c_str(), row.text(ServiceColumn::ChannelNum).c_str(),
-               row.text(ServiceColumn::InternalName).c_str(), attributes,
-               row.text(ServiceColumn::Encrypted).c_str(),
-               row.text(ServiceColumn::isDeleted).c_str());
+               row.cText(ServiceColumn::Uuid), row.cText(ServiceColumn::ChannelNum),
+               row.cText(ServiceColumn::InternalName), attributes,
+               row.cText(ServiceColumn::Encrypted), row.cText(ServiceColumn::isDeleted));
     std::int32_t const visible = row.number(ServiceColumn::FIVisible);
     ItemOverrides const overrides = {visible, row.number(ServiceColumn::FISelectable)};
 
-    std::optional<std::string> const input =
+    std::optional<std::string_view> const input =
         inputSourceLocator(row.text(ServiceColumn::InternalName), row.text(ServiceColumn::Uuid));
-    if (input)
-        assembleInputSource(row, *input, attributes, overrides);
-    else if (row.number(ServiceColumn::MediaType) == kMediaTypeRadio)
-        assembleBroadcast<MusicItemInfo>(row, kAudioBroadcast, attributes, overrides);
-    else
-        assembleBroadcast<VideoItemInfo>(row, kVideoBroadcast, attributes, overrides);
+    ServiceItem item = input ? inputItem(row, *input) : broadcastItem(row);
+    completeItem(item, row, attributes, overrides);
+    copyIntoSnapshot(item);
+}
+
+}  // namespace channellist
+
+void dbaccess::fetchServiceItem(std::vector<std::string> const& columns) {
+    channellist::RawServiceRow const row(columns);
+    if (!row.isComplete())
+        throw std::out_of_range("raw service row");
+    channellist::fetchServiceItem(row);
 }

@@ -1,7 +1,6 @@
 #include <channellist-access/item_info.h>
 
-#include <algorithm>
-#include <iterator>
+#include "support/text.h"
 
 ItemInfo::ItemInfo() = default;
 
@@ -13,13 +12,7 @@ ItemInfo::ItemInfo(ItemInfo& other) = default;
 ItemInfo::~ItemInfo() = default;
 
 std::string ItemInfo::stripValue(std::string const& value) {
-    auto const isWhiteSpace = [](char character) {
-        return character == ' ' || character == '\t' || character == '\n' || character == '\r';
-    };
-    auto const first = std::find_if_not(value.begin(), value.end(), isWhiteSpace);
-    auto const last =
-        std::find_if_not(value.rbegin(), std::make_reverse_iterator(first), isWhiteSpace);
-    return std::string(first, last.base());
+    return std::string(channellist::stripped(value));
 }
 
 // One line an accessor, in the order of the fields.
