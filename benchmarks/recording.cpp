@@ -15,8 +15,6 @@ struct Finalize {
 };
 using PreparedStatement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-int doNothing(void* /*context*/, int /*count*/, char** /*values*/, char** /*names*/) { return 0; }
-
 PreparedStatement prepare(Recording::Statement const& statement) {
     sqlite3_stmt* handle = nullptr;
     int const code =
@@ -25,9 +23,10 @@ PreparedStatement prepare(Recording::Statement const& statement) {
     return PreparedStatement(handle);
 }
 
-void execute(Recording::Statement const& statement) {
+void execute(Recording::Statement const& statement, Recording::RowCallback callback,
+             void* context) {
     int const code =
-        sqlite3_exec(statement.connection, statement.sql.c_str(), doNothing, nullptr, nullptr);
+        sqlite3_exec(statement.connection, statement.sql.c_str(), callback, context, nullptr);
     expectCode(statement.connection, code, SQLITE_OK, statement.sql);
 }
 
@@ -77,12 +76,16 @@ void Recording::redirect(sqlite3* from, sqlite3* to) {
             statement.connection = to;
 }
 
-void Recording::replay() const {
+int Recording::doNothing(void* /*context*/, int /*count*/, char** /*values*/, char** /*names*/) {
+    return 0;
+}
+
+void Recording::replay(RowCallback callback, void* context) const {
     std::vector<PreparedStatement> prepared(statements_.size());
     for (Run const& run : runs_) {
         Statement const& statement = statements_[run.statement];
         if (run.valueCount == 0) {
-            execute(statement);
+            execute(statement, callback, context);
             continue;
         }
         PreparedStatement& handle = prepared[run.statement];

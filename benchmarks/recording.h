@@ -24,10 +24,13 @@ class Recording {
     // Lets the statements that were recorded on `from` run on `to` instead.
     void redirect(sqlite3* from, sqlite3* to);
 
+    using RowCallback = int (*)(void* context, int count, char** values, char** names);
+
+    static int doNothing(void* context, int count, char** values, char** names);
+
     // Runs the statements in their order: those with parameters are prepared once and stepped, all
-    // others run through sqlite3_exec with a row callback that does nothing. Throws
-    // std::runtime_error when one fails.
-    void replay() const;
+    // others run through sqlite3_exec with `callback`. Throws std::runtime_error when one fails.
+    void replay(RowCallback callback = doNothing, void* context = nullptr) const;
 
     // The different statements, in the order of their first run.
     std::vector<Statement> const& statements() const { return statements_; }

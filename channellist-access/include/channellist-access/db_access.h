@@ -156,7 +156,7 @@ CHANNELLIST_ACCESS_EXPORT int getFavriteAttributes(std::string favoriteUuId,
 /// Row callbacks return 0 to go on and -1 to stop the query, and raise nothing.
 ///@{
 
-/// Row callback of the service query: hands a copy of the row to computeService. `data` is the
+/// Row callback of the service query: converts the row as computeService does. `data` is the
 /// ResultSet.
 CHANNELLIST_ACCESS_EXPORT int service_callback(void* data, int argc, char** values, char** names);
 
