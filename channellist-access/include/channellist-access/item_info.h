@@ -199,7 +199,7 @@ class CHANNELLIST_ACCESS_EXPORT VideoItemInfo : public ItemInfo {
   public:
     /// The caption is not stripped.
     VideoItemInfo(std::string const& caption, std::string const& uuid);
-    virtual ~VideoItemInfo();
+    ~VideoItemInfo() override;
 };
 
 /// A radio service: an item of kind ITEM_TYPE_AUDIO.
@@ -207,7 +207,7 @@ class CHANNELLIST_ACCESS_EXPORT MusicItemInfo : public ItemInfo {
   public:
     /// The caption is not stripped.
     MusicItemInfo(std::string const& caption, std::string const& uuid);
-    virtual ~MusicItemInfo();
+    ~MusicItemInfo() override;
 };
 
 /// A list of services: an item of kind ITEM_TYPE_FOLDER.
@@ -215,7 +215,7 @@ class CHANNELLIST_ACCESS_EXPORT FolderItemInfo : public ItemInfo {
   public:
     /// The caption is not stripped.
     FolderItemInfo(std::string const& caption, std::string const& uuid);
-    virtual ~FolderItemInfo();
+    ~FolderItemInfo() override;
 };
 
 #endif
