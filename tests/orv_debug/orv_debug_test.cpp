@@ -108,7 +108,7 @@ TEST(OrvDebug, UnreadableItemsAreNamedOnceAndOpenNothing) {
 }
 
 TEST(OrvDebug, MessageIsOneWriteOfAnyLength) {
-    for (const std::size_t length : {0, 1, 1022, 1023, 1024, 1025, 4097, 100000}) {
+    for (const std::size_t length : {0U, 1U, 1022U, 1023U, 1024U, 1025U, 4097U, 100000U}) {
         const std::string text(length, 'x');
         EXPECT_THAT(standardErrorOf("", [&] { output("%s:%d\n", text.c_str(), 7); }),
                     ElementsAre(text + ":7\n"));

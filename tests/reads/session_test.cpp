@@ -154,10 +154,10 @@ TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
 
 TEST_F(Session, FirstCallsOfSeveralThreadsOpenOnce) {
     std::vector<std::thread> threads;
-    for (const auto& [call, expected] : {std::pair(serviceCount, "1"),
-                                         {folderCount, "1"},
-                                         {attributes, "0 0"},
-                                         {serviceCount, "1"}}) {
+    for (const auto& [call, expected] : {std::pair(&serviceCount, "1"),
+                                         {&folderCount, "1"},
+                                         {&attributes, "0 0"},
+                                         {&serviceCount, "1"}}) {
         threads.emplace_back([call = call, expected = expected] {
             for (int round = 0; round < 20; ++round)
                 EXPECT_EQ(call(), expected);

@@ -99,7 +99,7 @@ TEST_F(SqlHelpers, ABusyStepIsTriedFiftyTimes) {
             EXPECT_EQ(step(&stmt, "tag"), freeAt == 49 ? success : SQLITE_BUSY);
             EXPECT_EQ(stmt != nullptr, freeAt == 49);
             sqlite3_finalize(stmt);
-            EXPECT_EQ(platform::sleptMicroseconds(), freeAt * 100000U);
+            EXPECT_EQ(platform::sleptMicroseconds(), static_cast<unsigned int>(freeAt) * 100000);
             auto expected = repeated(freeAt, {kTryAgain});
             if (freeAt == 50)
                 expected.push_back(" database is locked, time out, hint:'tag'.");
