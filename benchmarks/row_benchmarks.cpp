@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kServices = 1000;
 
-// A row as the service query delivers it and as the callback copies it.
+// A row as the service query delivers it, as strings and as what SQLite hands to a callback.
 struct ServiceRow {
     ResultRow texts;
     std::vector<char*> values;

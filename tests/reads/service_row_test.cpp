@@ -12,12 +12,12 @@
 
 namespace {
 
-// The columns of the service query: those that hold numbers, those that hold texts and their order.
+// The columns of the service query: those that hold numbers, in the order in which they are
+// converted, and all in the order of the query.
 const std::string kNumbers =
-    "Pid,FIVisible,FISelectable,Encrypted,MediaType,ParentalLock,SVisible,SSelectable,EpgService,"
-    "EngineAutoStart,VolumeCorrection,SoundSelection,GamingMode,Hdtv,TtxPreviewPage,"
-    "TtxSubtitlePage,TtxCharEnc,Protected,isDeleted,FavTag,FavTag2,FavTag3,FavTag4,HbbTvEnable,"
-    "Type";
+    "Type,ParentalLock,EpgService,EngineAutoStart,GamingMode,Hdtv,Encrypted,isDeleted,FavTag,"
+    "FavTag2,FavTag3,FavTag4,HbbTvEnable,SVisible,FIVisible,FISelectable,MediaType,SSelectable,"
+    "SoundSelection,TtxPreviewPage,TtxSubtitlePage,TtxCharEnc,Protected,VolumeCorrection,Pid";
 const std::string kOrder =
     "Pid,ChannelNum,InternalName,ExternalName,FIVisible,FISelectable,NetworkId,Uuid,Uri,Encrypted,"
     "MediaType,ParentalLock,SVisible,SSelectable,EpgService,EngineAutoStart,VolumeCorrection,"
@@ -75,6 +75,7 @@ TEST_F(ServiceRow, AttributeBits) {
         {"FavTag4=1", 0x2000240, 0x2020240},       {"Type=1", 0x4000240, 0x4020240},
         {"SVisible=1", 0x10000240, 0x10020240},    {"Type=2", 0x240, 0x20240},
         {"Uri=rec://x?hdtv=1", 0x240, 0x20244},    {"Uri=rec://x?hdtv=11", 0x240, 0x20240},
+        {"Uri=x?sid=2&y?hdtv=1&z", 0x240, 0x20244},
         {"Encrypted=1;ParentalLock=1;Uri=x&hdtv=1&", 0x251, 0x255},
     };
     for (const auto& [changes, stored, shown] : cases) {
@@ -180,6 +181,32 @@ TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
         for (const char* text : {"+5", "-0", "0000000000005", "2147483647", "-2147483648"})
             EXPECT_NO_THROW(dbaccess::fetchServiceItem(raw("Uuid=before;" + column + "=" + text)));
     }
+}
+
+// All numbers are bad, and mended one after the other.
+TEST_F(ServiceRow, TheFirstBadColumnIsNamedAndTheTraceStandsBehindTheAttributes) {
+    ResultRow row = raw("Encrypted=1");
+    const std::vector<std::string> numbers = split(kNumbers, ','), columns = split(kOrder, ',');
+    const auto at = [&](const std::string& number) -> std::string& {
+        const auto column = std::find(columns.begin(), columns.end(), number) - columns.begin();
+        return row[static_cast<std::size_t>(column)];
+    };
+    for (const std::string& number : numbers)
+        at(number) += "x";
+    bool isTraced = false;
+    for (const std::string& number : numbers) {
+        std::vector<char*> values;
+        for (std::string& text : row)
+            values.push_back(text.data());
+        ResultSet rows;
+        platform::forgetMessages();
+        EXPECT_EQ(dbaccess::service_callback(&rows, 34, values.data(), values.data()), -1);
+        EXPECT_THAT(texts()[0], testing::HasSubstr("column " + number + " holds no number")) << number;
+        isTraced |= number == "FIVisible";
+        EXPECT_THAT(texts(3000), testing::SizeIs(isTraced ? 1 : 0)) << number;
+        at(number).pop_back();
+    }
+    EXPECT_THAT(texts(3000)[0], testing::HasSubstr("encrypted:1,isdelete:0"));
 }
 
 TEST_F(ServiceRow, ShortAndMissingRowsAreRefused) {

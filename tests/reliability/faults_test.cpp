@@ -168,6 +168,33 @@ TEST_P(Faults, LeaveTheDatabaseWholeAndTheLibraryWorking) {
     EXPECT_EQ(raised_, entry().raisesBadAlloc) << "std::bad_alloc reached the host, or never did";
 }
 
+// Each row needs more room than the one before left.
+TEST(Snapshot, ChangesAsAWholeOrNotAtAllWithoutMemory) {
+    auto const texts = [] {
+        return sv.caption + sv.locator + sv.userIndex + sv.uuid + sv.originalAncestor +
+               sv.tunerUuid + sv.originalLcn + sv.nitId;
+    };
+    bool isWhole = false;
+    unsigned at = 1;
+    for (; !isWhole; ++at) {
+        ResultRow row(34, "0");
+        std::string all;
+        for (std::size_t const column : {3, 8, 1, 7, 6, 24, 32, 33})
+            all += row[column] = std::string(100U << at, static_cast<char>('a' + at));
+        std::string const before = texts();
+        fault = {FaultKind::New, at, false};
+        try {
+            FaultWindow const window;
+            dbaccess::fetchServiceItem(row);
+            isWhole = true;
+        } catch (std::bad_alloc const&) {
+        }
+        fault.kind = FaultKind::None;
+        EXPECT_TRUE(texts() == (isWhole ? all : before)) << at;
+    }
+    EXPECT_GT(at, 8U) << "a text took no room";
+}
+
 INSTANTIATE_TEST_SUITE_P(EntryPoints, Faults, testing::ValuesIn(kEntryPoints),
                          [](auto const& instance) {
                              std::string name = instance.param.name;

@@ -5,7 +5,7 @@
 
 #include "db_access/callback_value.h"
 #include "db_access/folder_icon.h"
-#include "db_access/rows.h"
+#include "db_access/result_row.h"
 #include "db_access/session.h"
 #include "support/number_text.h"
 
@@ -90,6 +90,19 @@ std::string fieldText(int field, FolderItemInfo const& item, std::string const& 
         default:
             return std::string();
     }
+}
+
+// Fills the empty `row` with the texts of `count` columns, a NULL as the empty string. False when
+// memory runs out.
+bool copyRawRow(int count, char** values, ResultRow& row) noexcept {
+    try {
+        row.reserve(count > 0 ? static_cast<std::size_t>(count) : 0);
+        for (int column = 0; column < count; ++column)
+            row.emplace_back(values[column] != nullptr ? values[column] : "");
+    } catch (std::exception const&) {
+        return false;
+    }
+    return true;
 }
 
 // Converts the row without letting an exception through to SQLite.

@@ -2,7 +2,7 @@
 #include <channellist-access/db_access.h>
 
 #include "db_access/callback_value.h"
-#include "db_access/rows.h"
+#include "db_access/result_row.h"
 #include "db_access/session.h"
 #include "db_access/tuning_uri.h"
 #include "dbservice_query_result/raw_service_row.h"
@@ -156,22 +156,30 @@ std::optional<RawServiceRow> newRawRow(int count, char** values) noexcept {
     }
 }
 
-int computeService(int argc, RawServiceRow const& svrow, ResultSet* out) {
-    if (static_cast<unsigned int>(argc) > svrow.size() || !svrow.isComplete()) {
-        LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
-        return kMalformed;
-    }
-    fetchServiceItem(svrow);
+// Appends the result row of the snapshot.
+int appendResultRow(CallSite const& site, ResultSet* out) {
     boost::shared_ptr<ResultRow> const row = newResultRow(m_svfield.size());
     if (!row) {
-        LOG_TEXT(Error, "new memory failed!");
+        LOG_TEXT_AT(site, kLogModule, Error, "new memory failed!");
         return kMalformed;
     }
     TuningUri const uri(sv.locator);
     for (int const field : m_svfield)
-        row->push_back(fieldText(field, uri, CALL_SITE));
+        row->push_back(fieldText(field, uri, site));
     out->push_back(row);
     return 0;
+}
+
+// dbaccess::computeService, of a vector of strings or of a RawServiceRow.
+template <typename Row>
+int computeService(int argc, Row const& svrow, ResultSet* out) {
+    using dbaccess::fetchServiceItem;
+    if (static_cast<unsigned int>(argc) > svrow.size() || svrow.size() < kServiceColumnCount) {
+        LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
+        return kMalformed;
+    }
+    fetchServiceItem(svrow);
+    return appendResultRow(CALL_SITE, out);
 }
 
 // Names the row and the column that stopped the query.
@@ -222,5 +230,5 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
 }
 
 int dbaccess::computeService(int argc, std::vector<std::string> const& svrow, ResultSet* out) {
-    return channellist::computeService(argc, RawServiceRow(svrow), out);
+    return channellist::computeService(argc, svrow, out);
 }

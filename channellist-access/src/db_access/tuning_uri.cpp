@@ -1,16 +1,6 @@
 #include "db_access/tuning_uri.h"
 
-#include "support/text.h"
-
 namespace channellist {
-
-// Keeps the value of a parameter with this beginning unless `key` has one. Inline, so that each
-// beginning is compared as a constant.
-inline void TuningUri::keep(TuningKey key, std::string_view beginning, std::string_view parameter) {
-    std::optional<std::string_view>& value = values_[static_cast<std::size_t>(key)];
-    if (!value && startsWith(parameter, beginning))
-        value = parameter.substr(beginning.size());
-}
 
 TuningUri::TuningUri(std::string_view locator) {
     std::size_t end = locator.find('&');
@@ -19,9 +9,13 @@ TuningUri::TuningUri(std::string_view locator) {
         end = locator.find('&', start);
         note(locator.substr(start, end - start));
     }
+    end = 0;  // of one "?" that of the next as well, unless that lies behind it
     for (std::size_t mark = locator.find('?'); mark != std::string_view::npos;
-         mark = locator.find('?', mark + 1))
-        note(locator.substr(mark + 1, locator.find('&', mark) - mark - 1));
+         mark = locator.find('?', mark + 1)) {
+        if (end <= mark)
+            end = locator.find('&', mark);
+        note(locator.substr(mark + 1, end - mark - 1));
+    }
 }
 
 // Keeps the value of a parameter that a row can show. The first character tells most others apart.

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string_view>
 
+#include "support/text.h"
+
 namespace channellist {
 
 // The parameters that a service row can show.
@@ -39,7 +41,14 @@ class TuningUri {
 
   private:
     void note(std::string_view parameter);
-    void keep(TuningKey key, std::string_view beginning, std::string_view parameter);
+
+    // Keeps the value of a parameter with this beginning unless `key` has one. Inline, so that the
+    // beginning is compared as a constant.
+    void keep(TuningKey key, std::string_view beginning, std::string_view parameter) {
+        std::optional<std::string_view>& value = values_[static_cast<std::size_t>(key)];
+        if (!value && startsWith(parameter, beginning))
+            value = parameter.substr(beginning.size());
+    }
 
     std::array<std::optional<std::string_view>, kTuningKeyCount> values_;
 };

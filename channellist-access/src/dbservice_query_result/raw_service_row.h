@@ -24,21 +24,17 @@ class BadServiceColumn : public boost::bad_lexical_cast {
     ServiceColumn column_;
 };
 
-// Views of the texts of one row, which lives longer: a row of 34 columns is read once, so that
-// copying its texts would cost more than their conversion.
+// Views of the texts of one row, which lives longer. A row is read once: copying its 34 texts would
+// cost more than converting them. Every text is ended by a null character.
 class RawServiceRow {
   public:
-    // The texts of `count` columns, each ended by a null character; a null is the empty text.
-    // Raises std::bad_alloc.
+    // Both constructors raise std::bad_alloc. A null among the values is the empty text.
     RawServiceRow(int count, char const* const* values);
-
     explicit RawServiceRow(std::vector<std::string> const& row) : texts_(row.begin(), row.end()) {}
 
     std::size_t size() const { return texts_.size(); }
 
-    // A row of the service query, whose columns may be asked for.
-    bool isComplete() const { return size() >= kServiceColumnCount; }
-
+    // Of a row of at least kServiceColumnCount texts, as all that follows.
     std::string_view text(ServiceColumn column) const {
         return texts_[static_cast<std::size_t>(column)];
     }

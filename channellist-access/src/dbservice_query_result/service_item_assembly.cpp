@@ -4,6 +4,7 @@
 #include <channellist-access/item_info.h>
 
 #include <stdexcept>
+#include <utility>
 
 #include "dbservice_query_result/input_sources.h"
 #include "dbservice_query_result/service_attributes.h"
@@ -115,13 +116,14 @@ constexpr SnapshotText kSnapshotTexts[] = {
     {&ServiceSnapshot::nitId, &ServiceItem::nitId},
 };
 
-// Room for all texts is made first: what follows it cannot fail, so the snapshot changes as a whole
-// or not at all. Most services find the room that an earlier one has left.
+// All texts are copied before the first of them changes the snapshot: what follows cannot fail, so
+// the snapshot changes as a whole or not at all. Most texts find the room that earlier ones left.
 void copyIntoSnapshot(ServiceItem const& item) {
+    static ServiceSnapshot next = {};
     for (SnapshotText const& rule : kSnapshotTexts)
-        (sv.*rule.text).reserve((item.*rule.source).size());
+        next.*rule.text = item.*rule.source;
     for (SnapshotText const& rule : kSnapshotTexts)
-        sv.*rule.text = item.*rule.source;
+        sv.*rule.text = std::move(next.*rule.text);
     sv.previewPage = item.previewPage;
     sv.subtitlePage = item.subtitlePage;
     sv.attributes = static_cast<int>(item.attributes);
@@ -153,8 +155,7 @@ void fetchServiceItem(RawServiceRow const& row) {
 }  // namespace channellist
 
 void dbaccess::fetchServiceItem(std::vector<std::string> const& columns) {
-    channellist::RawServiceRow const row(columns);
-    if (!row.isComplete())
+    if (columns.size() < channellist::kServiceColumnCount)
         throw std::out_of_range("raw service row");
-    channellist::fetchServiceItem(row);
+    channellist::fetchServiceItem(channellist::RawServiceRow(columns));
 }
