@@ -1,6 +1,5 @@
 // Opening on demand, the busy handler, the traces and the cost of a disabled message.
 #include <sstream>
-#include <thread>
 
 #include "support/test_database.h"
 
@@ -150,23 +149,6 @@ TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
         EXPECT_EQ(serviceCount(), "1");
         EXPECT_EQ(state(), "1000 2");
     }
-}
-
-TEST_F(Session, FirstCallsOfSeveralThreadsOpenOnce) {
-    std::vector<std::thread> threads;
-    for (const auto& [call, expected] : {std::pair(serviceCount, "1"),
-                                         {folderCount, "1"},
-                                         {attributes, "0 0"},
-                                         {serviceCount, "1"}}) {
-        threads.emplace_back([call = call, expected = expected] {
-            for (int round = 0; round < 20; ++round)
-                EXPECT_EQ(call(), expected);
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(opens(), 1);
-    EXPECT_THAT(texts(), IsEmpty());
 }
 
 TEST_F(Session, BusyHandlerSleepsReportsAndNeverGivesUp) {

@@ -1,9 +1,5 @@
 #include "entry_points.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
 #include <numeric>
 
 #include "fault.h"
@@ -53,27 +49,6 @@ Answer edited(std::vector<std::string> arguments) {
                  [&](Nothing) { return dbaccess::onServiceListEdit(std::move(arguments)); });
 }
 
-// What the set's components do with the helpers.
-int stepOnce(const char* sql, int (*step)(sqlite3_stmt**, const char*), int success) {
-    sqlite3_stmt* statement = nullptr;
-    int code = sqlprepare(db, sql, -1, &statement, nullptr);
-    if (code == SQLITE_OK)
-        code = step(&statement, "the test");
-    EXPECT_TRUE(code == success || statement == nullptr) << "a failed step left its statement";
-    sqlite3_finalize(statement);
-    return code == success ? SQLITE_OK : code;
-}
-
-class DroppedOutput {
-  public:
-    DroppedOutput() { std::fflush(stdout), to(open("/dev/null", O_WRONLY)); }
-    ~DroppedOutput() { std::fflush(stdout), to(saved_); }
-
-  private:
-    static void to(int file) { dup2(file, STDOUT_FILENO), close(file); }
-    int saved_ = dup(STDOUT_FILENO);
-};
-
 }  // namespace
 
 std::ostream& operator<<(std::ostream& out, EntryPoint const& entry) { return out << entry.name; }
@@ -117,14 +92,6 @@ std::vector<EntryPoint> const kEntryPoints = {
     {"getOttFav4List", Writes::Nothing, true, false, true, [] {
         return asked(std::vector<unsigned int>(), dbaccess::getOttFav4List);
     }},
-    {"main0", Writes::Nothing, true, true, false, [] {
-        DroppedOutput const dropped;
-        return asked(Nothing(), [](Nothing) {
-            char name[] = "main0";
-            char* arguments[] = {name, nullptr};
-            return dbaccess::main0(1, arguments);
-        });
-    }},
     {"onServiceListEdit of a FAV list", Writes::Whole, true, false, true, [] {
         // Three of the six stored services stay, two are new.
         return edited(edit("list-of-favourites-1", {2, 7, 4, 8, 6}, 11));
@@ -141,22 +108,6 @@ std::vector<EntryPoint> const kEntryPoints = {
     }},
     {"initViews", Writes::Nothing, false, false, false, [] {
         return asked(Nothing(), [](Nothing) { return dbaccess::initViews(db); });
-    }},
-    {"sqlexec", Writes::Whole, false, false, false, [] {
-        return asked(Nothing(), [](Nothing) {
-            char* error = nullptr;
-            return sqlexec(db, "UPDATE Service SET Name = 'x' || Pid", nullptr, nullptr, &error);
-        });
-    }},
-    {"sqlstep", Writes::Whole, false, false, false, [] {
-        return asked(Nothing(), [](Nothing) {
-            return stepOnce("UPDATE Service SET Name = 'y' || Pid", sqlstep, SQLITE_DONE);
-        });
-    }},
-    {"sqlstepquery", Writes::Nothing, false, false, false, [] {
-        return asked(Nothing(), [](Nothing) {
-            return stepOnce("SELECT Name FROM Service", sqlstepquery, SQLITE_ROW);
-        });
     }},
 };
 // clang-format on

@@ -80,7 +80,6 @@ TEST(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
     unsigned const seed = std::random_device()();
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
-    int ahead = 1;  // of the count of edits: the update tag, which the edit above advanced, too
     for (int round = 0; round < kRounds && !HasFailure(); ++round) {
         pid_t const child = startChild([&] {
             for (;; ++done)
@@ -95,9 +94,6 @@ TEST(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
         if (found == editOf(done + 1))
             ++done;  // committed, and killed before it could say so
         EXPECT_EQ(found, editOf(done));
-        int const nowAhead = workshop.contents().tags[1] - static_cast<int>(done);
-        EXPECT_TRUE(nowAhead == ahead || nowAhead == ahead + 1);
-        ahead = nowAhead;
     }
     std::printf("figure: %d kills at a random moment\n", kRounds);
     std::printf("figure: %u edits between them\n", done.load());

@@ -51,7 +51,7 @@ class Client {
         platform::sleepsTakeTime = true;
         services(kFav1);  // sets the busy timeout, so that no update tag is given up
         for (unsigned request = 0; request < kRequests && !testing::Test::HasFailure(); ++request)
-            makeRequest(random_() % 8);
+            makeRequest(random_() % 7);
         EXPECT_EQ(platform::strangeErrors, 0U) << "failures other than a locked database";
     }
 
@@ -62,10 +62,8 @@ class Client {
             hasOwnList ? editOwnList() : renumberFav2();
         else if (kind <= 2)
             editFavList(kind == 1 ? kFav1 : kFav2);
-        else if (kind == 3)
-            readFoldersAndKey();
-        else if (kind <= 5 || !hasOwnList)
-            readFavList(kind == 4 ? kFav1 : kFav2);
+        else if (kind <= 4 || !hasOwnList)
+            readFavList(kind == 3 ? kFav1 : kFav2);
         else
             readOwnList();
     }
@@ -136,14 +134,6 @@ class Client {
             EXPECT_EQ(seen(rows), listing(servicesFor(first), first)) << "half of an edit";
         }
         EXPECT_EQ(channelOf(*rows.back()), first + rows.size() - 1) << "half renumbered";
-    }
-
-    void readFoldersAndKey() {
-        unsigned const errors = platform::errors;
-        ResultSet const rows = timed(Read, dbaccess::select_Folders);
-        EXPECT_TRUE(rows.size() == 5 + kOwnLists || platform::errors > errors) << rows.size();
-        auto const key = timed(Read, [] { return dbaccess::getBissKeyFromService("service-1"); });
-        EXPECT_TRUE(key != "NULL" || platform::errors > errors);
     }
 
     std::string ownList() const { return "list-own-" + std::to_string(process_ + 1); }
