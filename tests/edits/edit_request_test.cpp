@@ -60,13 +60,8 @@ TEST_F(EditRequest, OpensTheDatabaseBeforeItLooksAtTheStrings) {
 
     platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
     EXPECT_EQ(edit("two strings"), -2);
-    EXPECT_THAT(texts(1), ElementsAre("will open db "));
-    EXPECT_THAT(texts(), ElementsAre("open or create db failed,res:14"));
-    EXPECT_EQ(db, nullptr);
-
     platform::redirectOpen(platform::kChannelDatabasePath, file());
     EXPECT_EQ(edit("two strings"), -1);
-    EXPECT_EQ(edit("fav1"), 101);
     EXPECT_EQ(opens(), 2);
 }
 

@@ -156,14 +156,8 @@ void EditTest::put(int list, int service, int number) {
 }
 
 void EditTest::ott(const std::string& rows) {
-    sqlite3* connection = nullptr;
-    sqlite3_open_v2(ottFile().c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                    nullptr);
-    std::string const sql =
-        "PRAGMA synchronous = OFF; DROP TABLE IF EXISTS SQL_OTTFavChannels;"
-        "CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex);"
-        "INSERT INTO SQL_OTTFavChannels VALUES " +
-        rows;
-    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    sqlite3_close(connection);
+    channel_database::ChannelDatabase database(ottFile());
+    database.run("DROP TABLE IF EXISTS SQL_OTTFavChannels");
+    database.run("CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex)");
+    database.run("INSERT INTO SQL_OTTFavChannels VALUES " + rows);
 }

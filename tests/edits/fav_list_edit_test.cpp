@@ -116,36 +116,4 @@ TEST_F(FavListEdit, PlansAgainWhenAnotherProcessWroteMeanwhile) {
     EXPECT_EQ(rows("SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = 7"), "10");
 }
 
-TEST_F(FavListEdit, ShowsInTheServiceList) {
-    EXPECT_EQ(edit("fav1  0 7 14  0 2 15  0 3 10"), 101);
-    EXPECT_EQ(rows("SELECT Pid FROM Service WHERE FavTag = 1"), "10;14;15");
-    m_svfield = {SERVICE_FIELD_CHANNEL_NUMBER, SERVICE_FIELD_CAPTION};
-    EXPECT_EQ(joined(dbaccess::get_dbservices("fav1")), "2|S15;3|S10;7|S14");
-    platform::forgetMessages();
-}
-
-TEST_F(FavListEdit, WritesFiveThousandEntries) {
-    constexpr int kCount = 5000;
-    channel_database::Transaction filling(database());
-    for (int pid = 1000; pid < 1000 + kCount; ++pid)
-        database().dvbs("many", pid);
-    filling.commit();
-    auto const entries = [](bool reversed) {
-        std::vector<std::string> arguments = {"fav4"};
-        for (int i = 0; i < kCount; ++i)
-            for (int const number : {0, i + 1, 1000 + (reversed ? kCount - 1 - i : i)})
-                arguments.push_back(std::to_string(number));
-        return arguments;
-    };
-    std::string const agreeing =
-        "SELECT count(*), sum(ChannelNum + ServiceId = 6000), sum(ServiceId - ChannelNum = 999),"
-        " (SELECT sum(FavTag4) FROM Service) FROM FavoriteItem WHERE FavoriteId = 9";
-    EXPECT_EQ(request(entries(false)), 101);
-    EXPECT_EQ(rows(agreeing), "5000|0|5000|5000");
-    EXPECT_EQ(request(entries(true)), 0);
-    EXPECT_EQ(rows(agreeing), "5000|5000|0|5000");
-    EXPECT_EQ(edit("fav4"), 101);
-    EXPECT_EQ(rows(agreeing), "0|NULL|NULL|0");
-}
-
 }  // namespace

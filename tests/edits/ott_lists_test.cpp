@@ -30,7 +30,6 @@ TEST_F(OttLists, AreReadByNameAndAppended) {
     EXPECT_EQ(dbaccess::getOttFav3List(values), 0) << "the connection stays";
     EXPECT_THAT(texts(4000),
                 ElementsAre("Websql db path:" + directory() + "/", "dbPath:" + ottFile()));
-    EXPECT_THAT(platform::openedPaths(), ElementsAre(ottFile()));
 }
 
 TEST_F(OttLists, ReadThePositionsLeadingNumber) {

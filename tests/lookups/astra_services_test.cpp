@@ -29,11 +29,6 @@ class AstraServices : public TestDatabase {
         int const result = dbaccess::checkAstraScrambleService(flag);
         return std::to_string(flag) + (result == 0 ? "" : " " + std::to_string(result));
     }
-    void TearDown() override {
-        EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
-        pthread_mutex_unlock(&svresult_mutex);
-        TestDatabase::TearDown();
-    }
 };
 
 TEST_F(AstraServices, AnchorMeetsEveryCriterion) {

@@ -47,6 +47,8 @@ void TestDatabase::SetUp() {
 }
 
 void TestDatabase::TearDown() {
+    EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), 0) << "the mutex is still held";
+    pthread_mutex_unlock(&svresult_mutex);
     closeForGood(db, "db");
     closeForGood(db_zentova, "db_zentova");
     database_.reset();
