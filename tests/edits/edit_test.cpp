@@ -43,7 +43,7 @@ void EditTest::SetUp() {
 void EditTest::TearDown() {
     expectAtRest();
     EXPECT_FALSE(action_.second) << "never ran: " << action_.first;
-    for (auto const& message : platform::messages()) {
+    for (auto const& message : platform::state.messages) {
         bool const isBare =
             message.level == 4000 && (message.format == "%d " || message.format == "].");
         EXPECT_TRUE(isBare || !startsWith(message.text, "MALFORMED")) << message.text;
@@ -58,9 +58,9 @@ void EditTest::startAnew() {
 }
 
 int EditTest::request(const Texts& arguments) {
-    std::size_t const syncs = platform::commands().size();
+    int const syncs = platform::state.commandCount;
     int const result = watched([&] { return dbaccess::onServiceListEdit(arguments); });
-    EXPECT_EQ(platform::commands().size(), syncs + (result >= 0 ? 1 : 0));
+    EXPECT_EQ(platform::state.commandCount, syncs + (result >= 0 ? 1 : 0));
     return result;
 }
 
@@ -72,7 +72,7 @@ int EditTest::edit(const std::string& arguments) {
 int EditTest::watched(const std::function<int()>& call) {
     before_ = everything();
     statements_.clear();
-    platform::forgetMessages();
+    platform::state.messages.clear();
     int const result = call();
     expectAtRest();
     return result;

@@ -80,7 +80,7 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
         EXPECT_THAT(values, ElementsAre(1));
         EXPECT_THAT(texts(), ElementsAre(message));
         EXPECT_EQ(db_zentova == nullptr, message[0] != 's');
-        EXPECT_EQ(platform::sleepCount(), 0);
+        EXPECT_EQ(platform::state.sleepCount, 0);
         lock.reset();
     }
     ott("('FAV1', 5)");

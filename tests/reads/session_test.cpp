@@ -61,7 +61,7 @@ class Session : public TestDatabase {
     }
     static std::vector<std::string> trace() {
         std::vector<std::string> lines;
-        for (const platform::Message& m : platform::messages()) {
+        for (const platform::Message& m : platform::state.messages) {
             EXPECT_THAT(m.file, MatchesRegex("[a-z_]+\\.cpp"));
             EXPECT_GT(m.line, 0);
             char where[100];
@@ -89,14 +89,14 @@ TEST_F(Session, AnyFirstCallOpensTheFixedPathOnce) {
 }
 
 TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
-    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    platform::state.channelDatabase = platform::kUnopenablePath;
     int expectedOpens = 0;
     for (const EntryPoint& entry : kEntryPoints) {
         if (entry.call == serviceCount)
             break;
         SCOPED_TRACE(entry.name);
         for (int attempt = 1; attempt <= 2; ++attempt) {
-            platform::forgetMessages();
+            platform::state.messages.clear();
             const auto memory = sqlite3_memory_used();
             EXPECT_EQ(entry.call(), entry.answerWhenClosed);
             EXPECT_EQ(sqlite3_memory_used(), memory);  // the handle is closed
@@ -104,24 +104,24 @@ TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
             EXPECT_EQ(opens(), ++expectedOpens);
             EXPECT_THAT(texts(1), Contains("will open db "));
             EXPECT_THAT(texts(), ElementsAre("open or create db failed,res:14"));
-            for (const platform::Message& m : platform::messages()) {
+            for (const platform::Message& m : platform::state.messages) {
                 EXPECT_EQ(m.function, entry.name);
                 EXPECT_EQ(m.module, entry.module);
             }
             expectMutexFree();
         }
     }
-    platform::redirectOpen(platform::kChannelDatabasePath, file());
+    platform::state.channelDatabase = file();
     EXPECT_EQ(attributes(), "0 0");
 }
 
 TEST_F(Session, TheServiceQueryKeepsAFailedHandleForGood) {
-    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    platform::state.channelDatabase = platform::kUnopenablePath;
     EXPECT_EQ(serviceCount(), "0");
     EXPECT_NE(db, nullptr);
     EXPECT_THAT(texts(), ElementsAre("open or creat servicelist.db failed,res:14 "));
-    platform::redirectOpen(platform::kChannelDatabasePath, file());
-    platform::forgetMessages();
+    platform::state.channelDatabase = file();
+    platform::state.messages.clear();
     EXPECT_EQ(serviceCount(), "0");
     EXPECT_EQ(folderCount(), "0");
     EXPECT_EQ(attributes(), "21 77");
@@ -154,7 +154,7 @@ TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
 TEST_F(Session, BusyHandlerSleepsReportsAndNeverGivesUp) {
     for (const int count : {0, 1000000})
         EXPECT_EQ(dbaccess::busy_callback(nullptr, count), 1);
-    EXPECT_EQ(platform::sleptMicroseconds(), 200000U);
+    EXPECT_EQ(platform::state.sleptMicroseconds, 200000U);
     EXPECT_THAT(texts(), ElementsAre("data base is locked 0 ", "data base is locked 1000000 "));
 }
 
@@ -180,10 +180,10 @@ TEST_F(Session, TracesOfTheRequests) {
 }
 
 TEST_F(Session, ADisabledMessageCostsOneCheck) {
-    platform::enableLevels([](unsigned int) { return false; });
+    platform::state.isEnabled = [](unsigned int) { return false; };
     EXPECT_EQ(serviceCount(), "1");
-    EXPECT_EQ(platform::checkCount(), 7);
-    EXPECT_THAT(platform::messages(), IsEmpty());
+    EXPECT_EQ(platform::state.checkCount, 7);
+    EXPECT_THAT(platform::state.messages, IsEmpty());
 }
 
 }  // namespace
