@@ -93,12 +93,6 @@ TEST(OrvDebug, UnreadableItemsAreNamedOnceAndOpenNothing) {
         EXPECT_THAT(pieces,
                     ElementsAre(HasSubstr('"' + std::string(item) + '"'), "0001\n", "0001\n"));
     }
-    std::string tooMany;
-    for (int level = 1; level <= 65; ++level)
-        tooMany += std::to_string(level) + ",";
-    EXPECT_THAT(standardErrorOf(tooMany.c_str(),
-                                [] { output("%d%d", isEnabled(1, 64), isEnabled(1, 65)); }),
-                ElementsAre(HasSubstr("\"65\""), "10"));
 }
 
 TEST(OrvDebug, MessageIsOneWriteOfAnyLength) {

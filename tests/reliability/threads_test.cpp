@@ -1,4 +1,5 @@
-// The four locked entry points from many threads, and first calls that race to open the file.
+// The entry points that a host may call from many threads, each its first call, which races to open
+// the file.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -10,8 +11,6 @@
 #include "workshop.h"
 
 namespace {
-
-constexpr int kThreads = 8;
 
 // Runs the calls on as many threads, all at once.
 void runAtOnce(std::vector<std::function<void()>> const& calls) {
@@ -51,24 +50,8 @@ void editAndRead(std::string const& list, unsigned first) {
     EXPECT_EQ(rows.front()->at(0), std::to_string(first));
 }
 
-TEST(Threads, MayCallTheLockedEntryPointsAtOnce) {
-    constexpr unsigned kRounds = 40;
-    Workshop workshop;
-    std::vector<std::function<void()>> calls;
-    for (int thread = 0; thread < kThreads; ++thread)
-        calls.push_back([list = "list-own-" + std::to_string(thread % kOwnLists + 1), thread] {
-            for (unsigned round = 1; round <= kRounds; ++round) {
-                thread < kOwnLists ? editAndRead(list, round * 100) : readServices(list);
-                findAnchor();
-                findScrambled();
-            }
-        });
-    runAtOnce(calls);
-    std::printf("figure: %u rounds of calls on threads\n", kRounds * kThreads);
-}
-
-// Every entry point that opens on demand without being locked, too.
-TEST(Threads, MayRaceToOpen) {
+// The four locked entry points, and every other one that opens on demand.
+TEST(Threads, MayCallAtOnceAndRaceToOpen) {
     constexpr int kRounds = 60;
     Workshop workshop;
     auto const memory = sqlite3_memory_used();
@@ -79,6 +62,7 @@ TEST(Threads, MayRaceToOpen) {
             findAnchor,
             findScrambled,
             [] { editAndRead("list-own-2", 100); },
+            [] { editAndRead("list-own-3", 200); },
             [] { EXPECT_FALSE(dbaccess::select_Folders().empty()); },
             [] {
                 unsigned int attributes = 0;

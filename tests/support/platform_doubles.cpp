@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace platform {
 namespace {
@@ -19,18 +18,14 @@ unsigned int enabledWord = 0;
 
 constexpr char kPrefix[] = "%s:%d:%s(): ";
 
-std::string formatted(const char* format, va_list arguments) {
-    char* text = nullptr;
-    int const length = vasprintf(&text, format, arguments);
-    std::unique_ptr<char, decltype(&std::free)> const owner(text, std::free);
-    return std::string(text, static_cast<std::size_t>(length));
-}
-
 Message takenApart(unsigned int word, const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
-    std::string const whole = formatted(format, again);
+    char* text = nullptr;
+    int const length = vasprintf(&text, format, again);
     va_end(again);
+    std::string const whole(text, static_cast<std::size_t>(length));
+    std::free(text);
     Message message{word >> 16, word & 0xffff, format, "MALFORMED " + whole, "", "", 0};
     if (message.format.rfind(kPrefix, 0) == 0 && whole.back() == '\n' && enabledWord == word) {
         message.file = va_arg(arguments, const char*);
