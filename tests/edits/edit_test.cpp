@@ -43,7 +43,7 @@ void EditTest::SetUp() {
 void EditTest::TearDown() {
     expectAtRest();
     EXPECT_FALSE(action_.second) << "never ran: " << action_.first;
-    for (auto const& message : platform::messages()) {
+    for (auto const& message : platform::state.messages) {
         bool const isBare =
             message.level == 4000 && (message.format == "%d " || message.format == "].");
         EXPECT_TRUE(isBare || !startsWith(message.text, "MALFORMED")) << message.text;
@@ -58,9 +58,9 @@ void EditTest::startAnew() {
 }
 
 int EditTest::request(const Texts& arguments) {
-    std::size_t const syncs = platform::commands().size();
+    int const syncs = platform::state.commandCount;
     int const result = watched([&] { return dbaccess::onServiceListEdit(arguments); });
-    EXPECT_EQ(platform::commands().size(), syncs + (result >= 0 ? 1 : 0));
+    EXPECT_EQ(platform::state.commandCount, syncs + (result >= 0 ? 1 : 0));
     return result;
 }
 
@@ -72,7 +72,7 @@ int EditTest::edit(const std::string& arguments) {
 int EditTest::watched(const std::function<int()>& call) {
     before_ = everything();
     statements_.clear();
-    platform::forgetMessages();
+    platform::state.messages.clear();
     int const result = call();
     expectAtRest();
     return result;
@@ -156,14 +156,8 @@ void EditTest::put(int list, int service, int number) {
 }
 
 void EditTest::ott(const std::string& rows) {
-    sqlite3* connection = nullptr;
-    sqlite3_open_v2(ottFile().c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                    nullptr);
-    std::string const sql =
-        "PRAGMA synchronous = OFF; DROP TABLE IF EXISTS SQL_OTTFavChannels;"
-        "CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex);"
-        "INSERT INTO SQL_OTTFavChannels VALUES " +
-        rows;
-    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    sqlite3_close(connection);
+    channel_database::ChannelDatabase database(ottFile());
+    database.run("DROP TABLE IF EXISTS SQL_OTTFavChannels");
+    database.run("CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex)");
+    database.run("INSERT INTO SQL_OTTFavChannels VALUES " + rows);
 }

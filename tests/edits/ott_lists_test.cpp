@@ -30,7 +30,6 @@ TEST_F(OttLists, AreReadByNameAndAppended) {
     EXPECT_EQ(dbaccess::getOttFav3List(values), 0) << "the connection stays";
     EXPECT_THAT(texts(4000),
                 ElementsAre("Websql db path:" + directory() + "/", "dbPath:" + ottFile()));
-    EXPECT_THAT(platform::openedPaths(), ElementsAre(ottFile()));
 }
 
 TEST_F(OttLists, ReadThePositionsLeadingNumber) {
@@ -81,7 +80,7 @@ TEST_F(OttLists, AreEmptyWithoutAUsableFile) {
         EXPECT_THAT(values, ElementsAre(1));
         EXPECT_THAT(texts(), ElementsAre(message));
         EXPECT_EQ(db_zentova == nullptr, message[0] != 's');
-        EXPECT_EQ(platform::sleepCount(), 0);
+        EXPECT_EQ(platform::state.sleepCount, 0);
         lock.reset();
     }
     ott("('FAV1', 5)");

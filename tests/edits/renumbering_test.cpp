@@ -46,11 +46,11 @@ TEST_F(Renumbering, LeavesTheOttNumbersFree) {
         {{"-1"}, "-1;0;1;2;3;4"},
         {{"-1", "3", "-1", "0"}, "0;3;-1;-1;0;1"},
     };
-    platform::enableLevels([](unsigned int level) { return level != 4000; });
+    platform::state.isEnabled = [](unsigned int level) { return level != 4000; };
     for (auto const& [positions, numbers] : cases) {
         EXPECT_EQ(renumbered(6, positions), numbers) << testing::PrintToString(positions);
     }
-    EXPECT_THAT(platform::messages(), IsEmpty());
+    EXPECT_THAT(platform::state.messages, IsEmpty());
 }
 
 TEST_F(Renumbering, CountsItemsThatAreNotDeletedAndHaveAService) {
@@ -75,7 +75,7 @@ TEST_F(Renumbering, TracesItsNumbers) {
     for (auto const& [arguments, expected] : cases) {
         EXPECT_EQ(renumber(arguments.first, arguments.second), 0);
         std::string all;
-        for (auto const& message : platform::messages()) {
+        for (auto const& message : platform::state.messages) {
             bool const isBare = message.format == "%d " || message.format == "].";
             all += isBare ? message.text.substr(sizeof "MALFORMED") : message.text + "\n";
         }
@@ -97,7 +97,7 @@ TEST_F(Renumbering, ThatCannotBeginWritesNothing) {
     change("ALTER TABLE FavoriteItem RENAME COLUMN isDeleted TO gone");
     EXPECT_EQ(renumber(7, 2), -2);
     EXPECT_THAT(texts(3000), ElementsAre("FAV2 list doesn't have any service!"));
-    EXPECT_THAT(platform::openedPaths(), IsEmpty()) << "read the OTT channels in vain";
+    EXPECT_THAT(platform::state.openedPaths, IsEmpty()) << "read the OTT channels in vain";
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ TEST_F(UnfinishedEdit, IsRolledBackAtOnceWhenItsCommitFails) {
                                      "FOREIGN KEY constraint failed"));
     EXPECT_THAT(statements(), EndsWith("\nCOMMIT TRANSACTION\nROLLBACK TRANSACTION\n"));
     EXPECT_THAT(changes(), MatchesRegex(kTagAlone));
-    EXPECT_EQ(platform::sleepCount(), 0);
+    EXPECT_EQ(platform::state.sleepCount, 0);
 }
 
 TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
@@ -111,11 +111,13 @@ TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
         startAnew();
         std::unique_ptr<DatabaseLock> lock;
         when(test.takenAt, [&] { lock = std::make_unique<DatabaseLock>(file(), test.lock); });
-        platform::onSleep([&](int number) { number == test.releasedAt ? lock.reset() : void(); });
+        platform::state.onSleep = [&](int number) {
+            number == test.releasedAt ? lock.reset() : void();
+        };
         EXPECT_EQ(edit(kFavEdit), test.result);
         lock.reset();
 
-        EXPECT_EQ(platform::sleptMicroseconds(), 100000U * static_cast<unsigned>(test.sleeps));
+        EXPECT_EQ(platform::state.sleptMicroseconds, 100000U * static_cast<unsigned>(test.sleeps));
         auto const errors = texts();
         EXPECT_EQ(errors.back(), test.lastError);
         EXPECT_EQ(std::count(errors.begin(), errors.end(), kTryAgain), test.sleeps);

@@ -11,6 +11,7 @@ namespace fuzz {
 namespace {
 
 using channel_database::ChannelDatabase;
+using channel_database::Delivery;
 using channel_database::List;
 using channel_database::Service;
 
@@ -30,19 +31,11 @@ std::string makeDatabaseImage() {
         lists.push_back(
             database.list("User.tvFAV" + std::to_string(i)).uuid("fav" + std::to_string(i)));
     lists.push_back(database.list("servicelist://tamun.Astra 19.2E").attributes(0x200));
-    std::vector<Service> const services = {database.analog("Analogue"),
-                                           database.dvbt("T"),
-                                           database.dvbt2("T2"),
-                                           database.dvbc("C"),
-                                           database.dvbc2("C2"),
-                                           database.dvbs("S"),
-                                           database.dvbs2("S2"),
-                                           database.ip("IP"),
-                                           database.uri("URI", "rec://plain/x"),
-                                           database.input("hdmi1"),
-                                           database.dvbs("Radio").radio()};
+    std::vector<Service> services = {database.input("hdmi1"), database.dvbs("Radio").radio()};
+    for (int kind = 0; kind <= static_cast<int>(Delivery::DvbS2); ++kind)
+        services.push_back(database.service(static_cast<Delivery>(kind), "Service"));
     for (Service service : services) {
-        service.bissKey("key").set("Encrypted", 1);
+        service.uri("rec://plain/x").bissKey("key").set("Encrypted", 1);
         for (List const& list : lists)
             database.put(list, service, service.id());
         database.lcn(service, lists[0], 100 + service.id());

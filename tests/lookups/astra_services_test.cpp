@@ -29,11 +29,6 @@ class AstraServices : public TestDatabase {
         int const result = dbaccess::checkAstraScrambleService(flag);
         return std::to_string(flag) + (result == 0 ? "" : " " + std::to_string(result));
     }
-    void TearDown() override {
-        EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
-        pthread_mutex_unlock(&svresult_mutex);
-        TestDatabase::TearDown();
-    }
 };
 
 TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
@@ -84,7 +79,7 @@ TEST_F(AstraServices, FirstByChannelNumberOfTheOperatorsListWins) {
     EXPECT_THAT(texts(4000), Contains("The Astra Anchor Service Uuid is [first]."));
 
     database().put(database().list(kOperatorList), anchor("operator"), 99);
-    platform::forgetMessages();
+    platform::state.messages.clear();
     EXPECT_EQ(found(), "operator");
     EXPECT_THAT(texts(), IsEmpty());
     EXPECT_THAT(texts(4000), ElementsAre(" called.", " called. isOperator = 1.",
@@ -97,7 +92,7 @@ TEST_F(AstraServices, WithoutAnAnchorTheCallersTextStaysAndCounts) {
     database().put(database().list(kStandardList), anchor("it").uuid(nullptr), 1);
     EXPECT_EQ(dbaccess::_getAstraAnchorService(uuid, false), 0);
     EXPECT_EQ(uuid, "mine");
-    platform::forgetMessages();
+    platform::state.messages.clear();
     EXPECT_EQ(found(), "-2");
     EXPECT_THAT(texts(), ElementsAre(kNoRow, kNoAnchor, kNoAnchor));
 }
@@ -135,7 +130,7 @@ TEST_F(AstraServices, ScrambleFlagIsThatOfTheChosenList) {
     EXPECT_THAT(texts(1), Contains("Astra operator servicelist hasn't scramble service."));
 
     database().run("DELETE FROM DvbSTuner");
-    platform::forgetMessages();
+    platform::state.messages.clear();
     EXPECT_EQ(scrambled(), "0 -2");
     EXPECT_THAT(texts(), ElementsAre(kNoRow, kNoAnchor, kNoRow, kNoAnchor,
                                      "Astra Scramble Service is missing. Set isExistent 0!"));
@@ -157,11 +152,11 @@ TEST_F(AstraServices, LockedDatabaseIsWaitedForInEachList) {
     database().put(database().list(kOperatorList), anchor("it"), 1);
     EXPECT_EQ(found(), "it");
     DatabaseLock lock(file());
-    platform::onSleep([&](int count) { count == 103 ? lock.release() : void(); });
+    platform::state.onSleep = [&](int count) { count == 103 ? lock.release() : void(); };
     EXPECT_EQ(found(), "-2");
-    EXPECT_EQ(platform::sleepCount(), 100);
+    EXPECT_EQ(platform::state.sleepCount, 100);
     EXPECT_EQ(found(), "it");
-    EXPECT_EQ(platform::sleepCount(), 103);
+    EXPECT_EQ(platform::state.sleepCount, 103);
 }
 
 }  // namespace

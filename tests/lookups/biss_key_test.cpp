@@ -26,26 +26,26 @@ TEST_F(BissKey, IsTheTextStoredOrNull) {
     EXPECT_EQ(dbaccess::getBissKeyFromService("unknown"), "NULL");
     EXPECT_EQ(dbaccess::getBissKeyFromService("' OR 1=1 OR uuid='"), "NULL");
     EXPECT_THAT(texts(), ElementsAre("get bisskey result failed"));
-    EXPECT_THAT(platform::messages(), Each(Field(&platform::Message::module, 0xb4U)));
+    EXPECT_THAT(platform::state.messages, Each(Field(&platform::Message::module, 0xb4U)));
 }
 
 TEST_F(BissKey, LockedDatabaseIsTriedTenTimesAndOtherFailuresOnce) {
     database().dvbs("it").uuid("it").bissKey("key");
     EXPECT_EQ(dbaccess::getBissKeyFromService("it"), "key");
-    platform::forgetMessages();
+    platform::state.messages.clear();
     DatabaseLock lock(file());
-    platform::onSleep([&](int count) { count == 12 ? lock.release() : void(); });
+    platform::state.onSleep = [&](int count) { count == 12 ? lock.release() : void(); };
     EXPECT_EQ(dbaccess::getBissKeyFromService("it"), "NULL");
-    EXPECT_EQ(platform::sleptMicroseconds(), 1000000U);
+    EXPECT_EQ(platform::state.sleptMicroseconds, 1000000U);
     EXPECT_EQ(texts(), repeated(10, {"SQL error:5", kTryAgain}));
     EXPECT_EQ(dbaccess::getBissKeyFromService("it"), "key");
-    EXPECT_EQ(platform::sleepCount(), 12);
+    EXPECT_EQ(platform::state.sleepCount, 12);
 
     database().run("ALTER TABLE Service RENAME COLUMN bissKey TO other");
-    platform::forgetMessages();
+    platform::state.messages.clear();
     EXPECT_EQ(dbaccess::getBissKeyFromService("it"), "NULL");
     EXPECT_THAT(texts(), ElementsAre("SQL error:1"));
-    EXPECT_EQ(platform::sleepCount(), 12);
+    EXPECT_EQ(platform::state.sleepCount, 12);
 }
 
 TEST_F(BissKey, CallbackStoresTextsAndStopsWithoutValues) {

@@ -130,7 +130,7 @@ TEST_F(FolderList, ARowThatDoesNotConvertEndsTheQuery) {
         {nullptr, "''"}, {2147483648, "'2147483648'"}, {-2147483649, "'-2147483649'"}};
     for (const auto& [attributes, text] : cases) {
         list.attributes(attributes);
-        platform::forgetMessages();
+        platform::state.messages.clear();
         EXPECT_EQ(names(), "a");
         EXPECT_THAT(texts(), ElementsAre(reason + text, "folder_callback Failed!!",
                                          "SQL error res:4"));
@@ -159,28 +159,28 @@ TEST_F(FolderList, ABusyDatabaseIsTriedFiftyTimesAndOtherFailuresOnce) {
     database().list("a");
     EXPECT_EQ(names(), "a");
     DatabaseLock lock(file());
-    platform::onSleep([&](int count) { count == 99 ? lock.release() : void(); });
+    platform::state.onSleep = [&](int count) { count == 99 ? lock.release() : void(); };
     EXPECT_EQ(names(), "");
-    EXPECT_EQ(platform::sleptMicroseconds(), 5000000U);
+    EXPECT_EQ(platform::state.sleptMicroseconds, 5000000U);
     EXPECT_EQ(texts(), repeated(50, {"SQL error res:5", kTryAgain}));
     EXPECT_EQ(names(), "a");
-    EXPECT_EQ(platform::sleepCount(), 99);
+    EXPECT_EQ(platform::state.sleepCount, 99);
     database().run("DROP TABLE Lcn");
-    platform::forgetMessages();
+    platform::state.messages.clear();
     EXPECT_EQ(names(), "");
-    EXPECT_EQ(platform::sleepCount(), 99);
+    EXPECT_EQ(platform::state.sleepCount, 99);
     EXPECT_THAT(texts(), ElementsAre("SQL error res:1"));
 }
 
 TEST_F(FolderList, IsPrintedOnTheConsole) {
     EXPECT_EQ(printed(0), "argc=0\nend\n");
     database().list("servicelist://tamun.dvbt").uuid("a").name("100%");
-    platform::forgetMessages();
+    platform::state.messages.clear();
     const std::string folder = "[item 0:col 0]:100% [item 0:col 1]:a [item 0:col 2]:64 "
                                "[item 0:col 3]: [item 0:col 4]:63 \n";
     EXPECT_EQ(printed(3), folder + "argc=3\nend\n");
     EXPECT_THAT(texts(1), IsSupersetOf({"called,favoriteUuId:a ", "called,favoriteUuId:b "}));
-    platform::forgetMessages();
+    platform::state.messages.clear();
     EXPECT_EQ(printed(2), folder + "argc=2\nend\n");
     EXPECT_THAT(texts(1), Not(Contains("called,favoriteUuId:b ")));
 }

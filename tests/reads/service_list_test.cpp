@@ -106,7 +106,7 @@ TEST_F(ServiceList, ARowThatDoesNotConvertEndsTheQuery) {
         {"Type", 2147483648, "Type holds no number: '2147483648'"}};
     for (const auto& [column, value, reason] : cases) {
         database().run(std::string("UPDATE Service SET ") + column + " = ? WHERE Pid = 2", {value});
-        platform::forgetMessages();
+        platform::state.messages.clear();
         EXPECT_EQ(names("u"), "One");
         EXPECT_EQ(sv.uuid, "service-1");
         EXPECT_THAT(texts(), ElementsAre("service 2 (uuid service-2): column " + reason,
@@ -121,20 +121,20 @@ TEST_F(ServiceList, ARowThatDoesNotConvertEndsTheQuery) {
 TEST_F(ServiceList, ABusyDatabaseIsTriedFiftyTimes) {
     dbaccess::get_dbservices("u");
     sqlite3_busy_timeout(db, 0);
-    platform::forgetMessages();
+    platform::state.messages.clear();
     ResultSet result;
     DatabaseLock lock(file());
     EXPECT_EQ(select(result), SQLITE_OK);  // the COMMIT's
     EXPECT_THAT(result, IsEmpty());
-    EXPECT_EQ(platform::sleptMicroseconds(), 5000000U);
+    EXPECT_EQ(platform::state.sleptMicroseconds, 5000000U);
     auto expected = repeated(51, {"SQL error:5", kTryAgain});
     expected[0] =
         "sqlite3_exec error:5, sql:'SELECT Attributes FROM FavoriteList WHERE Uuid = 'u';'.";
     expected[1] = "database is locked";
     EXPECT_EQ(texts(), expected);
-    platform::onSleep([&](int count) { count == 53 ? lock.release() : void(); });
+    platform::state.onSleep = [&](int count) { count == 53 ? lock.release() : void(); };
     EXPECT_EQ(names("u"), "One;Two;Three");
-    EXPECT_EQ(platform::sleepCount(), 53);
+    EXPECT_EQ(platform::state.sleepCount, 53);
 }
 
 // Breaks off with a busy database at its second call, then works.

@@ -1,6 +1,5 @@
 // Opening on demand, the busy handler, the traces and the cost of a disabled message.
 #include <sstream>
-#include <thread>
 
 #include "support/test_database.h"
 
@@ -56,13 +55,9 @@ class Session : public TestDatabase {
         database().put(list, database().dvbt("Eins"), 1);
     }
 
-    static void expectMutexFree() {
-        ASSERT_EQ(pthread_mutex_trylock(&svresult_mutex), 0);
-        pthread_mutex_unlock(&svresult_mutex);
-    }
     static std::vector<std::string> trace() {
         std::vector<std::string> lines;
-        for (const platform::Message& m : platform::messages()) {
+        for (const platform::Message& m : platform::state.messages) {
             EXPECT_THAT(m.file, MatchesRegex("[a-z_]+\\.cpp"));
             EXPECT_GT(m.line, 0);
             char where[100];
@@ -80,24 +75,22 @@ TEST_F(Session, AnyFirstCallOpensTheFixedPathOnce) {
         first.call();
         ASSERT_NE(db, nullptr);
         EXPECT_EQ(sqlite3_db_filename(db, "main"), file());
-        for (const EntryPoint& next : kEntryPoints) {
+        for (const EntryPoint& next : kEntryPoints)
             next.call();
-            expectMutexFree();
-        }
         EXPECT_EQ(opens(), before + 1);
         closeLibrary();
     }
 }
 
 TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
-    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    platform::state.channelDatabase = platform::kUnopenablePath;
     int expectedOpens = 0;
     for (const EntryPoint& entry : kEntryPoints) {
         if (entry.call == serviceCount)
             break;
         SCOPED_TRACE(entry.name);
         for (int attempt = 1; attempt <= 2; ++attempt) {
-            platform::forgetMessages();
+            platform::state.messages.clear();
             const auto memory = sqlite3_memory_used();
             EXPECT_EQ(entry.call(), entry.answerWhenClosed);
             EXPECT_EQ(sqlite3_memory_used(), memory);  // the handle is closed
@@ -105,30 +98,28 @@ TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
             EXPECT_EQ(opens(), ++expectedOpens);
             EXPECT_THAT(texts(1), Contains("will open db "));
             EXPECT_THAT(texts(), ElementsAre("open or create db failed,res:14"));
-            for (const platform::Message& m : platform::messages()) {
+            for (const platform::Message& m : platform::state.messages) {
                 EXPECT_EQ(m.function, entry.name);
                 EXPECT_EQ(m.module, entry.module);
             }
-            expectMutexFree();
         }
     }
-    platform::redirectOpen(platform::kChannelDatabasePath, file());
+    platform::state.channelDatabase = file();
     EXPECT_EQ(attributes(), "0 0");
 }
 
 TEST_F(Session, TheServiceQueryKeepsAFailedHandleForGood) {
-    platform::redirectOpen(platform::kChannelDatabasePath, platform::kUnopenablePath);
+    platform::state.channelDatabase = platform::kUnopenablePath;
     EXPECT_EQ(serviceCount(), "0");
     EXPECT_NE(db, nullptr);
     EXPECT_THAT(texts(), ElementsAre("open or creat servicelist.db failed,res:14 "));
-    platform::redirectOpen(platform::kChannelDatabasePath, file());
-    platform::forgetMessages();
+    platform::state.channelDatabase = file();
+    platform::state.messages.clear();
     EXPECT_EQ(serviceCount(), "0");
     EXPECT_EQ(folderCount(), "0");
     EXPECT_EQ(attributes(), "21 77");
     EXPECT_EQ(opens(), 1);
     EXPECT_THAT(texts(), IsSupersetOf({"SQL ERROR res:21.", "SQL error res:21"}));
-    expectMutexFree();
 }
 
 TEST_F(Session, AConnectionOfTheHostIsUsedAndNothingOpened) {
@@ -152,27 +143,10 @@ TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
     }
 }
 
-TEST_F(Session, FirstCallsOfSeveralThreadsOpenOnce) {
-    std::vector<std::thread> threads;
-    for (const auto& [call, expected] : {std::pair(&serviceCount, "1"),
-                                         {&folderCount, "1"},
-                                         {&attributes, "0 0"},
-                                         {&serviceCount, "1"}}) {
-        threads.emplace_back([call = call, expected = expected] {
-            for (int round = 0; round < 20; ++round)
-                EXPECT_EQ(call(), expected);
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(opens(), 1);
-    EXPECT_THAT(texts(), IsEmpty());
-}
-
 TEST_F(Session, BusyHandlerSleepsReportsAndNeverGivesUp) {
     for (const int count : {0, 1000000})
         EXPECT_EQ(dbaccess::busy_callback(nullptr, count), 1);
-    EXPECT_EQ(platform::sleptMicroseconds(), 200000U);
+    EXPECT_EQ(platform::state.sleptMicroseconds, 200000U);
     EXPECT_THAT(texts(), ElementsAre("data base is locked 0 ", "data base is locked 1000000 "));
 }
 
@@ -198,10 +172,10 @@ TEST_F(Session, TracesOfTheRequests) {
 }
 
 TEST_F(Session, ADisabledMessageCostsOneCheck) {
-    platform::enableLevels([](unsigned int) { return false; });
+    platform::state.isEnabled = [](unsigned int) { return false; };
     EXPECT_EQ(serviceCount(), "1");
-    EXPECT_EQ(platform::checkCount(), 7);
-    EXPECT_THAT(platform::messages(), IsEmpty());
+    EXPECT_EQ(platform::state.checkCount, 7);
+    EXPECT_THAT(platform::state.messages, IsEmpty());
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ TEST_F(SqlHelpers, ExecReportsAndFreesTheErrorText) {
     EXPECT_EQ(exec("SELECT y FROM Lcn;", nullptr), SQLITE_ERROR);
     const auto memory = sqlite3_memory_used();
     for (const bool isEnabled : {true, false}) {
-        platform::enableLevels([=](unsigned int) { return isEnabled; });
+        platform::state.isEnabled = [=](unsigned int) { return isEnabled; };
         EXPECT_EQ(exec("SELECT x FROM Lcn;", &error), SQLITE_ERROR);
         EXPECT_EQ(error, nullptr);
         EXPECT_EQ(sqlite3_memory_used(), memory);
@@ -81,7 +81,7 @@ TEST_F(SqlHelpers, OtherCodesEndAStepAtOnce) {
     sqlite3_finalize(reader);
     EXPECT_EQ(row, nullptr);
     EXPECT_EQ(drop, nullptr);
-    EXPECT_EQ(platform::sleepCount(), 0);
+    EXPECT_EQ(platform::state.sleepCount, 0);
     EXPECT_THAT(texts(), ElementsAre("sqlite3_step failed:100, hint:'a row'.",
                                      "sqlite3_step failed:6, hint:'drop'."));
 }
@@ -92,14 +92,15 @@ TEST_F(SqlHelpers, ABusyStepIsTriedFiftyTimes) {
         {sqlstep, SQLITE_DONE, update}, {sqlstepquery, SQLITE_ROW, update + " RETURNING 1"}};
     for (const auto& [step, success, sql] : cases) {
         for (const int freeAt : {49, 50}) {  // the first is in time
-            platform::reset();
+            platform::state = {};
             sqlite3_stmt* stmt = prepared(sql.c_str());
             DatabaseLock lock(file());
-            platform::onSleep([&](int count) { count == freeAt ? lock.release() : void(); });
+            platform::state.onSleep = [&](int count) { count == freeAt ? lock.release() : void(); };
             EXPECT_EQ(step(&stmt, "tag"), freeAt == 49 ? success : SQLITE_BUSY);
             EXPECT_EQ(stmt != nullptr, freeAt == 49);
             sqlite3_finalize(stmt);
-            EXPECT_EQ(platform::sleptMicroseconds(), static_cast<unsigned int>(freeAt) * 100000);
+            EXPECT_EQ(platform::state.sleptMicroseconds,
+                      static_cast<unsigned int>(freeAt) * 100000);
             auto expected = repeated(freeAt, {kTryAgain});
             if (freeAt == 50)
                 expected.push_back(" database is locked, time out, hint:'tag'.");

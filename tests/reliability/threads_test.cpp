@@ -71,6 +71,7 @@ TEST(Threads, MayCallTheLockedEntryPointsAtOnce) {
 TEST(Threads, MayRaceToOpen) {
     constexpr int kRounds = 60;
     Workshop workshop;
+    auto const memory = sqlite3_memory_used();
     for (int round = 0; round < kRounds && !HasFailure(); ++round) {
         forgetLibraryState();
         runAtOnce({
@@ -89,6 +90,8 @@ TEST(Threads, MayRaceToOpen) {
             },
         });
     }
+    forgetLibraryState();
+    EXPECT_EQ(sqlite3_memory_used(), memory) << "a call opened a connection that nobody closes";
     std::printf("figure: %d races to open\n", kRounds);
 }
 

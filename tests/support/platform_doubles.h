@@ -1,6 +1,6 @@
 // The platform's calls as a test program sees them: definitions in the program take the place of
 // usleep, system, sqlite3_open and the debug library for the shared library under test, and record
-// what it asked. Safe from several threads; reset() before each test.
+// what it asked. For one thread.
 #pragma once
 
 #include <functional>
@@ -23,29 +23,28 @@ struct Message {
     int line = 0;
 };
 
-/// Forgets all records, hooks and redirections, and enables every level.
-void reset();
+/// What the library asked of the platform, and what the platform does about it.
+struct State {
+    /// Sleeps take no time and those of the library are recorded, not those of SQLite's busy
+    /// timeout; the hook gets the number of the sleep, from 1 on.
+    int sleepCount = 0;
+    unsigned long long sleptMicroseconds = 0;
+    std::function<void(int)> onSleep;
 
-/// Sleeps take no time and those of the library are recorded, not those of SQLite's busy timeout;
-/// the hook gets the number of the sleep, from 1 on.
-int sleepCount();
-unsigned long long sleptMicroseconds();
-void onSleep(std::function<void(int)> hook);
+    /// Commands are not run; the hook gives the result, 0 without one.
+    int commandCount = 0;
+    std::function<int(const std::string&)> onCommand;
 
-/// Commands are recorded and not run; the hook gives the result, 0 without one.
-std::vector<std::string> commands();
-void onCommand(std::function<int(const std::string&)> hook);
+    std::vector<Message> messages;
+    int checkCount = 0;  // how often the library asked whether a level is enabled
+    std::function<bool(unsigned int level)> isEnabled = [](unsigned int) { return true; };
 
-std::vector<Message> messages();
-void forgetMessages();
-/// Number of times that the library asked whether a level is enabled.
-int checkCount();
-/// Which levels are enabled from now on.
-void enableLevels(std::function<bool(unsigned int level)> enabled);
+    std::vector<std::string> openedPaths;
+    /// Opened for kChannelDatabasePath; kUnopenablePath makes the open fail for real.
+    std::string channelDatabase = kChannelDatabasePath;
+};
 
-/// Every path given to sqlite3_open, in order.
-std::vector<std::string> openedPaths();
-/// Opens `file` whenever `path` is asked for; kUnopenablePath makes the open fail for real.
-void redirectOpen(const std::string& path, const std::string& file);
+/// Made anew before each test.
+inline State state;
 
 }  // namespace platform

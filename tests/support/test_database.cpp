@@ -42,11 +42,13 @@ void TestDatabase::SetUp() {
     m_selectedServiceListId = 0;
     m_svfield.assign(std::begin(srv), std::end(srv));
     m_flfield.assign(std::begin(fl), std::end(fl));
-    platform::reset();
-    platform::redirectOpen(platform::kChannelDatabasePath, file_);
+    platform::state = {};
+    platform::state.channelDatabase = file_;
 }
 
 void TestDatabase::TearDown() {
+    EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), 0) << "the mutex is still held";
+    pthread_mutex_unlock(&svresult_mutex);
     closeForGood(db, "db");
     closeForGood(db_zentova, "db_zentova");
     database_.reset();
@@ -91,18 +93,18 @@ std::vector<std::string> TestDatabase::repeated(int count, const std::vector<std
 
 void TestDatabase::closeLibrary() {
     closeForGood(db, "db");
-    platform::forgetMessages();
+    platform::state.messages.clear();
 }
 
 std::vector<std::string> TestDatabase::texts(unsigned int level) {
     std::vector<std::string> all;
-    for (const auto& message : platform::messages())
+    for (const auto& message : platform::state.messages)
         if (message.level == level)
             all.push_back(message.text);
     return all;
 }
 
 int TestDatabase::opens() {
-    const auto paths = platform::openedPaths();
+    const auto& paths = platform::state.openedPaths;
     return static_cast<int>(std::count(paths.begin(), paths.end(), platform::kChannelDatabasePath));
 }

@@ -37,7 +37,8 @@ class TestDatabase : public testing::Test {
     /// Makes the directory and the empty database, and brings the library's globals and the
     /// platform's doubles into the state of a fresh process.
     void SetUp() override;
-    /// Closes the library's connections, which must hold no open statement any more.
+    /// Closes the library's connections, which must hold no open statement any more; the mutex
+    /// must be free.
     void TearDown() override;
 
     /// The rows of a query on the builder's connection, "a|b;c|d", NULL as "NULL".

@@ -5,11 +5,6 @@ using testing::HasSubstr;
 
 namespace {
 
-TEST_F(ToolTest, FindsNothingInASoundDatabase) {
-    expect({"check", 0, "No findings.\n", nullptr});
-    expect({"check --json", 0, "[]\n", nullptr});
-}
-
 TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
     const struct {
         const char* sql;
@@ -32,8 +27,6 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
          "FavoriteList 21: the list 'Astra' has no uuid", "opens empty"},
         {"UPDATE FavoriteList SET UpdateTag = 65536 WHERE Pid = 12",
          "FavoriteList 12: UpdateTag is 65536, not 0 to 65535", "an edit of FAV2 may not show"},
-        {"UPDATE FavoriteList SET UpdateTag = NULL WHERE Pid = 12",
-         "FavoriteList 12: UpdateTag is NULL", ""},
         {"UPDATE FavoriteList SET Attributes = 'x' WHERE Pid = 21",
          "FavoriteList 21: Attributes is 'x', no number", "ends in front of Astra"},
         {"DELETE FROM Service WHERE Pid = 2",
@@ -61,12 +54,10 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
         {"UPDATE Service SET Encrypted = NULL WHERE Pid = 3",
          "Service 3: Encrypted is NULL, no number",
          "stops reading in front of VOX, in $all (number 3), FAV1 (number 3), FAV2 (number 1)"},
-        {"UPDATE Service SET MediaType = '2x' WHERE Pid = 3", "Service 3: MediaType is '2x'", ""},
         {"UPDATE FavoriteItem SET Selectable = NULL WHERE Id = 8",
          "FavoriteItem 8: Selectable is NULL, no number", "ZDF HD, in FAV1 (number 2)"},
         {"DELETE FROM Tuner WHERE TunerId = (SELECT TunerId FROM DvbService WHERE ServiceId = 4)",
          "Service 4: the tuning URI is null", "is shown, but cannot be tuned, in $all (number 4)"},
-        {"UPDATE DvbTTuner SET Frequency = NULL", "Service 4: the tuning URI is null", ""},
         {"UPDATE Service SET Type = 12 WHERE Pid = 2", "Service 2: Type 12 is no kind of delivery",
          "cannot be tuned"},
     };
@@ -82,7 +73,8 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
     }
 }
 
-TEST_F(ToolTest, LeavesHarmlessRowsAlone) {
+TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
+    expect({"check --json", 0, "[]\n", nullptr});
     const char* const harmless[] = {
         "UPDATE Service SET MediaType = NULL, Selectable = NULL, SoundSelection = '' WHERE Pid = 7",
         "UPDATE FavoriteItem SET ChannelNum = 1, isDeleted = 1 WHERE Id = 8",

