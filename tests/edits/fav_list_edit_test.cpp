@@ -121,7 +121,7 @@ TEST_F(FavListEdit, ShowsInTheServiceList) {
     EXPECT_EQ(rows("SELECT Pid FROM Service WHERE FavTag = 1"), "10;14;15");
     m_svfield = {SERVICE_FIELD_CHANNEL_NUMBER, SERVICE_FIELD_CAPTION};
     EXPECT_EQ(joined(dbaccess::get_dbservices("fav1")), "2|S15;3|S10;7|S14");
-    platform::forgetMessages();
+    platform::state.messages.clear();
 }
 
 TEST_F(FavListEdit, WritesFiveThousandEntries) {
