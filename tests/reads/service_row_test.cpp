@@ -159,7 +159,7 @@ TEST_F(ServiceRow, UriNumbersSaturate) {
     const char* const cases[][2] = {
         {"?sid=0012", "12"}, {"?sid=x", "0"}, {"?sid=", "0"}, {"?sid=7x&", "7"},
         {"?sid=\t +5", "5"}, {"?sid=-5", "-5"}, {"?sid=--5", "0"}, {"?tsid=1&onid=2", ""},
-        {"?sid=1&sid=2", "2"}, {"?SID=1", ""}, {"&sid=1?sid=2", "1"}, {"?sid=3&sidx=4", "3"},
+        {"?sid=1&sid=2", "2"}, {"?SID=1", ""}, {"&sid=1?sid=2", "1"}, {"?a?sid=6&", "6"}, {"?sid=3&sidx=4", "3"},
         {"sid=1", ""},
         {"?sid=2147483647", "2147483647"}, {"?sid=2147483648", "2147483647"},
         {"?sid=-2147483648", "-2147483648"}, {"?sid=-2147483649", "-2147483648"},
@@ -184,7 +184,7 @@ TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
 
 // All numbers are bad, and mended one after the other.
 TEST_F(ServiceRow, TheFirstBadColumnIsNamedAndTheTraceStandsBehindTheAttributes) {
-    ResultRow row = raw("Encrypted=1");
+    ResultRow row = raw("Encrypted=1;InternalName=");
     const std::vector<std::string> numbers = split(kNumbers, ','), columns = split(kOrder, ',');
     const auto at = [&](const std::string& number) -> std::string& {
         const auto column = std::find(columns.begin(), columns.end(), number) - columns.begin();
