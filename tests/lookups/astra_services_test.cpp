@@ -1,4 +1,6 @@
 // The Astra 19.2E anchor and the scramble flag of its list.
+#include <cerrno>
+
 #include "support/test_database.h"
 
 namespace {
@@ -152,10 +154,13 @@ TEST_F(AstraServices, LockedDatabaseIsWaitedForInEachList) {
     database().put(database().list(kOperatorList), anchor("it"), 1);
     EXPECT_EQ(found(), "it");
     DatabaseLock lock(file());
-    platform::state.onSleep = [&](int count) { count == 103 ? lock.release() : void(); };
+    platform::state.onSleep = [&](int count) {
+        EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), EBUSY);
+        count == 103 ? lock.release() : void();
+    };
     EXPECT_EQ(found(), "-2");
     EXPECT_EQ(platform::state.sleepCount, 100);
-    EXPECT_EQ(found(), "it");
+    EXPECT_EQ(scrambled(), "0");
     EXPECT_EQ(platform::state.sleepCount, 103);
 }
 

@@ -1,4 +1,6 @@
 // The service query: order, frame, busy databases, hostile uuids and bad rows.
+#include <cerrno>
+
 #include "support/test_database.h"
 
 namespace {
@@ -132,7 +134,10 @@ TEST_F(ServiceList, ABusyDatabaseIsTriedFiftyTimes) {
         "sqlite3_exec error:5, sql:'SELECT Attributes FROM FavoriteList WHERE Uuid = 'u';'.";
     expected[1] = "database is locked";
     EXPECT_EQ(texts(), expected);
-    platform::state.onSleep = [&](int count) { count == 53 ? lock.release() : void(); };
+    platform::state.onSleep = [&](int count) {
+        EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), EBUSY);
+        count == 53 ? lock.release() : void();
+    };
     EXPECT_EQ(names("u"), "One;Two;Three");
     EXPECT_EQ(platform::state.sleepCount, 53);
 }

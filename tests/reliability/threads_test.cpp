@@ -13,12 +13,12 @@ namespace {
 
 constexpr int kThreads = 8;
 
-// Runs the calls on as many threads, all at once.
-void runAtOnce(std::vector<std::function<void()>> const& calls) {
+// Runs each of the calls on `copies` threads, all at once.
+void runAtOnce(std::vector<std::function<void()>> const& calls, std::size_t copies = 1) {
     std::atomic<bool> start{false};
     std::vector<std::thread> threads;
-    for (auto const& call : calls)
-        threads.emplace_back([&start, &call] {
+    for (std::size_t thread = 0; thread < copies * calls.size(); ++thread)
+        threads.emplace_back([&start, &call = calls[thread / copies]] {
             while (!start)
                 std::this_thread::yield();
             call();
@@ -70,25 +70,26 @@ TEST(Threads, MayCallTheLockedEntryPointsAtOnce) {
 // Every entry point that opens on demand without being locked, too.
 TEST(Threads, MayRaceToOpen) {
     constexpr int kRounds = 60;
+    std::vector<std::function<void()>> const calls = {
+        [] { readServices("list-own-1"); },
+        findAnchor,
+        findScrambled,
+        [] { editAndRead("list-own-2", 100); },
+        [] { EXPECT_FALSE(dbaccess::select_Folders().empty()); },
+        [] {
+            unsigned int attributes = 0;
+            EXPECT_EQ(dbaccess::getFavriteAttributes("list-of-all-services", &attributes), 0);
+        },
+        [] {
+            std::vector<unsigned int> positions;
+            EXPECT_EQ(dbaccess::getOttFav4List(positions), 0);
+        },
+    };
     Workshop workshop;
     auto const memory = sqlite3_memory_used();
     for (int round = 0; round < kRounds && !HasFailure(); ++round) {
         forgetLibraryState();
-        runAtOnce({
-            [] { readServices("list-own-1"); },
-            findAnchor,
-            findScrambled,
-            [] { editAndRead("list-own-2", 100); },
-            [] { EXPECT_FALSE(dbaccess::select_Folders().empty()); },
-            [] {
-                unsigned int attributes = 0;
-                EXPECT_EQ(dbaccess::getFavriteAttributes("list-of-all-services", &attributes), 0);
-            },
-            [] {
-                std::vector<unsigned int> positions;
-                EXPECT_EQ(dbaccess::getOttFav4List(positions), 0);
-            },
-        });
+        runAtOnce(calls, 2);
     }
     forgetLibraryState();
     EXPECT_EQ(sqlite3_memory_used(), memory) << "a call opened a connection that nobody closes";

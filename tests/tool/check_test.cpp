@@ -27,6 +27,8 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
          "FavoriteList 21: the list 'Astra' has no uuid", "opens empty"},
         {"UPDATE FavoriteList SET UpdateTag = 65536 WHERE Pid = 12",
          "FavoriteList 12: UpdateTag is 65536, not 0 to 65535", "an edit of FAV2 may not show"},
+        {"UPDATE FavoriteList SET UpdateTag = NULL WHERE Pid = 12",
+         "FavoriteList 12: UpdateTag is NULL", ""},
         {"UPDATE FavoriteList SET Attributes = 'x' WHERE Pid = 21",
          "FavoriteList 21: Attributes is 'x', no number", "ends in front of Astra"},
         {"DELETE FROM Service WHERE Pid = 2",
