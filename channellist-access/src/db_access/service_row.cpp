@@ -170,10 +170,8 @@ int appendResultRow(CallSite const& site, ResultSet* out) {
     return 0;
 }
 
-// dbaccess::computeService, of a vector of strings or of a RawServiceRow.
-template <typename Row>
-int computeService(int argc, Row const& svrow, ResultSet* out) {
-    using dbaccess::fetchServiceItem;
+// dbaccess::computeService of a raw row.
+int computeService(int argc, RawServiceRow const& svrow, ResultSet* out) {
     if (static_cast<unsigned int>(argc) > svrow.size() || svrow.size() < kServiceColumnCount) {
         LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
         return kMalformed;
@@ -230,5 +228,5 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
 }
 
 int dbaccess::computeService(int argc, std::vector<std::string> const& svrow, ResultSet* out) {
-    return channellist::computeService(argc, svrow, out);
+    return channellist::computeService(argc, RawServiceRow(svrow), out);
 }

@@ -3,22 +3,14 @@
 namespace channellist {
 
 TuningUri::TuningUri(std::string_view locator) {
-    std::size_t end = locator.find('&');
-    while (end != std::string_view::npos) {
-        std::size_t const start = end + 1;
-        end = locator.find('&', start);
-        note(locator.substr(start, end - start));
-    }
-    end = 0;  // of one "?" that of the next as well, unless that lies behind it
-    for (std::size_t mark = locator.find('?'); mark != std::string_view::npos;
-         mark = locator.find('?', mark + 1)) {
-        if (end <= mark)
-            end = locator.find('&', mark);
-        note(locator.substr(mark + 1, end - mark - 1));
-    }
+    for (char const mark : {'&', '?'})
+        for (std::size_t at = locator.find(mark); at != std::string_view::npos;
+             at = locator.find(mark, at + 1))
+            note(locator.substr(at + 1));
 }
 
-// Keeps the value of a parameter that a row can show. The first character tells most others apart.
+// Keeps the value of a parameter that a row can show, given with the rest of the URI. The first
+// character tells most others apart.
 void TuningUri::note(std::string_view parameter) {
     switch (parameter.empty() ? '\0' : parameter.front()) {
         case 'f':
