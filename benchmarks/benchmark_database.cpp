@@ -30,7 +30,7 @@ constexpr char kAstraCreator[] = "servicelist://tamun.Astra 19.2 E.14";
 constexpr char kBissKey[] = "1A2B3C811A2B3C81";
 constexpr Id kAstraAnchorFrequency = 12603750;
 
-std::string uuidText(const char* form, int key) {
+std::string uuidText(char const* form, int key) {
     char text[37];
     std::snprintf(text, sizeof text, form, static_cast<unsigned int>(key));
     return text;

@@ -22,7 +22,7 @@ namespace {
 using namespace benchmarks;
 
 template <typename Run>
-void count(const char* name, Run run) {
+void count(char const* name, Run run) {
     CALLGRIND_START_INSTRUMENTATION;
     run();
     CALLGRIND_STOP_INSTRUMENTATION;
@@ -41,9 +41,12 @@ void countServiceList(int services) {
     plainCopy.read();
 
     ResultSet rows;
-    count("library", [&] { rows = dbaccess::get_dbservices(kAllList); });
-    count("freeing", [&] { ResultSet().swap(rows); });
-    count("floor", [&] { statements.replay(); });
+    count(
+        "library", [&] { rows = dbaccess::get_dbservices(kAllList); });
+    count(
+        "freeing", [&] { ResultSet().swap(rows); });
+    count(
+        "floor", [&] { statements.replay(); });
     count("sqlitecpp", [&] { plainCopy.read(); });
 }
 

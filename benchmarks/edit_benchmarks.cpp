@@ -25,7 +25,7 @@ int appendText(void* context, int count, char** values, char** /*names*/) {
 // What edits change, as one text.
 std::string editedContent(Connection const& connection) {
     std::string content;
-    for (const char* const sql :
+    for (char const* const sql :
          {"SELECT FavoriteId, ServiceId, ChannelNum, isDeleted FROM FavoriteItem ORDER BY 1, 2",
           "SELECT FavTag, FavTag2, FavTag3, FavTag4 FROM Service ORDER BY Pid",
           "SELECT MaxChannelNumber FROM FavoriteList ORDER BY Pid"})

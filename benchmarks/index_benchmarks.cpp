@@ -18,7 +18,7 @@ constexpr int kServices = 5000;
 constexpr int kFavorites = 500;
 
 struct Request {
-    const char* name;
+    char const* name;
     int rounds;
     Contender (*make)();
 };
@@ -40,7 +40,7 @@ constexpr Request kRequests[] = {
 };
 
 // The request on a database of its own.
-Contender onDatabase(const char* name, Connection const& connection, Request const& request) {
+Contender onDatabase(char const* name, Connection const& connection, Request const& request) {
     Contender const contender = request.make();
     return {name, contender.run, [&connection, contender] {
                 db = connection.get();

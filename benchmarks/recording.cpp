@@ -62,12 +62,11 @@ int Recording::note(unsigned int /*event*/, void* context, void* handle, void* /
 // The values are the numbers that stand in the expanded text where the statement has a "?".
 void Recording::Run::setValues(std::string const& sql, char* expanded) {
     std::unique_ptr<char, decltype(&sqlite3_free)> const owned(expanded, sqlite3_free);
-    for (char const character : sql) {
+    for (char const character : sql)
         if (character == '?')
             values.at(valueCount++) = static_cast<int>(std::strtol(expanded, &expanded, 10));
         else
             ++expanded;
-    }
 }
 
 void Recording::redirect(sqlite3* from, sqlite3* to) {

@@ -15,7 +15,7 @@ constexpr unsigned int kDeleted = 0x01;
 constexpr unsigned int kRestored = 0x02;
 constexpr unsigned int kRenumberAll = 0x04 | 0x08 | 0x10 | 0x20;
 
-void expect(bool succeeded, const char* request) {
+void expect(bool succeeded, char const* request) {
     if (!succeeded)
         throw std::runtime_error(std::string(request) + " failed");
 }

@@ -7,7 +7,7 @@
 #include "connection.h"
 
 // The edits of the library end with "sync", which would wait for the disk of the whole machine.
-extern "C" int system(const char* /*command*/) { return 0; }
+extern "C" int system(char const* /*command*/) { return 0; }
 
 namespace benchmarks {
 

@@ -20,9 +20,9 @@ struct ParameterRule {
     std::vector<int> values;
 };
 
-const std::vector<ParameterRule>& parameterRules() {
-    static const std::vector<int> codeRates{0, 12, 13, 14, 23, 25, 34, 35, 45, 56, 67, 78, 89, 910};
-    static const std::vector<ParameterRule> rules{
+std::vector<ParameterRule> const& parameterRules() {
+    static std::vector<int> const codeRates{0, 12, 13, 14, 23, 25, 34, 35, 45, 56, 67, 78, 89, 910};
+    static std::vector<ParameterRule> const rules{
         {'B', {5, 6, 7, 8, 10, 1712}},
         {'C', codeRates},
         {'D', codeRates},
@@ -43,21 +43,19 @@ const std::vector<ParameterRule>& parameterRules() {
 
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view kBlank = " \t\r\n";
-    const auto first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) {
+    auto const first = text.find_first_not_of(kBlank);
+    if (first == std::string_view::npos)
         return {};
-    }
     return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
 std::vector<std::string> split(std::string_view text, char separator) {
     std::vector<std::string> parts;
     for (;;) {
-        const auto end = text.find(separator);
+        auto const end = text.find(separator);
         parts.emplace_back(trimmed(text.substr(0, end)));
-        if (end == std::string_view::npos) {
+        if (end == std::string_view::npos)
             return parts;
-        }
         text.remove_prefix(end + 1);
     }
 }
@@ -65,17 +63,16 @@ std::vector<std::string> split(std::string_view text, char separator) {
 /// The number at the beginning of `text`, which is taken off it.
 std::optional<int> leadingNumber(std::string_view& text, int base = 10) {
     int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
-    if (error != std::errc() || number < 0) {
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    if (error != std::errc() || number < 0)
         return std::nullopt;
-    }
     text.remove_prefix(static_cast<std::size_t>(end - text.data()));
     return number;
 }
 
-int numberField(const char* what, std::string_view text, int largest, int base = 10) {
+int numberField(char const* what, std::string_view text, int largest, int base = 10) {
     std::string_view rest = text;
-    const auto number = leadingNumber(rest, base);
+    auto const number = leadingNumber(rest, base);
     if (!number || !rest.empty() || *number > largest) {
         throw LineError(std::string(what) + " '" + std::string(text) + "' is no number up to " +
                         std::to_string(largest));
@@ -84,44 +81,41 @@ int numberField(const char* what, std::string_view text, int largest, int base =
 }
 
 void readNames(std::string field, Channel& channel) {
-    if (const auto semicolon = field.find(';'); semicolon != std::string::npos) {
+    if (auto const semicolon = field.find(';'); semicolon != std::string::npos) {
         channel.provider = field.substr(semicolon + 1);
         field.erase(semicolon);
     }
     // A long name may hold a comma, a short one never does.
-    if (const auto comma = field.rfind(','); comma != std::string::npos) {
+    if (auto const comma = field.rfind(','); comma != std::string::npos) {
         channel.shortName = field.substr(comma + 1);
         field.erase(comma);
     }
     channel.name = field;
-    for (std::string* text : {&channel.name, &channel.shortName, &channel.provider}) {
+    for (std::string* text : {&channel.name, &channel.shortName, &channel.provider})
         std::replace(text->begin(), text->end(), '|', ':');
-    }
 }
 
 void checkParameter(char letter, int value) {
-    const auto& rules = parameterRules();
-    const auto rule = std::find_if(rules.begin(), rules.end(),
-                                   [&](const ParameterRule& r) { return r.letter == letter; });
-    if (rule == rules.end()) {
+    auto const& rules = parameterRules();
+    auto const rule = std::find_if(rules.begin(), rules.end(),
+                                   [&](ParameterRule const& r) { return r.letter == letter; });
+    if (rule == rules.end())
         throw LineError(std::string("parameter ") + letter + " is not known");
-    }
-    const auto& values = rule->values;
-    const bool fits = values.empty()
+    auto const& values = rule->values;
+    bool const fits = values.empty()
                           ? value <= 65535
                           : std::find(values.begin(), values.end(), value) != values.end();
-    if (!fits && value != kAutomatic) {
+    if (!fits && value != kAutomatic)
         throw LineError(std::string("parameter ") + letter + " cannot be " + std::to_string(value));
-    }
 }
 
 void readParameters(std::string_view field, Channel& channel) {
     while (!field.empty()) {
-        const char given = field[0];
-        const char letter =
+        char const given = field[0];
+        char const letter =
             given >= 'a' && given <= 'z' ? static_cast<char>(given - 'a' + 'A') : given;
         field.remove_prefix(1);
-        const auto value = leadingNumber(field);
+        auto const value = leadingNumber(field);
         if (value) {
             checkParameter(letter, *value);
             channel.parameters[letter] = *value;
@@ -136,35 +130,30 @@ void readParameters(std::string_view field, Channel& channel) {
 /// The orbital position of "S19.2E" in tenths of a degree.
 std::optional<int> readOrbitalPosition(std::string_view source) {
     source.remove_prefix(1);
-    const auto degrees = leadingNumber(source);
-    if (!degrees || *degrees > 180) {
+    auto const degrees = leadingNumber(source);
+    if (!degrees || *degrees > 180)
         return std::nullopt;
-    }
     int tenths = *degrees * 10;
     if (source.size() == 3 && source[0] == '.' && source[1] >= '0' && source[1] <= '9') {
         tenths += source[1] - '0';
         source.remove_prefix(2);
     }
-    if (source == "E") {
+    if (source == "E")
         return tenths;
-    }
     return source == "W" ? std::optional<int>(-tenths) : std::nullopt;
 }
 
-void checkSource(const std::string& source) {
-    const bool known = source == "C" || source == "T" ||
+void checkSource(std::string const& source) {
+    bool const known = source == "C" || source == "T" ||
                        (!source.empty() && source[0] == 'S' && readOrbitalPosition(source));
-    if (!known) {
+    if (!known)
         throw LineError("source '" + source + "' is no satellite, cable or terrestrial source");
-    }
 }
 
-void readConditionalAccess(const std::string& field, Channel& channel) {
-    for (const std::string& part : split(field, ',')) {
-        if (const int id = numberField("conditional access", part, 0xFFFF, 16)) {
+void readConditionalAccess(std::string const& field, Channel& channel) {
+    for (std::string const& part : split(field, ','))
+        if (int const id = numberField("conditional access", part, 0xFFFF, 16))
             channel.conditionalAccess.push_back(id);
-        }
-    }
 }
 
 std::string withBars(std::string text) {
@@ -174,7 +163,7 @@ std::string withBars(std::string text) {
 
 std::string hexadecimal(int number) {
     char digits[8];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number, 16).ptr;
+    auto const end = std::to_chars(digits, digits + sizeof digits, number, 16).ptr;
     std::transform(digits, end, digits,
                    [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
     return std::string(digits, end);
@@ -183,9 +172,8 @@ std::string hexadecimal(int number) {
 /// Gathers a list line by line.
 struct ListReader {
     void read(std::string_view line, int lineNumber) {
-        if (line.empty()) {
+        if (line.empty())
             return;
-        }
         if (line[0] == ':') {
             readGroup(line.substr(1));
             return;
@@ -196,17 +184,16 @@ struct ListReader {
             channel.group = static_cast<int>(list.groups.size()) - 1;
             channel.line = lineNumber;
             list.channels.push_back(std::move(channel));
-        } catch (const LineError& error) {
-            if (line[0] != '#') {
+        } catch (LineError const& error) {
+            if (line[0] != '#')
                 list.rejected.push_back({lineNumber, error.what()});
-            }
         }
     }
 
     void readGroup(std::string_view text) {
         if (text.substr(0, 1) == "@") {
             std::string_view behind = text.substr(1);
-            if (const auto number = leadingNumber(behind)) {
+            if (auto const number = leadingNumber(behind)) {
                 nextNumber = std::max(nextNumber, *number);
                 text = behind;
             }
@@ -224,31 +211,27 @@ struct ListReader {
 
 }  // namespace
 
-Channel parseChannel(const std::string& line) {
+Channel parseChannel(std::string const& line) {
     auto fields = split(line, ':');
-    if (fields.size() < 9 || fields.size() > 13) {
+    if (fields.size() < 9 || fields.size() > 13)
         throw LineError("a channel has 9 to 13 fields, this line " + std::to_string(fields.size()));
-    }
-    if (fields.size() == 9) {
+    if (fields.size() == 9)
         fields.insert(fields.begin() + 7, "0");  // the oldest lists have no teletext pid
-    }
     fields.resize(13, "0");
 
     Channel channel;
     readNames(fields[0], channel);
     channel.frequency = numberField("frequency", fields[1], 2147483647);
-    if (channel.frequency == 0) {
+    if (channel.frequency == 0)
         throw LineError("the frequency is 0");
-    }
     readParameters(fields[2], channel);
     channel.source = fields[3];
     checkSource(channel.source);
     channel.symbolRate = numberField("symbol rate", fields[4], 2147483647);
     channel.videoPid = fields[5];
     std::string_view pid = channel.videoPid;
-    if (!leadingNumber(pid)) {
+    if (!leadingNumber(pid))
         throw LineError("video pid '" + channel.videoPid + "' is no number");
-    }
     channel.audioPids = fields[6];
     channel.teletextPid = fields[7];
     readConditionalAccess(fields[8], channel);
@@ -264,31 +247,26 @@ ChannelsConf parseChannelsConf(std::istream& text) {
     int lineNumber = 0;
     for (std::string line; std::getline(text, line);) {
         ++lineNumber;
-        if (lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+        if (lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0)
             line.erase(0, 3);
-        }
-        if (!isUtf8(line)) {
+        if (!isUtf8(line))
             line = latin1ToUtf8(line);
-        }
         reader.read(trimmed(line), lineNumber);
     }
     return std::move(reader.list);
 }
 
-std::string formatChannel(const Channel& channel) {
+std::string formatChannel(Channel const& channel) {
     std::string names = withBars(channel.name);
     // The last comma ends the name, so a name with commas needs one more.
-    if (!channel.shortName.empty() || names.find(',') != std::string::npos) {
+    if (!channel.shortName.empty() || names.find(',') != std::string::npos)
         names += "," + withBars(channel.shortName);
-    }
-    if (!channel.provider.empty()) {
+    if (!channel.provider.empty())
         names += ";" + withBars(channel.provider);
-    }
     std::string access;
-    for (const int id : channel.conditionalAccess) {
+    for (int const id : channel.conditionalAccess)
         access += (access.empty() ? "" : ",") + hexadecimal(id);
-    }
-    const std::string fields[] = {names,
+    std::string const fields[] = {names,
                                   std::to_string(channel.frequency),
                                   channel.parameterText(),
                                   channel.source,
@@ -302,16 +280,15 @@ std::string formatChannel(const Channel& channel) {
                                   std::to_string(channel.transportStreamId),
                                   std::to_string(channel.radioId)};
     std::string line;
-    for (const std::string& field : fields) {
+    for (std::string const& field : fields)
         line += (&field == fields ? "" : ":") + field;
-    }
     return line;
 }
 
-std::string formatGroup(const std::string& name) { return ":" + withBars(name); }
+std::string formatGroup(std::string const& name) { return ":" + withBars(name); }
 
 Delivery Channel::delivery() const {
-    const bool second = parameter('S') == 1;
+    bool const second = parameter('S') == 1;
     switch (source[0]) {
         case 'T':
             return second ? Delivery::DvbT2 : Delivery::DvbT;
@@ -324,9 +301,8 @@ Delivery Channel::delivery() const {
 
 int Channel::frequencyInKHz() const {
     std::int64_t scaled = frequency;
-    while (scaled < 1000000) {
+    while (scaled < 1000000)
         scaled *= 1000;
-    }
     return static_cast<int>(source[0] == 'S' ? scaled : (scaled + 500) / 1000);
 }
 
@@ -340,25 +316,23 @@ bool Channel::isRadio() const {
 }
 
 bool Channel::isEncrypted() const {
-    return std::any_of(conditionalAccess.begin(), conditionalAccess.end(),
-                       [](int id) { return id >= 0x10; });
+    return std::any_of(
+        conditionalAccess.begin(), conditionalAccess.end(), [](int id) { return id >= 0x10; });
 }
 
 int Channel::parameter(char letter) const {
-    const auto found = parameters.find(letter);
-    const bool automatic = found == parameters.end() || found->second == kAutomatic ||
+    auto const found = parameters.find(letter);
+    bool const automatic = found == parameters.end() || found->second == kAutomatic ||
                            (letter == 'M' && found->second == kAutomaticQam);
     return automatic ? 0 : found->second;
 }
 
 std::string Channel::parameterText() const {
     std::string text;
-    if (polarization != 0) {
+    if (polarization != 0)
         text += polarization;
-    }
-    for (const auto& [letter, value] : parameters) {
+    for (auto const& [letter, value] : parameters)
         text += letter + std::to_string(value);
-    }
     return text;
 }
 

@@ -8,27 +8,23 @@
 
 namespace channel_database {
 
-ChannelsConf readChannelsConf(const std::string& path) {
+ChannelsConf readChannelsConf(std::string const& path) {
     std::ifstream file(path);
-    if (!file) {
+    if (!file)
         throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
-    }
     ChannelsConf list = parseChannelsConf(file);
-    if (file.bad()) {
+    if (file.bad())
         throw std::runtime_error("cannot read " + path + " to its end");
-    }
     return list;
 }
 
-void makeDatabaseFile(const ChannelsConf& list, const std::string& path, bool replace,
-                      const ImportProgress& progress) {
-    if (!replace && std::filesystem::exists(path)) {
+void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
+                      ImportProgress const& progress) {
+    if (!replace && std::filesystem::exists(path))
         throw std::runtime_error(path + " exists; --force replaces it");
-    }
-    if (list.channels.empty()) {
+    if (list.channels.empty())
         throw std::runtime_error("the list holds no channel");
-    }
-    const std::string unfinished = path + ".part";
+    std::string const unfinished = path + ".part";
     std::filesystem::remove(unfinished);
     try {
         {

@@ -18,11 +18,11 @@ std::map<std::string, int> numbersOf(std::string_view uri) {
     uri.remove_prefix(std::min(uri.find('?'), uri.size()));
     while (!uri.empty()) {
         uri.remove_prefix(1);  // '?' or '&'
-        const std::string_view part = uri.substr(0, uri.find('&'));
+        std::string_view const part = uri.substr(0, uri.find('&'));
         uri.remove_prefix(part.size());
-        const auto equals = part.find('=');
+        auto const equals = part.find('=');
         if (equals != std::string_view::npos) {
-            const std::string_view value = part.substr(equals + 1);
+            std::string_view const value = part.substr(equals + 1);
             int& number = numbers[std::string(part.substr(0, equals))];
             std::from_chars(value.data(), value.data() + value.size(), number);
         }
@@ -31,18 +31,16 @@ std::map<std::string, int> numbersOf(std::string_view uri) {
 }
 
 std::string satelliteSource(int number) {
-    const int position = satellitePosition(number);
-    const int tenths = std::abs(position);
-    const std::string fraction = tenths % 10 == 0 ? "" : "." + std::to_string(tenths % 10);
+    int const position = satellitePosition(number);
+    int const tenths = std::abs(position);
+    std::string const fraction = tenths % 10 == 0 ? "" : "." + std::to_string(tenths % 10);
     return "S" + std::to_string(tenths / 10) + fraction + (position < 0 ? "W" : "E");
 }
 
 std::string oneLine(std::string text) {
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < 0x20) {
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < 0x20)
             c = ' ';
-        }
-    }
     return text;
 }
 
@@ -64,26 +62,23 @@ void setSource(std::map<std::string, int>& numbers, Delivery delivery, Channel& 
 }
 
 void setParameters(std::map<std::string, int>& numbers, Delivery delivery, Channel& channel) {
-    const Modcod modcod = delivery == Delivery::DvbS2
+    Modcod const modcod = delivery == Delivery::DvbS2
                               ? modcodOf(numbers["modcod"])
                               : Modcod{numbers["modulation"], numbers["coderate"]};
-    const std::pair<char, int> parameters[] = {
+    std::pair<char, int> const parameters[] = {
         {'B', numbers["bandwidth"]},
         {'C', modcod.codeRate},
         {'I', numbers["inversion"]},
         {'M', modcod.modulation},
         {'P', numbers["groupid"] << 8 | numbers["plpid"]},
     };
-    for (const auto& [letter, value] : parameters) {
-        if (value != 0) {
+    for (auto const& [letter, value] : parameters)
+        if (value != 0)
             channel.parameters[letter] = value;
-        }
-    }
-    const bool second =
+    bool const second =
         delivery == Delivery::DvbT2 || delivery == Delivery::DvbC2 || delivery == Delivery::DvbS2;
-    if (second || channel.source[0] != 'C') {
+    if (second || channel.source[0] != 'C')
         channel.parameters['S'] = second ? 1 : 0;
-    }
 }
 
 bool isDvb(Delivery delivery) {
@@ -92,12 +87,11 @@ bool isDvb(Delivery delivery) {
 
 }  // namespace
 
-std::optional<Channel> channelOf(const StoredService& service) {
+std::optional<Channel> channelOf(StoredService const& service) {
     auto numbers = numbersOf(service.uri);
-    const auto delivery = static_cast<Delivery>(numbers["frontend"]);
-    if (!isDvb(delivery) || numbers["frequency"] <= 0) {
+    auto const delivery = static_cast<Delivery>(numbers["frontend"]);
+    if (!isDvb(delivery) || numbers["frequency"] <= 0)
         return std::nullopt;
-    }
     Channel channel;
     channel.name = oneLine(service.name);
     channel.frequency = numbers["frequency"];
@@ -107,9 +101,8 @@ std::optional<Channel> channelOf(const StoredService& service) {
     channel.videoPid = service.radio ? "0" : "8191";
     channel.audioPids = "0";
     channel.teletextPid = "0";
-    if (service.encrypted) {
+    if (service.encrypted)
         channel.conditionalAccess.push_back(kUnknownAccess);
-    }
     channel.serviceId = numbers["sid"];
     channel.networkId = numbers["onid"];
     channel.transportStreamId = numbers["tsid"];

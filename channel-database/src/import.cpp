@@ -14,55 +14,52 @@ constexpr int kFavLists = 4;
 constexpr int kAstraPosition = 192;
 constexpr int kAstraNetwork = 1;
 constexpr int kNoNetwork = -1;  // of a list whose services come from many
-constexpr const char* kInputs[] = {"hdmi1", "hdmi2",  "hdmi3",    "hdmi4",    "AV1",      "AVS",
+constexpr char const* kInputs[] = {"hdmi1", "hdmi2",  "hdmi3",    "hdmi4",    "AV1",      "AVS",
                                    "PC IN", "ANALOG", "SPDIF IN", "SCART AV", "COMPONENT"};
 
 /// Low and high band of the universal LNB, whose switching frequency is 11.7 GHz.
 int bandNumber(int kHz) {
-    if (kHz < 10700000 || kHz > 12750000) {
+    if (kHz < 10700000 || kHz > 12750000)
         return 0;
-    }
     return kHz < 11700000 ? 1 : 2;
 }
 
 /// The list says nothing about the picture, so the name has to: "ZDF HD", "Ultra HD", "UHD1".
-bool isHighDefinition(const Channel& channel) {
+bool isHighDefinition(Channel const& channel) {
     return !channel.isRadio() && channel.name.find("HD") != std::string::npos;
 }
 
 class Importer {
   public:
-    Importer(ChannelDatabase& database, const ChannelsConf& list)
+    Importer(ChannelDatabase& database, ChannelsConf const& list)
         : database_(database),
           list_(list),
           all_(makeList("tamun.sl2.servicelist$all", "$all", "all")),
           av_(makeList("tamun.sl2.servicelist$av", "$av", "av")) {
         for (int i = 1; i <= kFavLists; ++i) {
-            const std::string number = std::to_string(i);
+            std::string const number = std::to_string(i);
             makeList("User.tvFAV" + number, "FAV" + number, "fav" + number);
         }
     }
 
     void addInputs() {
         int number = 0;
-        for (const char* name : kInputs) {
+        for (char const* name : kInputs)
             database_.put(av_, database_.input(name), ++number);
-        }
     }
 
-    void addChannel(const Channel& channel) {
+    void addChannel(Channel const& channel) {
         Service service = makeService(channel);
-        const Id delivery = deliveryList(channel);
+        Id const delivery = deliveryList(channel);
         database_.put(delivery, service, channel.number);
         database_.put(all_, service, channel.number).original(delivery);
         if (channel.orbitalPosition() == kAstraPosition) {
-            const Id astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
+            Id const astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
                                     "astra-19.2e", kAstraNetwork);
             database_.put(astra, service, channel.number);
         }
-        if (channel.group >= 0) {
+        if (channel.group >= 0)
             addToGroup(channel, service, delivery);
-        }
     }
 
     void finish() {
@@ -72,21 +69,21 @@ class Importer {
     }
 
   private:
-    Id makeList(const std::string& creator, const std::string& name, const std::string& uuid,
+    Id makeList(std::string const& creator, std::string const& name, std::string const& uuid,
                 int network = kNoNetwork) {
-        const Id list = database_.list(creator).name(name).uuid(uuid).networkId(network);
+        Id const list = database_.list(creator).name(name).uuid(uuid).networkId(network);
         lists_[uuid] = list;
         return list;
     }
 
     /// The list of that uuid, made when it is wanted for the first time.
-    Id listOf(const std::string& creator, const std::string& name, const std::string& uuid,
+    Id listOf(std::string const& creator, std::string const& name, std::string const& uuid,
               int network = kNoNetwork) {
-        const auto found = lists_.find(uuid);
+        auto const found = lists_.find(uuid);
         return found != lists_.end() ? found->second : makeList(creator, name, uuid, network);
     }
 
-    Id deliveryList(const Channel& channel) {
+    Id deliveryList(Channel const& channel) {
         switch (channel.source[0]) {
             case 'T':
                 return listOf("servicelist://tamun.dvbt", "DVB-T", "dvbt");
@@ -97,22 +94,22 @@ class Importer {
         }
     }
 
-    void addToGroup(const Channel& channel, Service& service, Id delivery) {
-        const std::string kind = channel.isRadio() ? "radio" : "tv";
-        const std::string number = std::to_string(channel.group + 1);
-        const std::string& name = list_.groups[static_cast<std::size_t>(channel.group)];
-        const Id user = listOf("User." + kind + "." + number, name, "user-" + kind + "-" + number);
+    void addToGroup(Channel const& channel, Service& service, Id delivery) {
+        std::string const kind = channel.isRadio() ? "radio" : "tv";
+        std::string const number = std::to_string(channel.group + 1);
+        std::string const& name = list_.groups[static_cast<std::size_t>(channel.group)];
+        Id const user = listOf("User." + kind + "." + number, name, "user-" + kind + "-" + number);
         database_.put(user, service, ++counts_[user]).original(delivery);
         if (channel.group < kFavLists) {
-            const Id fav = lists_.at("fav" + number);
+            Id const fav = lists_.at("fav" + number);
             database_.put(fav, service, ++counts_[fav]).original(delivery);
             service.favTag(channel.group + 1);
         }
     }
 
-    Service makeService(const Channel& channel) {
-        const std::string transponder = transponderText(channel);
-        const auto known = tuners_.find(transponder);
+    Service makeService(Channel const& channel) {
+        std::string const transponder = transponderText(channel);
+        auto const known = tuners_.find(transponder);
         Service service = database_.service(channel.delivery(), channel.name, kNewId,
                                             known == tuners_.end() ? kNewId : known->second);
         if (known == tuners_.end()) {
@@ -124,20 +121,19 @@ class Importer {
             .set("MediaType", channel.isRadio() ? 2 : 1)
             .encrypted(channel.isEncrypted())
             .hdtv(isHighDefinition(channel));
-        if (!channel.shortName.empty()) {
+        if (!channel.shortName.empty())
             service.shortName(channel.shortName).serviceName(channel.name);  // lists show the name
-        }
         return service;
     }
 
-    static std::string transponderText(const Channel& channel) {
+    static std::string transponderText(Channel const& channel) {
         return channel.source + "-" + std::to_string(channel.frequencyInKHz()) + "-" +
                channel.parameterText() + "-" + std::to_string(channel.symbolRate) + "-" +
                std::to_string(channel.networkId);
     }
 
-    static void writeTuner(const Channel& channel, Service& service) {
-        const int kHz = channel.frequencyInKHz();
+    static void writeTuner(Channel const& channel, Service& service) {
+        int const kHz = channel.frequencyInKHz();
         service.nitId(channel.networkId)
             .frequency(kHz)
             .set("SpectrumInversion", channel.parameter('I'));
@@ -163,9 +159,8 @@ class Importer {
                             modcodNumber({channel.parameter('M'), channel.parameter('C')}));
                 break;
         }
-        if (channel.delivery() == Delivery::DvbT2 || channel.delivery() == Delivery::DvbC2) {
+        if (channel.delivery() == Delivery::DvbT2 || channel.delivery() == Delivery::DvbC2)
             service.plpId(channel.parameter('P'));
-        }
         if (channel.source[0] == 'S') {
             service.satellite(satelliteNumber(channel.orbitalPosition()))
                 .symbolRate(channel.symbolRate)
@@ -175,22 +170,21 @@ class Importer {
     }
 
     /// The channel id; "#2" and so on behind it when the list names the channel again.
-    std::string newUuid(const Channel& channel) {
+    std::string newUuid(Channel const& channel) {
         // Lists without ids know a transponder by its frequency alone.
-        const bool hasIds = channel.networkId != 0 || channel.transportStreamId != 0;
-        const int transponder =
+        bool const hasIds = channel.networkId != 0 || channel.transportStreamId != 0;
+        int const transponder =
             hasIds ? channel.transportStreamId : channel.frequencyInKHz() / 1000;
         std::string id = channel.source + "-" + std::to_string(channel.networkId) + "-" +
                          std::to_string(transponder) + "-" + std::to_string(channel.serviceId);
-        if (channel.radioId != 0) {
+        if (channel.radioId != 0)
             id += "-" + std::to_string(channel.radioId);
-        }
-        const int occurrence = ++uuids_[id];
+        int const occurrence = ++uuids_[id];
         return occurrence == 1 ? id : id + "#" + std::to_string(occurrence);
     }
 
     ChannelDatabase& database_;
-    const ChannelsConf& list_;
+    ChannelsConf const& list_;
     std::map<std::string, Id> lists_;   // by uuid
     std::map<std::string, Id> tuners_;  // by transponder
     std::map<std::string, int> uuids_;
@@ -201,20 +195,18 @@ class Importer {
 
 }  // namespace
 
-void importChannels(ChannelDatabase& database, const ChannelsConf& list,
-                    const ImportProgress& progress) {
+void importChannels(ChannelDatabase& database, ChannelsConf const& list,
+                    ImportProgress const& progress) {
     Transaction transaction(database);
-    if (database.value("SELECT count(*) FROM FavoriteList") != "0") {
+    if (database.value("SELECT count(*) FROM FavoriteList") != "0")
         throw std::runtime_error("the database holds lists already");
-    }
     Importer importer(database, list);
     importer.addInputs();
     std::size_t done = 0;
-    for (const Channel& channel : list.channels) {
+    for (Channel const& channel : list.channels) {
         importer.addChannel(channel);
-        if (progress) {
+        if (progress)
             progress(++done, list.channels.size());
-        }
     }
     importer.finish();
     transaction.commit();

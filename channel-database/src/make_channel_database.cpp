@@ -22,27 +22,24 @@ struct Arguments {
 bool readArguments(int argc, char** argv, Arguments& arguments) {
     std::vector<std::string> paths;
     for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "--force") {
+        std::string const argument = argv[i];
+        if (argument == "--force")
             arguments.force = true;
-        } else if (argument.rfind("--", 0) == 0) {
+        else if (argument.rfind("--", 0) == 0)
             return false;
-        } else {
+        else
             paths.push_back(argument);
-        }
     }
-    if (paths.size() != 2) {
+    if (paths.size() != 2)
         return false;
-    }
     arguments.list = paths[0];
     arguments.database = paths[1];
     return true;
 }
 
-void reportRejectedLines(const ChannelsConf& list, const std::string& path) {
-    for (const RejectedLine& rejected : list.rejected) {
+void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
+    for (RejectedLine const& rejected : list.rejected)
         std::cerr << path << ":" << rejected.line << ": skipped: " << rejected.reason << "\n";
-    }
 }
 
 }  // namespace
@@ -54,14 +51,14 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        const ChannelsConf list = readChannelsConf(arguments.list);
+        ChannelsConf const list = readChannelsConf(arguments.list);
         reportRejectedLines(list, arguments.list);
         makeDatabaseFile(list, arguments.database, arguments.force);
         std::cout << arguments.database << ": " << list.channels.size() << " channels, "
                   << list.groups.size() << " groups, " << list.rejected.size()
                   << " lines skipped\n";
         return 0;
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         std::cerr << "make-channel-database: " << error.what() << "\n";
         return 1;
     }

@@ -181,7 +181,7 @@ CREATE INDEX IF NOT EXISTS LcnByList          ON Lcn (FavoriteId);
 )sql";
 // clang-format on
 
-void execute(sqlite3* database, const char* sql) {
+void execute(sqlite3* database, char const* sql) {
     if (sqlite3_exec(database, sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw std::runtime_error(std::string("cannot create the tables: ") +
                                  sqlite3_errmsg(database));
@@ -192,9 +192,8 @@ void execute(sqlite3* database, const char* sql) {
 
 void createSchema(sqlite3* database, Indexes indexes) {
     execute(database, kTables);
-    if (indexes == Indexes::Recommended) {
+    if (indexes == Indexes::Recommended)
         execute(database, kIndexes);
-    }
 }
 
 }  // namespace channel_database

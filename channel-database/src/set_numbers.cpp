@@ -28,38 +28,33 @@ int satelliteNumber(int position) {
 }
 
 int satellitePosition(int number) {
-    if (number == kAstraNumber) {
+    if (number == kAstraNumber)
         return kAstraPosition;
-    }
-    const int position = number - kFirstNumber;
-    if (position < 0 || position >= kCircle) {
+    int const position = number - kFirstNumber;
+    if (position < 0 || position >= kCircle)
         return 0;
-    }
     return position > kCircle / 2 ? position - kCircle : position;
 }
 
 int polarizationNumber(char letter) {
-    const auto index = kPolarizations.find(letter);
+    auto const index = kPolarizations.find(letter);
     return index == std::string_view::npos ? 0 : static_cast<int>(index) + 1;
 }
 
 char polarizationLetter(int number) {
-    const bool known = number >= 1 && number <= static_cast<int>(kPolarizations.size());
+    bool const known = number >= 1 && number <= static_cast<int>(kPolarizations.size());
     return known ? kPolarizations[static_cast<std::size_t>(number) - 1] : '\0';
 }
 
 int modcodNumber(Modcod modcod) {
-    for (std::size_t i = 0; i < std::size(kModcods); ++i) {
-        if (kModcods[i].modulation == modcod.modulation &&
-            kModcods[i].codeRate == modcod.codeRate) {
+    for (std::size_t i = 0; i < std::size(kModcods); ++i)
+        if (kModcods[i].modulation == modcod.modulation && kModcods[i].codeRate == modcod.codeRate)
             return static_cast<int>(i) + 1;
-        }
-    }
     return 0;
 }
 
 Modcod modcodOf(int number) {
-    const bool known = number >= 1 && number <= static_cast<int>(std::size(kModcods));
+    bool const known = number >= 1 && number <= static_cast<int>(std::size(kModcods));
     return known ? kModcods[number - 1] : Modcod();
 }
 

@@ -6,37 +6,33 @@ namespace channel_database {
 
 /// How many bytes continue the character that begins with `lead`; -1 when none does.
 inline int continuationBytes(unsigned char lead) {
-    if (lead < 0x80) {
+    if (lead < 0x80)
         return 0;
-    }
-    if (lead < 0xC2 || lead > 0xF4) {
+    if (lead < 0xC2 || lead > 0xF4)
         return -1;
-    }
     return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
 }
 
 /// Whether the text is UTF-8, judged by its lead and continuation bytes.
-inline bool isUtf8(const std::string& text) {
+inline bool isUtf8(std::string const& text) {
     int expected = 0;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool continues = (byte & 0xC0) == 0x80;
-        if (continues != (expected > 0)) {
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
+        bool const continues = (byte & 0xC0) == 0x80;
+        if (continues != (expected > 0))
             return false;
-        }
         expected = continues ? expected - 1 : continuationBytes(byte);
-        if (expected < 0) {
+        if (expected < 0)
             return false;
-        }
     }
     return expected == 0;
 }
 
 /// Latin-1 (ISO 8859-1) text as UTF-8.
-inline std::string latin1ToUtf8(const std::string& text) {
+inline std::string latin1ToUtf8(std::string const& text) {
     std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
         if (byte < 0x80) {
             result += c;
         } else {

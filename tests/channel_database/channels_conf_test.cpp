@@ -11,7 +11,7 @@ using testing::HasSubstr;
 namespace {
 
 // What the importer takes from a channel, on one line.
-std::string summary(const Channel& c) {
+std::string summary(Channel const& c) {
     std::ostringstream text;
     text << c.name << '/' << c.shortName << '/' << c.provider << ' '
          << static_cast<int>(c.delivery()) << ' ' << c.orbitalPosition() << ' '
@@ -25,8 +25,8 @@ std::string summary(const Channel& c) {
 
 TEST(ChannelLine, IsRead) {
     const struct {
-        const char* line;
-        const char* summary;
+        char const* line;
+        char const* summary;
     } cases[] = {
         {"Das Erste HD;ARD:11493:HC23M5O35P0S1:S19.2E:22000:5101=27:5102=deu@3;5106:5104:0:10301:1:"
          "1019:0",
@@ -45,15 +45,14 @@ TEST(ChannelLine, IsRead) {
         {"Oldest:12188:h:S19.2E:27500:163:104:0:12003",
          "Oldest// 4 192 12188000 H M0C0B0P0 27500 tv 0-0-12003-0"},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases)
         EXPECT_EQ(summary(parseChannel(c.line)), c.summary) << c.line;
-    }
 }
 
 TEST(ChannelLine, IsRefusedWithItsReason) {
     const struct {
-        const char* line;
-        const char* reason;
+        char const* line;
+        char const* reason;
     } cases[] = {
         {"no channel", "9 to 13 fields, this line 1"},
         {"A:1:h:C:1:1:1:1:0:1:1:1:1:1", "this line 14"},
@@ -70,11 +69,11 @@ TEST(ChannelLine, IsRefusedWithItsReason) {
         {"A:410:M64:C:6900:1:1:0:0:65536:1:1:0", "service id '65536'"},
         {"A:410:M64:C:6900:1:1:0:0:1:1::0", "transport stream id ''"},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases) {
         try {
             parseChannel(c.line);
             ADD_FAILURE() << "read: " << c.line;
-        } catch (const LineError& error) {
+        } catch (LineError const& error) {
             EXPECT_THAT(error.what(), HasSubstr(c.reason)) << c.line;
         }
     }
@@ -85,16 +84,14 @@ TEST(ChannelList, CountsGroupsAndReportsLines) {
         "\xEF\xBB\xBF"
         "A~# a comment\n:News|now\n\nB~:@20\n#C~foul line\n:@5 Late\nS\xFC"
         "d~Nord\xC3\xB6~";
-    for (std::size_t at; (at = text.find('~')) != std::string::npos;) {
+    for (std::size_t at; (at = text.find('~')) != std::string::npos;)
         text.replace(at, 1, ":410:M64:C:6900:1:1:0:0:1:1:1:0\r\n");
-    }
     std::istringstream stream(text);
-    const auto list = parseChannelsConf(stream);
+    auto const list = parseChannelsConf(stream);
     EXPECT_THAT(list.groups, testing::ElementsAre("News:now", "Late"));
     std::ostringstream channels;
-    for (const Channel& c : list.channels) {
+    for (Channel const& c : list.channels)
         channels << c.name << ' ' << c.number << ' ' << c.group << ' ' << c.line << '\n';
-    }
     EXPECT_EQ(channels.str(), "A 1 -1 1\nB 2 0 5\n#C 20 0 7\nSüd 21 1 10\nNordö 22 1 11\n");
     ASSERT_EQ(list.rejected.size(), 1U);
     EXPECT_EQ(list.rejected[0].line, 8);

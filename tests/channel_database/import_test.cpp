@@ -12,12 +12,12 @@ namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
 
-ChannelsConf parsed(const std::string& text) {
+ChannelsConf parsed(std::string const& text) {
     std::istringstream stream(text);
     return parseChannelsConf(stream);
 }
 
-const char kSmallList[] =
+char const kSmallList[] =
     "Ungrouped:410:M64:C:6900:255:256:0:100:8:0:0:0\n"
     ":First\n"
     "Astra HD,AHD:11493:HC23M5O35P0S1:S19.2E:22000:5101=27:0:0:0:10301:1:1019:0\n"
@@ -70,7 +70,7 @@ TEST(Import, KeepsTheServicesAndTheirTransponders) {
     ChannelDatabase d(":memory:");
     importChannels(d, parsed(kSmallList));
     ASSERT_EQ(dbaccess::initViews(d.connection()), SQLITE_OK);
-    const char* const services[][2] = {
+    char const* const services[][2] = {
         {"C-0-410-8|1|1|0|",
          "c?frontend=3&frequency=410000&symbolrate=6900&modulation=64&onid=0&sid=8&tsid=0"
          "&nid=0&encrypted=1"},
@@ -89,7 +89,7 @@ TEST(Import, KeepsTheServicesAndTheirTransponders) {
         {"S1W-2-1-3|1|0|0|",
          "s?frontend=4&satid=4590&coderate=56&frequency=12515000&symbolrate=22000"
          "&modulation=2&polarization=2&band=2&onid=2&sid=3&tsid=1&nid=2"}};
-    const auto rows = d.rows(
+    auto const rows = d.rows(
         "SELECT s.Uuid || '|' || MediaType || '|' || Encrypted || '|' || Hdtv || '|' || "
         "ServiceName,"
         " u.Uri FROM Service s JOIN UriView u USING (Pid) JOIN DvbService ON ServiceId = s.Pid");

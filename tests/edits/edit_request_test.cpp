@@ -42,7 +42,7 @@ TEST_F(EditRequest, RefusedTouchesNothingButTheTagOfTheListItNames) {
     change("UPDATE FavoriteList SET Pid = 0 WHERE Pid = 2");
     EXPECT_EQ(edit("cable  0 1 10"), -2);
     EXPECT_THAT(texts(), ElementsAre("can't find favoriteListId"));
-    for (const char* creator : {"User.tv.magazine$", "user.TVfavX", "User.tvFAV5"}) {
+    for (char const* creator : {"User.tv.magazine$", "user.TVfavX", "User.tvFAV5"}) {
         change(std::string("UPDATE FavoriteList SET Creator = '") + creator + "' WHERE Pid = 0");
         EXPECT_EQ(edit("fav1"), creator[7] == '.' ? 101 : -2);
     }
@@ -104,7 +104,7 @@ TEST_F(EditRequest, FailsForWhatFailsFirst) {
 
 TEST_F(EditRequest, RunsSyncUnderTheMutexOnceTheEditIsInTheFile) {
     std::string seen;
-    platform::state.onCommand = [&](const std::string& command) {
+    platform::state.onCommand = [&](std::string const& command) {
         seen = command + ": " + rows("SELECT count(*) FROM FavoriteItem WHERE FavoriteId = 7");
         EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), EBUSY);
         return -1;
@@ -115,7 +115,7 @@ TEST_F(EditRequest, RunsSyncUnderTheMutexOnceTheEditIsInTheFile) {
 }
 
 TEST_F(EditRequest, AdvancesTheUpdateTagByOneAndWrapsAt65535) {
-    std::pair<const char*, const char*> const cases[] = {
+    std::pair<char const*, char const*> const cases[] = {
         {"65534", "65535"}, {"65535", "0"}, {"65536", "65537"}, {"NULL", "NULL"}};
     for (auto const& [before, after] : cases) {
         change(std::string("UPDATE FavoriteList SET UpdateTag = ") + before + " WHERE Pid = 7");

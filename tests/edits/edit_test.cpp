@@ -8,7 +8,7 @@
 
 namespace {
 
-bool startsWith(const std::string& text, const std::string& beginning) {
+bool startsWith(std::string const& text, std::string const& beginning) {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
@@ -31,9 +31,8 @@ void EditTest::SetUp() {
                                  {7, 10, 1}, {7, 11, 2}, {7, 12, 3}, {8, 12, 4}};
     for (auto const& [list, service, number] : kItems) {
         put(list, service, number);
-        if (list >= 6) {
+        if (list >= 6)
             services.at(service).favTag(list - 5);
-        }
     }
     ASSERT_EQ(sqlite3_open_v2(file().c_str(), &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
     sqlite3_exec(db, "PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
@@ -57,19 +56,19 @@ void EditTest::startAnew() {
     SetUp();
 }
 
-int EditTest::request(const Texts& arguments) {
+int EditTest::request(Texts const& arguments) {
     int const syncs = platform::state.commandCount;
     int const result = watched([&] { return dbaccess::onServiceListEdit(arguments); });
     EXPECT_EQ(platform::state.commandCount, syncs + (result >= 0 ? 1 : 0));
     return result;
 }
 
-int EditTest::edit(const std::string& arguments) {
+int EditTest::edit(std::string const& arguments) {
     std::istringstream words(arguments);
     return request({std::istream_iterator<std::string>(words), {}});
 }
 
-int EditTest::watched(const std::function<int()>& call) {
+int EditTest::watched(std::function<int()> const& call) {
     before_ = everything();
     statements_.clear();
     platform::state.messages.clear();
@@ -97,16 +96,14 @@ std::string EditTest::changes() {
         }
         for (std::size_t i = 0; i < row.size(); ++i) {
             auto const& [column, value] = row[i];
-            if (std::string const& newValue = now.mapped()[i].second; newValue != value) {
+            if (std::string const& newValue = now.mapped()[i].second; newValue != value)
                 all += "; " + name + ": " + column + " " + value + ">" + newValue;
-            }
         }
     }
     for (auto const& [name, row] : after) {
         all += "; +" + name;
-        for (std::size_t i = 1; i < row.size(); ++i) {
+        for (std::size_t i = 1; i < row.size(); ++i)
             all += "|" + row[i].second;
-        }
     }
     return all.substr(all.empty() ? 0 : 2);
 }
@@ -120,33 +117,30 @@ std::map<std::string, EditTest::Row> EditTest::everything() {
         std::string const shortName = table.substr(startsWith(table, "Favorite") ? 8 : 0);
         for (auto const& values : database().rows("SELECT rowid, * FROM " + table)) {
             Row& row = all[shortName + " " + values[0]];
-            for (std::size_t i = 0; i < columns.size(); ++i) {
+            for (std::size_t i = 0; i < columns.size(); ++i)
                 row.emplace_back(columns[i][0], values[i + 1]);
-            }
         }
     }
     return all;
 }
 
-void EditTest::when(const std::string& beginning, std::function<void()> action) {
+void EditTest::when(std::string const& beginning, std::function<void()> action) {
     action_ = {beginning, std::move(action)};
 }
 
 int EditTest::onStatement(unsigned int, void* test, void* statement, void* text) {
     auto& self = *static_cast<EditTest*>(test);
-    if (std::strncmp(static_cast<const char*>(text), "--", 2) == 0) {
+    if (std::strncmp(static_cast<char const*>(text), "--", 2) == 0)
         return 0;  // a trigger's
-    }
     std::unique_ptr<char, decltype(&sqlite3_free)> const sql(
         sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement)), sqlite3_free);
     self.statements_ += std::string(sql.get()) + "\n";
-    if (self.action_.second && startsWith(sql.get(), self.action_.first)) {
+    if (self.action_.second && startsWith(sql.get(), self.action_.first))
         std::exchange(self.action_.second, nullptr)();
-    }
     return 0;
 }
 
-void EditTest::forbid(const std::string& write, const std::string& condition) {
+void EditTest::forbid(std::string const& write, std::string const& condition) {
     change("CREATE TRIGGER forbidden BEFORE " + write + " FOR EACH ROW WHEN " + condition +
            " BEGIN SELECT RAISE(ABORT, 'forbidden'); END");
 }
@@ -155,7 +149,7 @@ void EditTest::put(int list, int service, int number) {
     database().put(list, service, number).set("Id", list * 100 + service);
 }
 
-void EditTest::ott(const std::string& rows) {
+void EditTest::ott(std::string const& rows) {
     channel_database::ChannelDatabase database(ottFile());
     database.run("DROP TABLE IF EXISTS SQL_OTTFavChannels");
     database.run("CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex)");

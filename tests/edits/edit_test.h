@@ -32,28 +32,28 @@ class EditTest : public TestDatabase {
     void startAnew();
 
     /// Runs an edit request; "sync" must run once when it succeeds, else not at all.
-    int request(const Texts& arguments);
+    int request(Texts const& arguments);
     /// The same with the arguments in one text: "fav2  0 1 10  1 2 11".
-    int edit(const std::string& arguments);
+    int edit(std::string const& arguments);
     /// Runs anything else of the library under the same watch.
-    int watched(const std::function<int()>& call);
+    int watched(std::function<int()> const& call);
 
     /// What the last request changed in any table, by row: "-Item 711; Item 712: isDeleted 0>1;
     /// List 7: UpdateTag 0>1; +Item 813|..." (Id, service, list, original list, number, deleted,
     /// visible, selectable). "Favorite" is left out of the tables' names.
     std::string changes();
     /// The statements that the last request ran, with their values, a line each.
-    const std::string& statements() const { return statements_; }
+    std::string const& statements() const { return statements_; }
     /// Runs `action` once, just before the library's next statement that begins so.
-    void when(const std::string& beginning, std::function<void()> action);
+    void when(std::string const& beginning, std::function<void()> action);
 
     /// Changes the world: `sql` on a connection other than the library's.
-    void change(const std::string& sql) { database().run(sql); }
+    void change(std::string const& sql) { database().run(sql); }
     /// Makes writes of rows fail: "UPDATE OF ChannelNum ON FavoriteItem", "NEW.Id = 712".
-    void forbid(const std::string& write, const std::string& condition = "1");
+    void forbid(std::string const& write, std::string const& condition = "1");
     void put(int list, int service, int number);
     /// Makes the OTT database with these rows: "('FAV1', 5), ('FAV1', 3)".
-    void ott(const std::string& rows);
+    void ott(std::string const& rows);
     std::string ottFile() const { return directory() + "/zentova_DB_V1.3.db"; }
 
   private:

@@ -87,9 +87,8 @@ TEST_F(FavListEdit, MatchesListAndServicesByKeyAlone) {
     for (auto const& test : cases) {
         SCOPED_TRACE(test.arguments);
         startAnew();
-        if (!test.before.empty()) {
+        if (!test.before.empty())
             change(test.before);
-        }
         EXPECT_EQ(edit(test.arguments), test.result);
         EXPECT_EQ(changes(), test.changes);
     }

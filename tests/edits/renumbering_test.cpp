@@ -15,23 +15,21 @@ class Renumbering : public EditTest {
         return watched([=] { return dbaccess::renumberFAVList(list, index); });
     }
     // The numbers of `count` items of FAV4, in their order, beside these OTT positions.
-    std::string renumbered(int count, const Texts& positions) {
+    std::string renumbered(int count, Texts const& positions) {
         std::string values = "('FAV3', 1), ('fav4', 2)";
-        for (auto const& position : positions) {
+        for (auto const& position : positions)
             values += ", ('FAV4', '" + position + "')";
-        }
         ott(values);
         change("DELETE FROM FavoriteItem WHERE FavoriteId = 9");
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             put(9, 15 - i, 100 + i);
-        }
         EXPECT_EQ(renumber(9, 4), 0);
         return rows("SELECT ChannelNum FROM FavoriteItem WHERE FavoriteId = 9 ORDER BY Id DESC");
     }
 };
 
 TEST_F(Renumbering, LeavesTheOttNumbersFree) {
-    std::pair<Texts, const char*> const cases[] = {
+    std::pair<Texts, char const*> const cases[] = {
         {{}, "1;2;3;4;5;6"},
         {{"5", "3"}, "1;2;4;6;7;8"},
         {{"1", "2", "3"}, "4;5;6;7;8;9"},
@@ -47,9 +45,8 @@ TEST_F(Renumbering, LeavesTheOttNumbersFree) {
         {{"-1", "3", "-1", "0"}, "0;3;-1;-1;0;1"},
     };
     platform::state.isEnabled = [](unsigned int level) { return level != 4000; };
-    for (auto const& [positions, numbers] : cases) {
+    for (auto const& [positions, numbers] : cases)
         EXPECT_EQ(renumbered(6, positions), numbers) << testing::PrintToString(positions);
-    }
     EXPECT_THAT(platform::state.messages, IsEmpty());
 }
 
@@ -65,7 +62,7 @@ TEST_F(Renumbering, CountsItemsThatAreNotDeletedAndHaveAService) {
 // The numbers are messages of their own, without prefix and line feed.
 TEST_F(Renumbering, TracesItsNumbers) {
     ott("('FAV2', 5), ('FAV2', 3)");
-    std::pair<std::pair<unsigned int, unsigned char>, const char*> const cases[] = {
+    std::pair<std::pair<unsigned int, unsigned char>, char const*> const cases[] = {
         {{7, 2},
          "OTT Channel Number in FAV2 list:[\n3 5 ].Broadcast Channel Number in FAV2 list:[\n"
          "1 2 4 6 ]. New channelNumer:1 \n New channelNumer:2 \n New channelNumer:4 \n"},
@@ -84,7 +81,7 @@ TEST_F(Renumbering, TracesItsNumbers) {
 }
 
 TEST_F(Renumbering, ThatCannotBeginWritesNothing) {
-    std::tuple<unsigned int, unsigned char, const char*> const cases[] = {
+    std::tuple<unsigned int, unsigned char, char const*> const cases[] = {
         {7, 0, "FAV index is invalid: 0."},
         {7, 5, "FAV index is invalid: 5."},
         {9, 4, "FAV4 list doesn't have any service!"},

@@ -18,7 +18,7 @@ constexpr char kAllEdit[] = "all  0 9 10  5 8 12";
 
 TEST_F(UnfinishedEdit, IsRolledBackAtAnyStep) {
     struct Case {
-        const char* arguments;
+        char const* arguments;
         std::string write;
         std::string condition;
         std::string hint;
@@ -83,13 +83,13 @@ TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
     constexpr int kNever = 0;
     constexpr char kTimeOut[] = " database is locked, time out, hint:'Update FAV Services.'.";
     struct Case {
-        const char* lock;
-        const char* takenAt;
+        char const* lock;
+        char const* takenAt;
         int releasedAt;  // number of the sleep
         int result;
         int sleeps;
         int tag;  // how often the update tag advances
-        const char* lastError;
+        char const* lastError;
     };
     Case const cases[] = {
         {kExclusive, kFind, kNever, -2, 0, 0, "can't find favoriteListId"},
@@ -110,7 +110,8 @@ TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
                      std::to_string(test.releasedAt));
         startAnew();
         std::unique_ptr<DatabaseLock> lock;
-        when(test.takenAt, [&] { lock = std::make_unique<DatabaseLock>(file(), test.lock); });
+        when(
+            test.takenAt, [&] { lock = std::make_unique<DatabaseLock>(file(), test.lock); });
         platform::state.onSleep = [&](int number) {
             number == test.releasedAt ? lock.reset() : void();
         };

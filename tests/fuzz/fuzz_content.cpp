@@ -102,7 +102,7 @@ void spoil(std::vector<std::string> const& orders) {
 void callEverything() {
     dbaccess::select_Folders();
     fuzz::expectLibraryAtRest();
-    for (const char* list : {"all", "list-6"}) {
+    for (char const* list : {"all", "list-6"}) {
         dbaccess::get_dbservices(list);
         fuzz::expectLibraryAtRest();
     }

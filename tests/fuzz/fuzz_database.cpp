@@ -113,7 +113,7 @@ std::vector<std::string> lines(std::string_view text) {
     return all;
 }
 
-void expect(bool holds, const char* what) {
+void expect(bool holds, char const* what) {
     if (holds)
         return;
     std::fprintf(stderr, "%s\n", what);

@@ -23,6 +23,6 @@ void expectLibraryAtRest();
 std::vector<std::string> lines(std::string_view text);
 
 /// Ends the program, with `what` on standard error, unless `holds`.
-void expect(bool holds, const char* what);
+void expect(bool holds, char const* what);
 
 }  // namespace fuzz

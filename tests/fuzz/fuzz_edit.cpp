@@ -14,7 +14,7 @@ int append(void* text, int, char** values, char**) {
 
 std::string contents() {
     std::string text;
-    for (const char* sql :
+    for (char const* sql :
          {"SELECT Id || '|' || ServiceId || '|' || FavoriteId || '|' || ChannelNum"
           " || '|' || isDeleted FROM FavoriteItem",
           "SELECT FavTag || FavTag2 || FavTag3 || FavTag4 FROM Service", "PRAGMA integrity_check"})

@@ -12,13 +12,13 @@
 namespace {
 
 struct Field {
-    const char* name;
-    const void* address;  // null for a field that no reference reaches
+    char const* name;
+    void const* address;  // null for a field that no reference reaches
     std::size_t size, alignment;
 };
 
 template <typename Type>
-Field field(const char* name, Type& value) {
+Field field(char const* name, Type& value) {
     return {name, &value, sizeof value, alignof(Type)};
 }
 
@@ -27,11 +27,11 @@ std::size_t aligned(std::size_t offset, std::size_t alignment) {
 }
 
 // The fields follow each other from `offset` on; returns the size of a record that ends there.
-std::size_t expectInOrder(const void* record, std::size_t offset, std::size_t alignment,
-                          const std::vector<Field>& fields) {
-    for (const Field& f : fields) {
+std::size_t expectInOrder(void const* record, std::size_t offset, std::size_t alignment,
+                          std::vector<Field> const& fields) {
+    for (Field const& f : fields) {
         offset = aligned(offset, f.alignment);
-        const auto at = static_cast<const char*>(record) + offset;
+        auto const at = static_cast<char const*>(record) + offset;
         EXPECT_TRUE(f.address == nullptr || f.address == at) << f.name;
         offset += f.size;
     }
@@ -53,7 +53,7 @@ TEST(Layout, SnapshotFieldsKeepTheirOrder) {
 
 TEST(Layout, ItemFieldsKeepTheirOrder) {
     ItemInfo i;
-    const Field flag = {"flag", nullptr, sizeof(bool), alignof(bool)};
+    Field const flag = {"flag", nullptr, sizeof(bool), alignof(bool)};
     // clang-format off
 #define FIELD(name) field(#name, i.get##name())
     EXPECT_EQ(expectInOrder(&i, sizeof(void*), alignof(ItemInfo), {
@@ -76,9 +76,9 @@ TEST(Layout, ItemFieldsKeepTheirOrder) {
 
 TEST(Layout, FlagsLieBehindTheirNeighbours) {
     ItemInfo i;
-    const auto flags = [&i] {
-        const auto at = [](const int& neighbour, std::size_t distance) {
-            return reinterpret_cast<const char*>(&neighbour)[distance] != 0 ? '1' : '0';
+    auto const flags = [&i] {
+        auto const at = [](int const& neighbour, std::size_t distance) {
+            return reinterpret_cast<char const*>(&neighbour)[distance] != 0 ? '1' : '0';
         };
         return std::string{at(i.getEncoding(), 4), at(i.getVolumeCorrection(), 4),
                            at(i.getVolumeCorrection(), 5)};
@@ -93,7 +93,7 @@ TEST(Layout, FlagsLieBehindTheirNeighbours) {
 
 // A virtual table: offset to top, type, then the slots; the destructor takes two.
 TEST(Layout, DestructorIsTheOnlyVirtualOperation) {
-    for (const char* name :
+    for (char const* name :
          {"_ZTV8ItemInfo", "_ZTV13VideoItemInfo", "_ZTV13MusicItemInfo", "_ZTV14FolderItemInfo"}) {
         void* const table = dlsym(RTLD_DEFAULT, name);
         ASSERT_NE(table, nullptr) << name;

@@ -11,7 +11,7 @@ using namespace testing;
 class QueryPlans : public TestDatabase {
   protected:
     // Calls every entry point and returns what SQLite's plans of their statements hold of `step`.
-    std::set<std::string> stepsWith(const std::string& step) {
+    std::set<std::string> stepsWith(std::string const& step) {
         dbaccess::get_dbservices("astra");
         sqlite3_trace_v2(db, SQLITE_TRACE_STMT, collect, &statements_);
         dbaccess::get_dbservices("astra");
@@ -24,10 +24,10 @@ class QueryPlans : public TestDatabase {
         sqlite3_trace_v2(db, 0, nullptr, nullptr);
 
         std::set<std::string> steps;
-        for (const std::string& statement : statements_) {
+        for (std::string const& statement : statements_) {
             if (statement.find("TRANSACTION") == std::string::npos) {
                 // On the library's connection, which has the views.
-                for (const auto& row :
+                for (auto const& row :
                      channel_database::ChannelDatabase(db).rows("EXPLAIN QUERY PLAN " + statement))
                     if (row[3].rfind(step, 0) == 0)
                         steps.insert(row[3]);
@@ -42,8 +42,8 @@ class QueryPlans : public TestDatabase {
         auto anchor = database().dvbs("anchor", 1).uuid("anchor");
         database().put(astra, anchor.satellite(4).frontend(4).frequency(12603750), 1);
         database().dvbs("other", 2);
-        for (const char* number : {"1", "2", "3", "4"}) {
-            const std::string creator = std::string("User.tvFAV") + number;
+        for (char const* number : {"1", "2", "3", "4"}) {
+            std::string const creator = std::string("User.tvFAV") + number;
             database().put(database().list(creator).uuid("fav" + creator.substr(10)), anchor, 1);
         }
     }
@@ -65,11 +65,11 @@ TEST_F(QueryPlans, OnlyTheFolderListReadsAWholeTable) {
 }
 
 TEST_F(QueryPlans, EveryRecommendedIndexServesAStatement) {
-    const std::set<std::string> searches = stepsWith("SEARCH ");
-    const auto indexes =
+    std::set<std::string> const searches = stepsWith("SEARCH ");
+    auto const indexes =
         database().rows("SELECT name FROM sqlite_master WHERE type = 'index' AND sql NOT NULL");
     EXPECT_THAT(indexes, Not(IsEmpty()));
-    for (const auto& index : indexes)
+    for (auto const& index : indexes)
         EXPECT_THAT(searches, Contains(HasSubstr(" INDEX " + index[0] + " ")));
 }
 

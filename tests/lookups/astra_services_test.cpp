@@ -16,7 +16,7 @@ constexpr char kNoRow[] = "sqlite3_step failed:101, hint:'Get a astra anchor ser
 
 class AstraServices : public TestDatabase {
   protected:
-    Service anchor(const std::string& uuid, const Value& frequency = 12603750) {
+    Service anchor(std::string const& uuid, Value const& frequency = 12603750) {
         return database().dvbs(uuid).uuid(uuid).satellite(4).frontend(4).frequency(frequency);
     }
     // The anchor's uuid, or "-2" when there is none and the string is untouched.
@@ -35,7 +35,7 @@ class AstraServices : public TestDatabase {
 
 TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
     using Change = std::function<void(channel_database::Item, Service)>;
-    const std::tuple<const char*, Change, const char*> cases[] = {
+    std::tuple<char const*, Change, char const*> const cases[] = {
         {"plain", [](auto, auto) {}, "it"},
         {"lowest frequency", [](auto, auto s) { s.frequency(12600750); }, "it"},
         {"below it", [](auto, auto s) { s.frequency(12600749); }, "-2"},
@@ -49,7 +49,7 @@ TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
         {"empty uuid", [](auto, auto s) { s.uuid(""); }, "-2"},
     };
     auto const list = database().list(kStandardList);
-    for (const auto& [name, change, expected] : cases) {
+    for (auto const& [name, change, expected] : cases) {
         auto const service = anchor("it");
         change(database().put(list, service, 1), service);
         EXPECT_EQ(found(), expected) << name;
@@ -58,7 +58,7 @@ TEST_F(AstraServices, AnchorMeetsEveryCriterion) {
 }
 
 TEST_F(AstraServices, CreatorFollowsThePattern) {
-    const char* const cases[][2] = {{kStandardList, "it"},
+    char const* const cases[][2] = {{kStandardList, "it"},
                                     {kOperatorList, "it"},
                                     {"SERVICELIST://TAMUN.ASTRA 19.2 east and e", "it"},
                                     {"servicelist://tamun.Astra 19.2E.15", "-2"},
@@ -66,7 +66,7 @@ TEST_F(AstraServices, CreatorFollowsThePattern) {
                                     {"x servicelist://tamun.Astra 19.2E", "-2"}};
     auto const list = database().list("");
     database().put(list, anchor("it"), 1);
-    for (const auto& [creator, expected] : cases) {
+    for (auto const& [creator, expected] : cases) {
         database().run("UPDATE FavoriteList SET Creator = ?", {creator});
         EXPECT_EQ(found(), expected) << creator;
     }
@@ -100,7 +100,7 @@ TEST_F(AstraServices, WithoutAnAnchorTheCallersTextStaysAndCounts) {
 }
 
 TEST_F(AstraServices, ScrambleFlagIsSetByAnyServiceOfTheList) {
-    const std::pair<Value, const char*> cases[] = {
+    std::pair<Value, char const*> const cases[] = {
         {0, "0"},  {1, "1"},     {2, "0"},    {-1, "0"},   {nullptr, "0"},
         {"", "0"}, {"yes", "0"}, {"+1", "1"}, {"1x", "0"}, {"-4294967295", "1"}};
     auto const list = database().list(kStandardList);
@@ -108,7 +108,7 @@ TEST_F(AstraServices, ScrambleFlagIsSetByAnyServiceOfTheList) {
     auto other = database().dvbt("other");  // any tuner, deleted or not
     database().put(list, other, 2).deleted();
     database().put(list, database().dvbs("last"), 3);
-    for (const auto& [encrypted, expected] : cases) {
+    for (auto const& [encrypted, expected] : cases) {
         other.encrypted(encrypted);
         EXPECT_EQ(scrambled(), expected)
             << database().value("SELECT quote(Encrypted) FROM Service WHERE Name='other'");

@@ -8,7 +8,7 @@ using namespace testing;
 using BissKey = TestDatabase;
 
 TEST_F(BissKey, IsTheTextStoredOrNull) {
-    const std::tuple<const char*, channel_database::Value, const char*> cases[] = {
+    std::tuple<char const*, channel_database::Value, char const*> const cases[] = {
         {"plain", "12345600789ABC00", "12345600789ABC00"},
         {"empty", "", ""},
         {"none", nullptr, "NULL"},
@@ -16,9 +16,9 @@ TEST_F(BissKey, IsTheTextStoredOrNull) {
         {"o'clock", "quoted", "quoted"},
         {"twice", "first", "last"},
         {"twice", "last", "last"}};
-    for (const auto& [uuid, key, expected] : cases)
+    for (auto const& [uuid, key, expected] : cases)
         database().dvbs(uuid).uuid(uuid).bissKey(key);
-    for (const auto& [uuid, key, expected] : cases) {
+    for (auto const& [uuid, key, expected] : cases) {
         EXPECT_EQ(dbaccess::getBissKeyFromService(uuid), expected) << uuid;
         EXPECT_EQ(bisskey, expected) << uuid;
     }

@@ -18,11 +18,11 @@ using namespace testing;
 
 // Every piece that `body` wrote to its standard error with ORV_DEBUG as given. A packet socket
 // keeps the borders between writes, a pipe holds less than a long message.
-std::vector<std::string> standardErrorOf(const char* orvDebug, const std::function<void()>& body,
+std::vector<std::string> standardErrorOf(char const* orvDebug, std::function<void()> const& body,
                                          bool isPipe = false) {
     int ends[2] = {-1, -1};
     EXPECT_EQ(isPipe ? pipe(ends) : socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
-    const pid_t child = fork();
+    pid_t const child = fork();
     if (child == 0) {
         dup2(ends[1], STDERR_FILENO);
         close(ends[0]);
@@ -43,7 +43,7 @@ std::vector<std::string> standardErrorOf(const char* orvDebug, const std::functi
     return pieces;
 }
 
-std::string joined(const std::vector<std::string>& pieces) {
+std::string joined(std::vector<std::string> const& pieces) {
     return std::accumulate(pieces.begin(), pieces.end(), std::string());
 }
 
@@ -53,7 +53,7 @@ bool isEnabled(unsigned int module, unsigned int level) {
 }
 
 template <typename... Arguments>
-void output(const char* format, Arguments... arguments) {
+void output(char const* format, Arguments... arguments) {
     unsigned int descriptor[3] = {0xda << 16 | 1000, 0, 0};
     orvDebugOutput0(descriptor, format, arguments...);
 }
@@ -62,18 +62,18 @@ void output(const char* format, Arguments... arguments) {
 
 TEST(OrvDebug, EnvironmentOpensLevelsAndModules) {
     // Level 1000, two opened or shut levels of the usual modules, and the greatest of both.
-    const std::pair<unsigned int, unsigned int> questions[] = {
+    std::pair<unsigned int, unsigned int> const questions[] = {
         {0xda, 1000}, {0xda, 1}, {0xd2, 1}, {0xda, 4000}, {0xd2, 4000}, {0xb4, 5000},
         {0xffff, 0xffff}};
-    const char* const cases[][2] = {
+    char const* const cases[][2] = {
         {nullptr, "+------"}, {"", "+------"}, {"4000", "+--++--"}, {"1,4000", "+++++--"},
         {"0xda:4000", "+--+---"}, {"218:4000", "+--+---"}, {"0XDA:*", "++-+---"},
         {"0xd2:all", "+-+-+--"}, {"*:1,0xb4:5000", "+++--+-"},
         {" 1 , 0xda : 4000 ,, ", "++++---"}, {"0xffff:65535", "+-----+"}, {"all", "+++++++"},
         {"*", "+++++++"}, {"3000,0:0", "+------"}};
-    for (const auto& [orvDebug, enabled] : cases) {
-        const auto answers = standardErrorOf(orvDebug, [&] {
-            for (const auto& [module, level] : questions)
+    for (auto const& [orvDebug, enabled] : cases) {
+        auto const answers = standardErrorOf(orvDebug, [&] {
+            for (auto const& [module, level] : questions)
                 output("%c", isEnabled(module, level) ? '+' : '-');
         });
         EXPECT_EQ(joined(answers), enabled) << (orvDebug != nullptr ? orvDebug : "(unset)");
@@ -83,9 +83,9 @@ TEST(OrvDebug, EnvironmentOpensLevelsAndModules) {
 // clang-format on
 
 TEST(OrvDebug, UnreadableItemsAreNamedOnceAndOpenNothing) {
-    for (const char* item : {"x", "0x", "-1", "1 2", "65536", "0x10000:1", "1:", ":1", "1:2:3",
+    for (char const* item : {"x", "0x", "-1", "1 2", "65536", "0x10000:1", "1:", ":1", "1:2:3",
                              "all:1", "1:0xg", "99999999999999999999", "%s%n"}) {
-        const auto pieces = standardErrorOf((std::string(item) + ",4000").c_str(), [] {
+        auto const pieces = standardErrorOf((std::string(item) + ",4000").c_str(), [] {
             for (int i = 0; i < 2; ++i)
                 output("%d%d%d%d\n", isEnabled(1, 1), isEnabled(1, 2), isEnabled(0xda, 1),
                        isEnabled(1, 4000));
@@ -96,8 +96,8 @@ TEST(OrvDebug, UnreadableItemsAreNamedOnceAndOpenNothing) {
 }
 
 TEST(OrvDebug, MessageIsOneWriteOfAnyLength) {
-    for (const std::size_t length : {0U, 1U, 1022U, 1023U, 1024U, 1025U, 4097U, 100000U}) {
-        const std::string text(length, 'x');
+    for (std::size_t const length : {0U, 1U, 1022U, 1023U, 1024U, 1025U, 4097U, 100000U}) {
+        std::string const text(length, 'x');
         EXPECT_THAT(standardErrorOf("", [&] { output("%s:%d\n", text.c_str(), 7); }),
                     ElementsAre(text + ":7\n"));
     }
@@ -108,19 +108,18 @@ TEST(OrvDebug, MessagesOfThreadsStayWhole) {
     constexpr std::size_t kThreads = 8;
     constexpr int kMessages = 40;
     constexpr std::size_t kLength = 100000;  // more than a pipe takes at once
-    const auto body = [] {
+    auto const body = [] {
         fcntl(STDERR_FILENO, F_SETFL, O_NONBLOCK);
         std::vector<std::thread> threads;
-        for (const char letter : std::string("abcdefgh", kThreads)) {
+        for (char const letter : std::string("abcdefgh", kThreads))
             threads.emplace_back([text = std::string(kLength, letter)] {
                 for (int i = 0; i < kMessages; ++i)
                     output("%s\n", text.c_str());
             });
-        }
         for (auto& thread : threads)
             thread.join();
     };
-    const std::string whole = joined(standardErrorOf("4000", body, true));
+    std::string const whole = joined(standardErrorOf("4000", body, true));
     ASSERT_EQ(whole.size(), (kLength + 1) * kThreads * kMessages);
     for (std::size_t start = 0; start < whole.size(); start += kLength + 1)
         ASSERT_EQ(whole.substr(start, kLength + 1), std::string(kLength, whole[start]) + "\n");

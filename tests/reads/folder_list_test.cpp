@@ -9,11 +9,11 @@ using namespace testing;
 class FolderList : public TestDatabase {
   protected:
     static std::string names() { return column(dbaccess::select_Folders(), 0); }
-    static ResultRow raw(const std::string& creator, const std::string& attributes,
-                         const std::string& name = "name") {
+    static ResultRow raw(std::string const& creator, std::string const& attributes,
+                         std::string const& name = "name") {
         return {"1", "uuid", name, creator, attributes, "61", "9"};
     }
-    static std::string converted(const ResultRow& row, const std::vector<int>& fields) {
+    static std::string converted(ResultRow const& row, std::vector<int> const& fields) {
         m_flfield = fields;
         ResultSet rows;
         EXPECT_EQ(dbaccess::computeFolder(7, row, &rows), 0);
@@ -31,14 +31,14 @@ class FolderList : public TestDatabase {
 // clang-format off
 
 TEST_F(FolderList, OrderOfTheKinds) {
-    const std::pair<int, const char*> lists[] = {
+    std::pair<int, char const*> const lists[] = {
         {350, "User.tv later than the AV list"}, {150, "User.tv"}, {12, "user.3"}, {4, "B"},
         {5, "a"}, {1, "tamun.sl2.servicelist$all"}, {2, "tamun.sl2.servicelist$av"},
         {7, "x 0x10000 y"}, {3, "servicelist://tamun.dvbt 0x10000"},
         {6, "SERVICELIST://TAMUN.DVBC"},
         {8, "servicelist://tamun.dvbip.1"}, {9, "servicelist://tamun.analog.x"},
         {10, "servicelist://tamun.home"}, {11, "servicelist://tamun.dvb.65536"}};
-    for (const auto& [pid, creator] : lists)
+    for (auto const& [pid, creator] : lists)
         database().list(creator, pid);
     EXPECT_EQ(names(),
               "servicelist://tamun.home;servicelist://tamun.analog.x;"
@@ -51,7 +51,7 @@ TEST_F(FolderList, OrderOfTheKinds) {
 }
 
 TEST_F(FolderList, OrderWithinAKind) {
-    const auto add = [&](const char* creator, int network, int bouquet) {
+    auto const add = [&](char const* creator, int network, int bouquet) {
         database().list(creator).networkId(network).batId(bouquet);
     };
     add("61 b5", 61, 5);
@@ -66,13 +66,13 @@ TEST_F(FolderList, OrderWithinAKind) {
 }
 
 TEST_F(FolderList, LcnRowsAddThirtyTwoOnceExceptInFiveNetworks) {
-    const std::tuple<channel_database::Value, int, int, const char*> cases[] = {
+    std::tuple<channel_database::Value, int, int, char const*> const cases[] = {
         // network id, attributes, LCN rows, capability code
         {1, 0, 0, "63"}, {1, 0, 1, "50"}, {1, 0, 2, "50"}, {52, 0, 1, "50"}, {nullptr, 0, 1, "63"},
         {14, 0, 1, "63"}, {51, 0, 1, "63"}, {68, 0, 1, "63"}, {79, 0, 1, "63"}, {80, 0, 1, "63"},
         {51, 0x7fe0, 1, "18"}, {1, 0x7fe0, 1, "63"}};  // added, not or-ed: the word is negative
     auto list = database().list("any");
-    for (const auto& [network, attributes, lcnRows, capability] : cases) {
+    for (auto const& [network, attributes, lcnRows, capability] : cases) {
         database().run("DELETE FROM Lcn");
         for (int row = 0; row < lcnRows; ++row)
             database().lcn(7, list, row);
@@ -82,7 +82,7 @@ TEST_F(FolderList, LcnRowsAddThirtyTwoOnceExceptInFiveNetworks) {
 }
 
 TEST_F(FolderList, AttributeWord) {
-    const std::tuple<const char*, unsigned int, unsigned int> cases[] = {
+    std::tuple<char const*, unsigned int, unsigned int> const cases[] = {
         {"User.tv", 3, 0x30005}, {"User.tvFAV1", 0, 0x5}, {"User.radio", 0, 0x9},
         {"User.tv.magazine$sport.1", 0, 0x5}, {"User.radio.magazine$", 0, 0x9},
         {"User.", 1, 0x10000}, {"user.tv", 0, 0}, {"", 7, 0x70000}, {"", 0xffff8001, 0x80010000},
@@ -91,18 +91,18 @@ TEST_F(FolderList, AttributeWord) {
         {"servicelist://tamun.dvbt", 1, 0x10040}, {"servicelist:", 0, 0x40}, {"servicelist", 0, 0},
         {"tamun.sl2.servicelist$all", 0, 0x10}, {"tamun.sl2.servicelist$avx", 0, 0x20},
         {"tamun.sl2.servicelist$a", 0, 0}};
-    for (const auto& [creator, attributes, word] : cases) {
+    for (auto const& [creator, attributes, word] : cases) {
         EXPECT_EQ(attr(creator, attributes), word) << creator;
         EXPECT_EQ(converted(raw(creator, "0"), {2}), std::to_string(word & 0xffff));
     }
 }
 
 TEST_F(FolderList, CapabilityCodes) {
-    const char* const cases[][2] = {
+    char const* const cases[][2] = {
         {"0", "63"}, {"15", "63"}, {"16", "18"}, {"272", "48"}, {"400", "18"}, {"128", "18"},
         {"256", "50"}, {"32", "50"}, {"48", "18"}, {"32768", "63"}, {"-1", "63"}, {"65536", "63"},
         {"+16", "18"}, {"32752", "18"}, {"-2147483648", "63"}};
-    for (const auto& [attributes, code] : cases)
+    for (auto const& [attributes, code] : cases)
         EXPECT_EQ(converted(raw("any", attributes), {4}), code) << attributes;
     EXPECT_THAT(texts(4000), ElementsAre("list doesn't have edit function."));
 }
@@ -112,9 +112,9 @@ TEST_F(FolderList, EveryFieldIdHasItsText) {
               "|name|uuid|5||18|61|/data/servicelist/icons/|0|9|FAV1FAV||name");
     EXPECT_EQ(converted(raw("servicelist://tamun.dvbt", "0"), {9, 9}), "|");
     EXPECT_EQ(converted(raw("", "0"), {}), "");
-    const std::pair<const char*, const char*> captions[] = {
+    std::pair<char const*, char const*> const captions[] = {
         {"$all", "#3052"}, {"$av", "#3051"}, {" $all", " $all"}, {"$ALL", "$ALL"}, {" x ", " x "}};
-    for (const auto& [name, caption] : captions)
+    for (auto const& [name, caption] : captions)
         EXPECT_EQ(converted(raw("c", "0", name), {0}), caption);
     database().list("User.tvFAV1").networkId(nullptr).updateTag(nullptr).uuid(nullptr);
     m_flfield.assign(std::begin(fl), std::end(fl));
@@ -125,10 +125,10 @@ TEST_F(FolderList, ARowThatDoesNotConvertEndsTheQuery) {
     database().list("a").uuid("u1");
     auto list = database().list("b").uuid("u2");
     database().list("c");
-    const std::string reason = "list 2 (uuid u2): column Attributes holds no number: ";
-    const std::pair<channel_database::Value, const char*> cases[] = {
+    std::string const reason = "list 2 (uuid u2): column Attributes holds no number: ";
+    std::pair<channel_database::Value, char const*> const cases[] = {
         {nullptr, "''"}, {2147483648, "'2147483648'"}, {-2147483649, "'-2147483649'"}};
-    for (const auto& [attributes, text] : cases) {
+    for (auto const& [attributes, text] : cases) {
         list.attributes(attributes);
         platform::state.messages.clear();
         EXPECT_EQ(names(), "a");
@@ -142,7 +142,7 @@ TEST_F(FolderList, ARowThatDoesNotConvertEndsTheQuery) {
 TEST_F(FolderList, ShortAndMissingRowsAreRefused) {
     ResultSet rows;
     char* values[] = {nullptr};
-    for (const int refused : {dbaccess::computeFolder(6, ResultRow(6, "0"), &rows),
+    for (int const refused : {dbaccess::computeFolder(6, ResultRow(6, "0"), &rows),
                               dbaccess::computeFolder(8, ResultRow(7, "0"), &rows),
                               dbaccess::computeFolder(-1, ResultRow(7, "0"), &rows),
                               dbaccess::folder_callback(&rows, 1, nullptr, values),
@@ -176,7 +176,7 @@ TEST_F(FolderList, IsPrintedOnTheConsole) {
     EXPECT_EQ(printed(0), "argc=0\nend\n");
     database().list("servicelist://tamun.dvbt").uuid("a").name("100%");
     platform::state.messages.clear();
-    const std::string folder = "[item 0:col 0]:100% [item 0:col 1]:a [item 0:col 2]:64 "
+    std::string const folder = "[item 0:col 0]:100% [item 0:col 1]:a [item 0:col 2]:64 "
                                "[item 0:col 3]: [item 0:col 4]:63 \n";
     EXPECT_EQ(printed(3), folder + "argc=3\nend\n");
     EXPECT_THAT(texts(1), IsSupersetOf({"called,favoriteUuId:a ", "called,favoriteUuId:b "}));

@@ -31,16 +31,16 @@ std::string joined(Numbers... numbers) {
     return ((std::to_string(numbers) + " ") + ...);
 }
 
-std::string numbers(const ItemInfo& i) {
+std::string numbers(ItemInfo const& i) {
     return joined(static_cast<unsigned>(i.getItemType()), i.getPreviewPage(), i.getSubtitlePage(),
                   i.getEncoding(), i.isReceivable(), i.getFileSize(), i.getDateNumeric(),
                   i.getAttributes(), i.getMaxPosition(), i.getVolumeCorrection(), i.isVisible(),
                   i.isSelectable(), i.getSoundSelection(), i.getServicePid());
 }
 
-void expectFilled(const ItemInfo& item) {
+void expectFilled(ItemInfo const& item) {
     for (std::size_t i = 0; i < std::size(kTexts); ++i) {
-        const std::string text = "text " + std::to_string(i) + "\v";
+        std::string const text = "text " + std::to_string(i) + "\v";
         EXPECT_EQ((item.*kTexts[i].get)(), i < kStripped ? text : " \t " + text + "\r\n") << i;
     }
     EXPECT_EQ(numbers(item), "256 100 -150 3 0 5000000000 -6000000000 -7 4294967295 -8 0 0 9 10 ");
@@ -49,7 +49,7 @@ void expectFilled(const ItemInfo& item) {
 TEST(ItemInfo, HoldsEveryFieldByItselfAndCopiesIt) {
     VideoItemInfo item("caption", "uuid");
     int number = 0;
-    for (const auto& field : kTexts)
+    for (auto const& field : kTexts)
         (item.*field.set)(" \t text " + std::to_string(number++) + "\v\r\n");
     // clang-format off
     item.setItemType(static_cast<itemType>(0x100)); item.setPreviewPage(100);
@@ -72,8 +72,8 @@ TEST(ItemInfo, HoldsEveryFieldByItselfAndCopiesIt) {
 }
 
 TEST(ItemInfo, StartsWithTheDefaultsOfItsKind) {
-    const std::string defaults = " 0 0 0 1 0 0 0 0 0 1 1 0 0 ";
-    const VideoItemInfo video(" Eins ", "v");
+    std::string const defaults = " 0 0 0 1 0 0 0 0 0 1 1 0 0 ";
+    VideoItemInfo const video(" Eins ", "v");
     EXPECT_EQ(numbers(video), "4" + defaults);
     EXPECT_EQ(video.getCaption(), " Eins ");
     EXPECT_EQ(video.getUUID(), "v");
@@ -83,9 +83,9 @@ TEST(ItemInfo, StartsWithTheDefaultsOfItsKind) {
 }
 
 TEST(ItemInfo, StripsFourCharactersAtBothEnds) {
-    const char* const cases[][2] = {
+    char const* const cases[][2] = {
         {"", ""}, {" \t\n\r", ""}, {"x", "x"}, {" a b\r\n", "a b"}, {"\va\f", "\va\f"}};
-    for (const auto& [given, stripped] : cases)
+    for (auto const& [given, stripped] : cases)
         EXPECT_EQ(ItemInfo::stripValue(given), stripped);
 }
 

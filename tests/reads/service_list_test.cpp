@@ -16,12 +16,12 @@ class ServiceList : public TestDatabase {
         put(2, "Two");
         put(3, "Three");
     }
-    channel_database::Service put(int number, const std::string& name) {
+    channel_database::Service put(int number, std::string const& name) {
         auto service = database().dvbt(name);
         database().put(*list_, service, number);
         return service;
     }
-    static std::string names(const std::string& uuid) {
+    static std::string names(std::string const& uuid) {
         return column(dbaccess::get_dbservices(uuid), 1);
     }
     // Without the busy timeout that get_dbservices sets.
@@ -36,12 +36,12 @@ TEST_F(ServiceList, OrderFollowsTheListsAttributes) {
     put(-1, "First").radio();
     database().put(*list_, database().input("hdmi1"), 10);
     database().put(database().list("User.tvFAV2"), database().dvbt("elsewhere"), 1);
-    const char* const byNumber = "First;One;Two;Three;HDMI 1";
-    const char* const byMediaType = "One;Two;Three;HDMI 1;First";
-    const std::pair<channel_database::Value, const char*> cases[] = {
+    char const* const byNumber = "First;One;Two;Three;HDMI 1";
+    char const* const byMediaType = "One;Two;Three;HDMI 1;First";
+    std::pair<channel_database::Value, char const*> const cases[] = {
         {0, byNumber}, {0x200, byMediaType}, {-1, byMediaType}, {0xfdff, byNumber},
         {nullptr, byNumber}, {"x", byNumber}};
-    for (const auto& [attributes, expected] : cases) {
+    for (auto const& [attributes, expected] : cases) {
         list_->attributes(attributes);
         EXPECT_EQ(names("u"), expected);
     }
@@ -65,11 +65,11 @@ TEST_F(ServiceList, OfTwoListsWithOneUuidTheFirstIsReadAndTheLastIsAsked) {
 }
 
 TEST_F(ServiceList, AttributesAreTheStoredWord) {
-    const std::tuple<channel_database::Value, int, unsigned int> cases[] = {
+    std::tuple<channel_database::Value, int, unsigned int> const cases[] = {
         {512, 0, 512}, {-1, 0, 4294967295U}, {4294967295, 0, 4294967295U}, {-4294967295, 0, 1},
         {"+7", 0, 7}, {nullptr, SQLITE_ABORT, 77}, {"", SQLITE_ABORT, 77},
         {"1 x", SQLITE_ABORT, 77}, {4294967296, SQLITE_ABORT, 77}};
-    for (const auto& [stored, result, expected] : cases) {
+    for (auto const& [stored, result, expected] : cases) {
         list_->attributes(stored);
         unsigned int word = 77;
         EXPECT_EQ(dbaccess::getFavriteAttributes("u", &word), result);
@@ -81,17 +81,17 @@ TEST_F(ServiceList, AttributesAreTheStoredWord) {
 }
 
 TEST_F(ServiceList, AUuidIsNeverMoreThanAValue) {
-    const std::string uuids[] = {
+    std::string const uuids[] = {
         "it's", "'", "''", "'; DELETE FROM FavoriteItem; --", "') OR 1=1; --", "\"", "\\'", "",
         std::string(1000000, 'x'), std::string("nul\0'; DROP TABLE Lcn; --", 24),
         std::string("\0", 1)};
     unsigned int pid = 100;
-    for (const std::string& uuid : uuids) {
+    for (std::string const& uuid : uuids) {
         auto list = database().list("User.tv", ++pid).uuid(uuid).attributes(pid);
         database().put(list, database().dvbt("of " + std::to_string(pid), pid), 1);
     }
     pid = 100;
-    for (const std::string& uuid : uuids) {
+    for (std::string const& uuid : uuids) {
         unsigned int attributes = 0;
         EXPECT_EQ(names(uuid), "of " + std::to_string(++pid));
         EXPECT_EQ(dbaccess::getFavriteAttributes(uuid, &attributes), 0);
@@ -102,11 +102,11 @@ TEST_F(ServiceList, AUuidIsNeverMoreThanAValue) {
 
 TEST_F(ServiceList, ARowThatDoesNotConvertEndsTheQuery) {
     // Each is converted before those above it, which stay bad, and so is the one reported.
-    const std::tuple<const char*, channel_database::Value, std::string> cases[] = {
+    std::tuple<char const*, channel_database::Value, std::string> const cases[] = {
         {"FavTag4", "x", "FavTag4 holds no number: 'x'"},
         {"Hdtv", nullptr, "Hdtv holds no number: ''"},
         {"Type", 2147483648, "Type holds no number: '2147483648'"}};
-    for (const auto& [column, value, reason] : cases) {
+    for (auto const& [column, value, reason] : cases) {
         database().run(std::string("UPDATE Service SET ") + column + " = ? WHERE Pid = 2", {value});
         platform::state.messages.clear();
         EXPECT_EQ(names("u"), "One");
@@ -153,7 +153,7 @@ TEST_F(ServiceList, ATryAfterDeliveredRowsStartsOver) {
     dbaccess::select_Folders();  // opens
     int calls = 0;
     sqlite3_create_function(db, "busyOnce", 1, SQLITE_UTF8, &calls, busyOnce, nullptr, nullptr);
-    const char* const view =
+    char const* const view =
         "CREATE TEMP VIEW FavoriteItemView AS SELECT *, 0 AS Uri, 0 AS InternalName,"
         " Name AS ExternalName, -1 AS FIVisible, -1 AS FISelectable, 0 AS NetworkId,"
         " 0 AS SVisible, 0 AS SSelectable, 0 AS TtxPreviewPage, 0 AS TtxCharEnc,"

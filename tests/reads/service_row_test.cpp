@@ -13,17 +13,17 @@ namespace {
 
 // The columns of the service query: those that hold numbers, in the order in which they are
 // converted, and all in the order of the query.
-const std::string kNumbers =
+std::string const kNumbers =
     "Type,ParentalLock,EpgService,EngineAutoStart,GamingMode,Hdtv,Encrypted,isDeleted,FavTag,"
     "FavTag2,FavTag3,FavTag4,HbbTvEnable,SVisible,FIVisible,FISelectable,MediaType,SSelectable,"
     "SoundSelection,TtxPreviewPage,TtxSubtitlePage,TtxCharEnc,Protected,VolumeCorrection,Pid";
-const std::string kOrder =
+std::string const kOrder =
     "Pid,ChannelNum,InternalName,ExternalName,FIVisible,FISelectable,NetworkId,Uuid,Uri,Encrypted,"
     "MediaType,ParentalLock,SVisible,SSelectable,EpgService,EngineAutoStart,VolumeCorrection,"
     "SoundSelection,GamingMode,Hdtv,TtxPreviewPage,TtxSubtitlePage,TtxCharEnc,Protected,TunerUuid,"
     "isDeleted,FavTag,FavTag2,FavTag3,FavTag4,HbbTvEnable,Type,Lcn,NITId";
 
-std::vector<std::string> split(const std::string& text, char at) {
+std::vector<std::string> split(std::string const& text, char at) {
     std::vector<std::string> parts;
     std::istringstream stream(text);
     for (std::string part; std::getline(stream, part, at);)
@@ -32,28 +32,28 @@ std::vector<std::string> split(const std::string& text, char at) {
 }
 
 // A TV service of zeros and texts that are their columns' names, changed by "Column=value;...".
-ResultRow raw(const std::string& changes = "") {
+ResultRow raw(std::string const& changes = "") {
     ResultRow row = split(kOrder, ',');
-    const auto at = [&, columns = row](const std::string& column) -> std::string& {
+    auto const at = [&, columns = row](std::string const& column) -> std::string& {
         return row.at(static_cast<std::size_t>(std::find(columns.begin(), columns.end(), column) -
                                                columns.begin()));
     };
-    for (const std::string& column : split(kNumbers, ','))
+    for (std::string const& column : split(kNumbers, ','))
         at(column) = "0";
-    for (const std::string& change : split(changes, ';')) {
-        const auto equals = change.find('=');
+    for (std::string const& change : split(changes, ';')) {
+        auto const equals = change.find('=');
         at(change.substr(0, equals)) = change.substr(equals + 1);
     }
     return row;
 }
 
 // The fields of the result row of raw(changes).
-std::string converted(const std::string& changes, const std::vector<int>& fields) {
+std::string converted(std::string const& changes, std::vector<int> const& fields) {
     m_svfield = fields;
     ResultSet rows;
     EXPECT_EQ(dbaccess::computeService(34, raw(changes), &rows), 0);
     std::string text;
-    for (const std::string& cell : *rows.at(0))
+    for (std::string const& cell : *rows.at(0))
         text += "|" + cell;
     return text;
 }
@@ -63,7 +63,7 @@ using ServiceRow = TestDatabase;
 // clang-format off
 
 TEST_F(ServiceRow, AttributeBits) {
-    const std::tuple<const char*, int, unsigned int> cases[] = {
+    std::tuple<char const*, int, unsigned int> const cases[] = {
         {"", 0x240, 0x20240},                      {"Hdtv=1", 0x244, 0x20244},
         {"Encrypted=1", 0x241, 0x241},             {"Encrypted=-5", 0x241, 0x241},
         {"EpgService=2", 0x248, 0x20248},          {"ParentalLock=1", 0x250, 0x250},
@@ -77,28 +77,28 @@ TEST_F(ServiceRow, AttributeBits) {
         {"Uri=x?sid=2&y?hdtv=1&z", 0x240, 0x20244},
         {"Encrypted=1;ParentalLock=1;Uri=x&hdtv=1&", 0x251, 0x255},
     };
-    for (const auto& [changes, stored, shown] : cases) {
+    for (auto const& [changes, stored, shown] : cases) {
         EXPECT_EQ(converted(changes, {3}), "|" + std::to_string(shown)) << changes;
         EXPECT_EQ(sv.attributes, stored) << changes;
     }
 }
 
 TEST_F(ServiceRow, KindAndFrontendClass) {
-    const char* const classes[][2] = {
+    char const* const classes[][2] = {
         {"?frontend=1", "1"}, {"?frontend=2", "2"}, {"?frontend=6", "2"}, {"?frontend=3", "3"},
         {"?frontend=7", "3"}, {"?frontend=4", "4"}, {"?frontend=8", "4"}, {"?frontend=5", "5"},
         {"?frontend=0", "0"}, {"?frontend=9", "0"}, {"?frontend=-1", "0"}, {"?frontend=", "0"},
         {"rec://plain/hdmi?frontend=2", "2"}, {"rec://plain/hdmi", "6"}, {"rec://plain/scart", "7"},
         {"rec://plain/avs", "8"}, {"rec://plain/vga", "9"}, {"rec://plain/spdifin", "10"},
         {"rec://plain/spdifi", "0"}, {"xrec://plain/hdmi", "0"}, {"", "0"}, {"about:blank", "0"}};
-    for (const auto& [uri, expected] : classes)
+    for (auto const& [uri, expected] : classes)
         EXPECT_EQ(converted(std::string("Uri=") + uri, {4}), std::string("|") + expected) << uri;
-    for (const auto& [media, kind] : {std::pair("2", "|2"), {"1", "|4"}, {"0", "|4"}})
+    for (auto const& [media, kind] : {std::pair("2", "|2"), {"1", "|4"}, {"0", "|4"}})
         EXPECT_EQ(converted(std::string("MediaType=") + media, {21}), kind) << media;
 }
 
 TEST_F(ServiceRow, InputSources) {
-    const char* const cases[][3] = {
+    char const* const cases[][3] = {
         {"InternalName=hdmi1", "rec://plain/hdmi?id=0", "|6"},
         {"InternalName=hdmi2", "rec://plain/hdmi?id=1", "|6"},
         {"InternalName=hdmi3;Uuid=AVS", "rec://plain/hdmi?id=2", "|6"},
@@ -113,7 +113,7 @@ TEST_F(ServiceRow, InputSources) {
         {"InternalName=COMPONENT", "rec://plain/component", "|0"},
         {"InternalName=hdmi5;Uuid=avs", "Uri", "|0"},
     };
-    for (const auto& [changes, locator, frontendClass] : cases) {
+    for (auto const& [changes, locator, frontendClass] : cases) {
         EXPECT_EQ(converted(changes, {4}), frontendClass) << changes;
         EXPECT_EQ(sv.locator, locator);
     }
@@ -144,10 +144,10 @@ TEST_F(ServiceRow, EveryFieldIdHasItsText) {
 }
 
 TEST_F(ServiceRow, TheListsFlagsOverrideTheServices) {
-    const char* const cases[][3] = {{"0", "1", "|1"}, {"1", "0", "|0"}, {"1", "-1", "|1"},
+    char const* const cases[][3] = {{"0", "1", "|1"}, {"1", "0", "|0"}, {"1", "-1", "|1"},
                                     {"0", "-1", "|0"}, {"-1", "-7", "|1"}, {"0", "2", "|1"}};
-    for (const auto& [service, item, shown] : cases) {
-        const std::string own = service, lists = item;
+    for (auto const& [service, item, shown] : cases) {
+        std::string const own = service, lists = item;
         EXPECT_EQ(converted("SVisible=" + own + ";FIVisible=" + lists, {24, 25}),
                   std::string(shown) + "|0");
         EXPECT_EQ(converted("SSelectable=" + own + ";FISelectable=" + lists, {24, 25}),
@@ -156,7 +156,7 @@ TEST_F(ServiceRow, TheListsFlagsOverrideTheServices) {
 }
 
 TEST_F(ServiceRow, UriNumbersSaturate) {
-    const char* const cases[][2] = {
+    char const* const cases[][2] = {
         {"?sid=0012", "12"}, {"?sid=x", "0"}, {"?sid=", "0"}, {"?sid=7x&", "7"},
         {"?sid=\t +5", "5"}, {"?sid=-5", "-5"}, {"?sid=--5", "0"}, {"?tsid=1&onid=2", ""},
         {"?sid=1&sid=2", "2"}, {"?SID=1", ""}, {"&sid=1?sid=2", "1"}, {"?a?sid=6&", "6"}, {"?sid=3&sidx=4", "3"},
@@ -164,20 +164,20 @@ TEST_F(ServiceRow, UriNumbersSaturate) {
         {"?sid=2147483647", "2147483647"}, {"?sid=2147483648", "2147483647"},
         {"?sid=-2147483648", "-2147483648"}, {"?sid=-2147483649", "-2147483648"},
         {"?sid=99999999999999999999", "2147483647"}};
-    for (const auto& [uri, expected] : cases)
+    for (auto const& [uri, expected] : cases)
         EXPECT_EQ(converted(std::string("Uri=") + uri, {8}), std::string("|") + expected) << uri;
 }
 
 TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
     dbaccess::fetchServiceItem(raw("Uuid=before"));
-    for (const std::string& column : split(kNumbers, ',')) {
-        for (const char* text : {"", "x", " 1", "1 ", "1.0", "+", "-", "1,000", "0x1", "2147483648",
+    for (std::string const& column : split(kNumbers, ',')) {
+        for (char const* text : {"", "x", " 1", "1 ", "1.0", "+", "-", "1,000", "0x1", "2147483648",
                                  "-2147483649", "99999999999999999999"}) {
             EXPECT_THROW(dbaccess::fetchServiceItem(raw(column + "=" + text)),
                          boost::bad_lexical_cast) << column << " " << text;
         }
         EXPECT_EQ(sv.uuid, "before");
-        for (const char* text : {"+5", "-0", "0000000000005", "2147483647", "-2147483648"})
+        for (char const* text : {"+5", "-0", "0000000000005", "2147483647", "-2147483648"})
             EXPECT_NO_THROW(dbaccess::fetchServiceItem(raw("Uuid=before;" + column + "=" + text)));
     }
 }
@@ -185,15 +185,15 @@ TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
 // All numbers are bad, and mended one after the other.
 TEST_F(ServiceRow, TheFirstBadColumnIsNamedAndTheTraceStandsBehindTheAttributes) {
     ResultRow row = raw("Encrypted=1;InternalName=");
-    const std::vector<std::string> numbers = split(kNumbers, ','), columns = split(kOrder, ',');
-    const auto at = [&](const std::string& number) -> std::string& {
-        const auto column = std::find(columns.begin(), columns.end(), number) - columns.begin();
+    std::vector<std::string> const numbers = split(kNumbers, ','), columns = split(kOrder, ',');
+    auto const at = [&](std::string const& number) -> std::string& {
+        auto const column = std::find(columns.begin(), columns.end(), number) - columns.begin();
         return row[static_cast<std::size_t>(column)];
     };
-    for (const std::string& number : numbers)
+    for (std::string const& number : numbers)
         at(number) += "x";
     bool isTraced = false;
-    for (const std::string& number : numbers) {
+    for (std::string const& number : numbers) {
         std::vector<char*> values;
         for (std::string& text : row)
             values.push_back(text.data());
@@ -211,7 +211,7 @@ TEST_F(ServiceRow, TheFirstBadColumnIsNamedAndTheTraceStandsBehindTheAttributes)
 TEST_F(ServiceRow, ShortAndMissingRowsAreRefused) {
     ResultSet rows;
     sv.uuid = "before";
-    const ResultRow tooShort(33, "0");
+    ResultRow const tooShort(33, "0");
     EXPECT_EQ(dbaccess::computeService(33, tooShort, &rows), -1);
     EXPECT_EQ(dbaccess::computeService(35, raw(), &rows), -1);
     EXPECT_EQ(dbaccess::computeService(-1, raw(), &rows), -1);
@@ -238,15 +238,15 @@ TEST_F(ServiceRow, GlobalLocaleChangesNothing) {
     auto service = database().dvbs2("Eins").frequency(11493750).triplet(1111, 22222, 33333);
     database().put(list, service, 12345);
     m_svfield.insert(m_svfield.end(), {34, 27});
-    const auto answers = [] {
+    auto const answers = [] {
         unsigned int attributes = 0;
         dbaccess::getFavriteAttributes("list-1", &attributes);
         return std::to_string(attributes) + " " + joined(dbaccess::get_dbservices("list-1")) + " " +
                joined(dbaccess::select_Folders());
     };
-    const std::string classic = answers();
+    std::string const classic = answers();
     EXPECT_NE(classic.find("|11493750|"), std::string::npos) << classic;
-    const auto before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    auto const before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
     EXPECT_EQ(answers(), classic);
     EXPECT_THROW(dbaccess::fetchServiceItem(raw("Hdtv=1.0.0.0")), boost::bad_lexical_cast);
     std::locale::global(before);

@@ -10,15 +10,14 @@ class ServiceViews : public TestDatabase {
   protected:
     void SetUp() override {
         TestDatabase::SetUp();
-        for (int time = 0; time < 2; ++time) {  // the second time changes nothing
+        for (int time = 0; time < 2; ++time)  // the second time changes nothing
             EXPECT_EQ(dbaccess::initViews(database().connection()), SQLITE_OK);
-        }
     }
-    std::string uri(const Service& service) {
+    std::string uri(Service const& service) {
         return database().value("SELECT Uri FROM UriView WHERE Pid = " +
                                 std::to_string(service.id()));
     }
-    std::string onlyItem(const std::string& columns) {
+    std::string onlyItem(std::string const& columns) {
         return joined(database().rows("SELECT " + columns + " FROM FavoriteItemView").at(0));
     }
 };
@@ -27,7 +26,7 @@ class ServiceViews : public TestDatabase {
 // its column is 0.
 #define IDENTITY "[&slotconfig={CiSlotConfig}]&onid={Oid}&sid={Sid}&tsid={Tid}"
 // clang-format off
-const std::pair<Delivery, const char*> kUris[] = {
+std::pair<Delivery, char const*> const kUris[] = {
     {Delivery::Analog, "analog?frequency={Frequency}&brdstd={BroadcastSystem}&colstd={ColorSystem}"
      "&frontend=1"},
     {Delivery::DvbT, "dvbt?frontend={Frontend}&dvbtpriority={HierarchicalPriority}"
@@ -54,19 +53,19 @@ const std::pair<Delivery, const char*> kUris[] = {
 
 // The pattern with values filled in: column number k of it has the value `base` + k, or 0 with an
 // optional one when `base` is 0.
-std::string filled(const std::string& pattern, Service& service, int base) {
+std::string filled(std::string const& pattern, Service& service, int base) {
     std::string text;
     std::size_t option = std::string::npos;  // where the option began
     for (std::size_t at = 0, number = 1; at < pattern.size(); ++at) {
-        const bool isOptional = option != std::string::npos;
+        bool const isOptional = option != std::string::npos;
         if (pattern[at] == '[') {
             option = text.size();
         } else if (pattern[at] == ']') {
             text.resize(base == 0 ? option : text.size());
             option = std::string::npos;
         } else if (pattern[at] == '{') {
-            const auto end = pattern.find('}', at);
-            const auto value = base == 0 && isOptional ? 0 : base + static_cast<int>(number++);
+            auto const end = pattern.find('}', at);
+            auto const value = base == 0 && isOptional ? 0 : base + static_cast<int>(number++);
             service.set(pattern.substr(at + 1, end - at - 1), value);
             text += std::to_string(value);
             at = end;
@@ -78,18 +77,18 @@ std::string filled(const std::string& pattern, Service& service, int base) {
 }
 
 TEST_F(ServiceViews, UriOfEveryDeliveryKind) {
-    for (const auto& [delivery, parameters] : kUris) {
-        const std::string pattern = std::string("rec://plain/") + parameters;
+    for (auto const& [delivery, parameters] : kUris) {
+        std::string const pattern = std::string("rec://plain/") + parameters;
         auto service = database().service(delivery, "name");
-        const std::string least = filled(pattern, service, 0);
+        std::string const least = filled(pattern, service, 0);
         EXPECT_EQ(uri(service), least);
-        const std::string whole = filled(pattern, service, 100);
+        std::string const whole = filled(pattern, service, 100);
         EXPECT_EQ(uri(service), whole);
-        const std::string scrambled = delivery == Delivery::Analog ? whole : whole + "&encrypted=1";
+        std::string const scrambled = delivery == Delivery::Analog ? whole : whole + "&encrypted=1";
         EXPECT_EQ(uri(service.encrypted(5)), scrambled);
         EXPECT_EQ(uri(service.encrypted(nullptr)), scrambled);
         for (std::size_t at = 0; (at = pattern.find('{', at)) != std::string::npos; ++at) {
-            const std::string column = pattern.substr(at + 1, pattern.find('}', at) - at - 1);
+            std::string const column = pattern.substr(at + 1, pattern.find('}', at) - at - 1);
             filled(pattern, service, 100);
             EXPECT_EQ(uri(service.set(column, nullptr)), "NULL") << column;
         }
@@ -111,14 +110,14 @@ TEST_F(ServiceViews, NamesOfAnItem) {
     auto service = database().dvbt("");
     database().put(database().list("User.tvFAV1"), service, 1);
     // clang-format off
-    const char* const cases[][4] = {
+    char const* const cases[][4] = {
         {"N", "", "", "N|N"}, {"N", "S", "", "S|S"}, {"N", "S", "E", "S|E"},
         {"hdmi1", "", "", "hdmi1|HDMI 1"}, {"hdmi2", "S", "", "S|HDMI 2"},
         {"hdmi3", "", "", "hdmi3|HDMI 3"}, {"hdmi3", "", "E", "hdmi3|E"},
         {"hdmi4", "", "", "hdmi4|HDMI 4"}, {"AV1", "", "", "AV1|AV"},
         {"ANALOG", "", "", "ANALOG|VIDEO"}, {"Hdmi1", "", "", "Hdmi1|Hdmi1"}};
     // clang-format on
-    for (const auto& [name, shortName, serviceName, internalExternal] : cases) {
+    for (auto const& [name, shortName, serviceName, internalExternal] : cases) {
         service.name(name).shortName(shortName).serviceName(serviceName);
         EXPECT_EQ(onlyItem("InternalName, ExternalName"), internalExternal);
     }
@@ -133,7 +132,7 @@ TEST_F(ServiceViews, OtherColumnsOfAnItem) {
     service.set("TtxPreviewPage", 100).set("TtxSubtitlePage", 150).set("TtxCharEnc", 6);
     database().put(list, service, 9).visible(1).selectable(2).original(origin).deleted();
     database().lcn(service, origin, 12);
-    const char* const columns =
+    char const* const columns =
         "NetworkId, FIVisible, FISelectable, SVisible, SSelectable, TtxPreviewPage,"
         " TtxSubtitlePage, TtxCharEnc, NITId, TunerUuid, Lcn, FavoriteId, isDeleted, Type";
     EXPECT_EQ(onlyItem(columns), "77|1|2|3|4|100|150|6|5|t|12|2|1|2");
@@ -149,15 +148,15 @@ TEST_F(ServiceViews, OtherColumnsOfAnItem) {
     EXPECT_EQ(database().rows("SELECT 1 FROM FavoriteItemView").size(), 0U);
 }
 
-int denyView(void* name, int action, const char* view, const char*, const char*, const char*) {
-    const bool isDenied =
-        action == SQLITE_CREATE_TEMP_VIEW && view == *static_cast<const std::string*>(name);
+int denyView(void* name, int action, char const* view, char const*, char const*, char const*) {
+    bool const isDenied =
+        action == SQLITE_CREATE_TEMP_VIEW && view == *static_cast<std::string const*>(name);
     return isDenied ? SQLITE_DENY : SQLITE_OK;
 }
 
 TEST_F(ServiceViews, AViewThatCannotBeMadeIsReported) {
     std::string denied = "UriView";
-    for (const char* count : {"0", "1"}) {  // without the first view the second is not tried
+    for (char const* count : {"0", "1"}) {  // without the first view the second is not tried
         channel_database::ChannelDatabase other(":memory:");
         sqlite3_set_authorizer(other.connection(), denyView, &denied);
         EXPECT_EQ(dbaccess::initViews(other.connection()), SQLITE_AUTH);

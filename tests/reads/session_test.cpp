@@ -11,17 +11,20 @@ std::string serviceCount() { return std::to_string(dbaccess::get_dbservices("lis
 std::string folderCount() { return std::to_string(dbaccess::select_Folders().size()); }
 template <typename Found, typename Call>
 std::string answer(Found found, Call call) {
-    const int code = call(&found);
+    int const code = call(&found);
     return (std::ostringstream() << code << " " << found).str();
 }
 std::string attributes() {
-    return answer(77U, [](auto word) { return dbaccess::getFavriteAttributes("list-1", word); });
+    return answer(
+        77U, [](auto word) { return dbaccess::getFavriteAttributes("list-1", word); });
 }
 std::string anchor() {
-    return answer(std::string(), [](auto uuid) { return dbaccess::getAstraAnchorService(*uuid); });
+    return answer(
+        std::string(), [](auto uuid) { return dbaccess::getAstraAnchorService(*uuid); });
 }
 std::string scrambled() {
-    return answer(77, [](auto flag) { return dbaccess::checkAstraScrambleService(*flag); });
+    return answer(
+        77, [](auto flag) { return dbaccess::checkAstraScrambleService(*flag); });
 }
 std::string bissKey() {
     bisskey = "of an earlier call";
@@ -33,10 +36,10 @@ std::string edit() {
 
 // The entry points that open, get_dbservices last: it alone keeps the handle of a failed open.
 const struct EntryPoint {
-    const char* name;
+    char const* name;
     unsigned int module;
     std::string (*call)();
-    const char* answerWhenClosed;
+    char const* answerWhenClosed;
 } kEntryPoints[] = {
     {"select_Folders", 0xda, folderCount, "0"},
     {"getFavriteAttributes", 0xda, attributes, "-2 77"},
@@ -57,7 +60,7 @@ class Session : public TestDatabase {
 
     static std::vector<std::string> trace() {
         std::vector<std::string> lines;
-        for (const platform::Message& m : platform::state.messages) {
+        for (platform::Message const& m : platform::state.messages) {
             EXPECT_THAT(m.file, MatchesRegex("[a-z_]+\\.cpp"));
             EXPECT_GT(m.line, 0);
             char where[100];
@@ -69,13 +72,13 @@ class Session : public TestDatabase {
 };
 
 TEST_F(Session, AnyFirstCallOpensTheFixedPathOnce) {
-    for (const EntryPoint& first : kEntryPoints) {
+    for (EntryPoint const& first : kEntryPoints) {
         SCOPED_TRACE(first.name);
-        const int before = opens();
+        int const before = opens();
         first.call();
         ASSERT_NE(db, nullptr);
         EXPECT_EQ(sqlite3_db_filename(db, "main"), file());
-        for (const EntryPoint& next : kEntryPoints)
+        for (EntryPoint const& next : kEntryPoints)
             next.call();
         EXPECT_EQ(opens(), before + 1);
         closeLibrary();
@@ -85,20 +88,20 @@ TEST_F(Session, AnyFirstCallOpensTheFixedPathOnce) {
 TEST_F(Session, AFailedOpenIsReportedClosedAndTriedAgain) {
     platform::state.channelDatabase = platform::kUnopenablePath;
     int expectedOpens = 0;
-    for (const EntryPoint& entry : kEntryPoints) {
+    for (EntryPoint const& entry : kEntryPoints) {
         if (entry.call == serviceCount)
             break;
         SCOPED_TRACE(entry.name);
         for (int attempt = 1; attempt <= 2; ++attempt) {
             platform::state.messages.clear();
-            const auto memory = sqlite3_memory_used();
+            auto const memory = sqlite3_memory_used();
             EXPECT_EQ(entry.call(), entry.answerWhenClosed);
             EXPECT_EQ(sqlite3_memory_used(), memory);  // the handle is closed
             EXPECT_EQ(db, nullptr);
             EXPECT_EQ(opens(), ++expectedOpens);
             EXPECT_THAT(texts(1), Contains("will open db "));
             EXPECT_THAT(texts(), ElementsAre("open or create db failed,res:14"));
-            for (const platform::Message& m : platform::state.messages) {
+            for (platform::Message const& m : platform::state.messages) {
                 EXPECT_EQ(m.function, entry.name);
                 EXPECT_EQ(m.module, entry.module);
             }
@@ -132,8 +135,8 @@ TEST_F(Session, AConnectionOfTheHostIsUsedAndNothingOpened) {
 TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
     dbaccess::select_Folders();
     channel_database::ChannelDatabase library(db);
-    const char* const views = "SELECT count(*) FROM sqlite_temp_master WHERE type = 'view'";
-    const auto state = [&] {
+    char const* const views = "SELECT count(*) FROM sqlite_temp_master WHERE type = 'view'";
+    auto const state = [&] {
         return library.value("PRAGMA busy_timeout") + " " + library.value(views);
     };
     EXPECT_EQ(state(), "0 0");
@@ -144,7 +147,7 @@ TEST_F(Session, OnlyTheServiceQuerySetsTheTimeoutAndTheViews) {
 }
 
 TEST_F(Session, BusyHandlerSleepsReportsAndNeverGivesUp) {
-    for (const int count : {0, 1000000})
+    for (int const count : {0, 1000000})
         EXPECT_EQ(dbaccess::busy_callback(nullptr, count), 1);
     EXPECT_EQ(platform::state.sleptMicroseconds, 200000U);
     EXPECT_THAT(texts(), ElementsAre("data base is locked 0 ", "data base is locked 1000000 "));

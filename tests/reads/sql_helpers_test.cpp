@@ -16,12 +16,12 @@ class SqlHelpers : public TestDatabase {
         EXPECT_EQ(sqlite3_close(connection_), SQLITE_OK) << "a failed helper left its statement";
         TestDatabase::TearDown();
     }
-    sqlite3_stmt* prepared(const char* sql) {
+    sqlite3_stmt* prepared(char const* sql) {
         sqlite3_stmt* stmt = nullptr;
         EXPECT_EQ(sqlprepare(connection_, sql, -1, &stmt, nullptr), SQLITE_OK) << sql;
         return stmt;
     }
-    int exec(const char* sql, char** error) {
+    int exec(char const* sql, char** error) {
         return sqlexec(connection_, sql, nullptr, nullptr, error);
     }
 
@@ -32,8 +32,8 @@ TEST_F(SqlHelpers, ExecReportsAndFreesTheErrorText) {
     char* error = nullptr;
     EXPECT_EQ(exec("SELECT 1;", &error), SQLITE_OK);
     EXPECT_EQ(exec("SELECT y FROM Lcn;", nullptr), SQLITE_ERROR);
-    const auto memory = sqlite3_memory_used();
-    for (const bool isEnabled : {true, false}) {
+    auto const memory = sqlite3_memory_used();
+    for (bool const isEnabled : {true, false}) {
         platform::state.isEnabled = [=](unsigned int) { return isEnabled; };
         EXPECT_EQ(exec("SELECT x FROM Lcn;", &error), SQLITE_ERROR);
         EXPECT_EQ(error, nullptr);
@@ -46,7 +46,7 @@ TEST_F(SqlHelpers, ExecReportsAndFreesTheErrorText) {
 
 TEST_F(SqlHelpers, PrepareReportsAndLeavesNoHandle) {
     sqlite3_stmt* stmt = nullptr;
-    const char* tail = nullptr;
+    char const* tail = nullptr;
     EXPECT_EQ(sqlprepare(connection_, "SELEC", -1, &stmt, nullptr), SQLITE_ERROR);
     EXPECT_EQ(stmt, nullptr);
     EXPECT_THAT(texts(), ElementsAre("sqlite3_prepare_v2 failed:1, sql:'SELEC'."));
@@ -57,7 +57,7 @@ TEST_F(SqlHelpers, PrepareReportsAndLeavesNoHandle) {
 
 TEST_F(SqlHelpers, StepsKeepASuccessfulStatement) {
     sqlite3_stmt* stmt = prepared("UPDATE FavoriteList SET UpdateTag = ? WHERE Pid = 1;");
-    for (const int tag : {5, 6}) {
+    for (int const tag : {5, 6}) {
         sqlite3_bind_int(stmt, 1, tag);
         ASSERT_EQ(sqlstep(&stmt, "tag"), SQLITE_DONE);
         sqlite3_reset(stmt);
@@ -87,11 +87,11 @@ TEST_F(SqlHelpers, OtherCodesEndAStepAtOnce) {
 }
 
 TEST_F(SqlHelpers, ABusyStepIsTriedFiftyTimes) {
-    const std::string update = "UPDATE FavoriteList SET UpdateTag = 9";
-    const std::tuple<decltype(&sqlstep), int, std::string> cases[] = {
+    std::string const update = "UPDATE FavoriteList SET UpdateTag = 9";
+    std::tuple<decltype(&sqlstep), int, std::string> const cases[] = {
         {sqlstep, SQLITE_DONE, update}, {sqlstepquery, SQLITE_ROW, update + " RETURNING 1"}};
-    for (const auto& [step, success, sql] : cases) {
-        for (const int freeAt : {49, 50}) {  // the first is in time
+    for (auto const& [step, success, sql] : cases) {
+        for (int const freeAt : {49, 50}) {  // the first is in time
             platform::state = {};
             sqlite3_stmt* stmt = prepared(sql.c_str());
             DatabaseLock lock(file());

@@ -49,12 +49,12 @@ Answer asked(Found found, Call call) {
 }
 
 Answer edited(std::vector<std::string> arguments) {
-    return asked(Nothing(),
-                 [&](Nothing) { return dbaccess::onServiceListEdit(std::move(arguments)); });
+    return asked(
+        Nothing(), [&](Nothing) { return dbaccess::onServiceListEdit(std::move(arguments)); });
 }
 
 // What the set's components do with the helpers.
-int stepOnce(const char* sql, int (*step)(sqlite3_stmt**, const char*), int success) {
+int stepOnce(char const* sql, int (*step)(sqlite3_stmt**, char const*), int success) {
     sqlite3_stmt* statement = nullptr;
     int code = sqlprepare(db, sql, -1, &statement, nullptr);
     if (code == SQLITE_OK)

@@ -22,7 +22,7 @@ enum class Writes {
 };
 
 struct EntryPoint {
-    const char* name;
+    char const* name;
     Writes writes;
     bool opens;           // on demand; otherwise `db` has to be open
     bool maySayLess;      // a failure may show as nothing but an answer cut short

@@ -90,7 +90,7 @@ Operations const* struck(sqlite3_io_methods const* operations) {
     return &entry->second;
 }
 
-int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
+int openFile(sqlite3_vfs*, char const* name, sqlite3_file* file, int flags, int* outFlags) {
     file->pMethods = nullptr;
     if (errorStrikes())
         return SQLITE_CANTOPEN;
@@ -100,16 +100,16 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
     return code;
 }
 
-int deleteFile(sqlite3_vfs*, const char* name, int) {
+int deleteFile(sqlite3_vfs*, char const* name, int) {
     killIfStruck();
     return errorStrikes() ? SQLITE_IOERR_DELETE : real->xDelete(real, name, 0);
 }
 
-int accessFile(sqlite3_vfs*, const char* name, int flags, int* result) {
+int accessFile(sqlite3_vfs*, char const* name, int flags, int* result) {
     return errorStrikes() ? SQLITE_IOERR_ACCESS : real->xAccess(real, name, flags, result);
 }
 
-int fullPath(sqlite3_vfs*, const char* name, int size, char* path) {
+int fullPath(sqlite3_vfs*, char const* name, int size, char* path) {
     if (errorStrikes())
         return SQLITE_CANTOPEN_FULLPATH;
     bool const isChannelDatabase = std::strcmp(name, "/var/tvservice/servicelist.db") == 0;

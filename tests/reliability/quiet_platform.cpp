@@ -13,9 +13,9 @@
 namespace {
 
 // The SQLite code in a message of the library, 0 without one.
-int codeIn(const char* text) {
-    for (const char* label : {"error:", "error res:", "failed:", "failed,res:", "ERROR res:"})
-        if (const char* const at = std::strstr(text, label))
+int codeIn(char const* text) {
+    for (char const* label : {"error:", "error res:", "failed:", "failed,res:", "ERROR res:"})
+        if (char const* const at = std::strstr(text, label))
             return std::atoi(at + std::strlen(label));
     return 0;
 }
@@ -24,7 +24,7 @@ int codeIn(const char* text) {
 
 extern "C" int orvDebugCheckLevelGetFrameAndChunk(unsigned int*) { return 1; }
 
-extern "C" void orvDebugOutput0(unsigned int* descriptor, const char* format, ...) {
+extern "C" void orvDebugOutput0(unsigned int* descriptor, char const* format, ...) {
     char text[4096];
     va_list arguments;
     va_start(arguments, format);
@@ -45,4 +45,4 @@ extern "C" int usleep(useconds_t microseconds) {
     return platform::sleepsTakeTime ? nanosleep(&time, nullptr) : 0;
 }
 
-extern "C" int system(const char*) { return 0; }
+extern "C" int system(char const*) { return 0; }

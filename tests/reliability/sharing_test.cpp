@@ -111,7 +111,7 @@ class Client {
             ownFirst_ = first;
     }
 
-    void editFavList(const char* list) {
+    void editFavList(char const* list) {
         unsigned const first = nextFirst();
         if (edits(edit(list, servicesFor(first), first)) && list == kFav1)
             ++tally_.doneOnFav1;
@@ -122,19 +122,17 @@ class Client {
     // Nobody else edits this list, so the last edit that was reported as done must be there.
     void readOwnList() {
         ResultSet const rows = services(ownList());
-        if (!rows.empty()) {
+        if (!rows.empty())
             EXPECT_EQ(seen(rows), listing(allServices(), ownFirst_)) << "an edit was lost";
-        }
     }
 
-    void readFavList(const char* list) {
+    void readFavList(char const* list) {
         ResultSet const rows = services(list);
         if (rows.empty())
             return;
         unsigned const first = channelOf(*rows.front());
-        if (first >= 100) {
+        if (first >= 100)
             EXPECT_EQ(seen(rows), listing(servicesFor(first), first)) << "half of an edit";
-        }
         EXPECT_EQ(channelOf(*rows.back()), first + rows.size() - 1) << "half renumbered";
     }
 

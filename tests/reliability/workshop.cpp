@@ -105,7 +105,7 @@ bool Workshop::isUntouched() const {
     return !std::filesystem::exists(file_ + "-journal") && bytesOf(file_) == made_;
 }
 
-std::string Workshop::rows(const char* sql) const {
+std::string Workshop::rows(char const* sql) const {
     sqlite3* opened = nullptr;
     int const code = sqlite3_open_v2(file_.c_str(), &opened, SQLITE_OPEN_READWRITE, "unix");
     std::unique_ptr<sqlite3, decltype(&sqlite3_close)> const connection(opened, sqlite3_close);

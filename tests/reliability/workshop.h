@@ -28,7 +28,7 @@ class Workshop {
     void renew();
     Contents contents() const;
     /// The rows of queries, "a|b|" each in a line.
-    std::string rows(const char* sql) const;
+    std::string rows(char const* sql) const;
     /// True while the database file is, byte by byte, as it was made.
     bool isUntouched() const;
 

@@ -18,7 +18,7 @@ unsigned int enabledWord = 0;
 
 constexpr char kPrefix[] = "%s:%d:%s(): ";
 
-Message takenApart(unsigned int word, const char* format, va_list arguments) {
+Message takenApart(unsigned int word, char const* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     char* text = nullptr;
@@ -28,9 +28,9 @@ Message takenApart(unsigned int word, const char* format, va_list arguments) {
     std::free(text);
     Message message{word >> 16, word & 0xffff, format, "MALFORMED " + whole, "", "", 0};
     if (message.format.rfind(kPrefix, 0) == 0 && whole.back() == '\n' && enabledWord == word) {
-        message.file = va_arg(arguments, const char*);
+        message.file = va_arg(arguments, char const*);
         message.line = va_arg(arguments, int);
-        message.function = va_arg(arguments, const char*);
+        message.function = va_arg(arguments, char const*);
         auto const begin = whole.find("(): ") + 4;
         message.text = whole.substr(begin, whole.size() - begin - 1);
     }
@@ -46,18 +46,16 @@ using platform::state;
 extern "C" int usleep(useconds_t microseconds) {
     Dl_info caller{};
     if (dladdr(__builtin_return_address(0), &caller) != 0 && caller.dli_fname != nullptr &&
-        std::strstr(caller.dli_fname, "libsqlite3") != nullptr) {
+        std::strstr(caller.dli_fname, "libsqlite3") != nullptr)
         return 0;  // SQLite's own busy timeout
-    }
     state.sleptMicroseconds += microseconds;
     ++state.sleepCount;
-    if (state.onSleep) {
+    if (state.onSleep)
         state.onSleep(state.sleepCount);
-    }
     return 0;
 }
 
-extern "C" int system(const char* command) {
+extern "C" int system(char const* command) {
     ++state.commandCount;
     return state.onCommand ? state.onCommand(command) : 0;
 }
@@ -70,7 +68,7 @@ extern "C" int orvDebugCheckLevelGetFrameAndChunk(unsigned int* descriptor) {
     return isEnabled ? 1 : 0;
 }
 
-extern "C" void orvDebugOutput0(unsigned int* descriptor, const char* format, ...) {
+extern "C" void orvDebugOutput0(unsigned int* descriptor, char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     state.messages.push_back(platform::takenApart(descriptor[0], format, arguments));
@@ -78,7 +76,7 @@ extern "C" void orvDebugOutput0(unsigned int* descriptor, const char* format, ..
     platform::enabledWord = 0;
 }
 
-extern "C" int sqlite3_open(const char* path, sqlite3** connection) {
+extern "C" int sqlite3_open(char const* path, sqlite3** connection) {
     static auto const realOpen =
         reinterpret_cast<decltype(&sqlite3_open)>(dlsym(RTLD_NEXT, "sqlite3_open"));
     state.openedPaths.emplace_back(path);

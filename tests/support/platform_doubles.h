@@ -33,7 +33,7 @@ struct State {
 
     /// Commands are not run; the hook gives the result, 0 without one.
     int commandCount = 0;
-    std::function<int(const std::string&)> onCommand;
+    std::function<int(std::string const&)> onCommand;
 
     std::vector<Message> messages;
     int checkCount = 0;  // how often the library asked whether a level is enabled

@@ -8,14 +8,14 @@
 namespace {
 
 // A statement that somebody forgot to finalize keeps its connection from closing.
-void closeForGood(sqlite3*& connection, const char* name) {
+void closeForGood(sqlite3*& connection, char const* name) {
     EXPECT_EQ(sqlite3_close(connection), SQLITE_OK) << name << " holds an open statement";
     connection = nullptr;
 }
 
 }  // namespace
 
-DatabaseLock::DatabaseLock(const std::string& file, const char* begin) {
+DatabaseLock::DatabaseLock(std::string const& file, char const* begin) {
     sqlite3_open_v2(file.c_str(), &connection_, SQLITE_OPEN_READWRITE, nullptr);
     if (sqlite3_exec(connection_, begin, nullptr, nullptr, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(connection_));
@@ -56,35 +56,35 @@ void TestDatabase::TearDown() {
         std::filesystem::remove_all(directory_);
 }
 
-std::string TestDatabase::rows(const std::string& sql) {
+std::string TestDatabase::rows(std::string const& sql) {
     ResultSet all;
-    for (const auto& row : database_->rows(sql))
+    for (auto const& row : database_->rows(sql))
         all.push_back(boost::shared_ptr<ResultRow>(new ResultRow(row)));
     return joined(all);
 }
 
-std::string TestDatabase::joined(const ResultRow& row, const char* separator) {
+std::string TestDatabase::joined(ResultRow const& row, char const* separator) {
     std::string text;
-    for (const std::string& cell : row)
+    for (std::string const& cell : row)
         text += (&cell == &row.front() ? "" : separator) + cell;
     return text;
 }
 
-std::string TestDatabase::joined(const ResultSet& answer) {
+std::string TestDatabase::joined(ResultSet const& answer) {
     ResultRow lines;
-    for (const auto& row : answer)
+    for (auto const& row : answer)
         lines.push_back(joined(*row));
     return joined(lines, ";");
 }
 
-std::string TestDatabase::column(const ResultSet& answer, std::size_t column) {
+std::string TestDatabase::column(ResultSet const& answer, std::size_t column) {
     ResultRow cells;
-    for (const auto& row : answer)
+    for (auto const& row : answer)
         cells.push_back(row->at(column));
     return joined(cells, ";");
 }
 
-std::vector<std::string> TestDatabase::repeated(int count, const std::vector<std::string>& some) {
+std::vector<std::string> TestDatabase::repeated(int count, std::vector<std::string> const& some) {
     std::vector<std::string> all;
     while (--count >= 0)
         all.insert(all.end(), some.begin(), some.end());
@@ -98,13 +98,13 @@ void TestDatabase::closeLibrary() {
 
 std::vector<std::string> TestDatabase::texts(unsigned int level) {
     std::vector<std::string> all;
-    for (const auto& message : platform::state.messages)
+    for (auto const& message : platform::state.messages)
         if (message.level == level)
             all.push_back(message.text);
     return all;
 }
 
 int TestDatabase::opens() {
-    const auto& paths = platform::state.openedPaths;
+    auto const& paths = platform::state.openedPaths;
     return static_cast<int>(std::count(paths.begin(), paths.end(), platform::kChannelDatabasePath));
 }

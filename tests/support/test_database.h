@@ -22,10 +22,10 @@ class DatabaseLock {
     static constexpr char kWriter[] = "BEGIN IMMEDIATE";     // nobody else writes
     static constexpr char kReader[] = "BEGIN; SELECT * FROM FavoriteList";  // nobody else commits
 
-    explicit DatabaseLock(const std::string& file, const char* begin = kExclusive);
+    explicit DatabaseLock(std::string const& file, char const* begin = kExclusive);
     ~DatabaseLock() { release(); }
-    DatabaseLock(const DatabaseLock&) = delete;
-    DatabaseLock& operator=(const DatabaseLock&) = delete;
+    DatabaseLock(DatabaseLock const&) = delete;
+    DatabaseLock& operator=(DatabaseLock const&) = delete;
     void release();
 
   private:
@@ -42,23 +42,23 @@ class TestDatabase : public testing::Test {
     void TearDown() override;
 
     /// The rows of a query on the builder's connection, "a|b;c|d", NULL as "NULL".
-    std::string rows(const std::string& sql);
+    std::string rows(std::string const& sql);
     /// The cells of an answer of the library, "a|b;c|d".
-    static std::string joined(const ResultSet& answer);
-    static std::string joined(const ResultRow& row, const char* separator = "|");
+    static std::string joined(ResultSet const& answer);
+    static std::string joined(ResultRow const& row, char const* separator = "|");
     /// Column `column` of every row of an answer, "a;b".
-    static std::string column(const ResultSet& answer, std::size_t column);
+    static std::string column(ResultSet const& answer, std::size_t column);
     /// Texts of the messages of one level so far.
     static std::vector<std::string> texts(unsigned int level = 1000);
     /// `some` texts, `count` times.
-    static std::vector<std::string> repeated(int count, const std::vector<std::string>& some);
+    static std::vector<std::string> repeated(int count, std::vector<std::string> const& some);
     /// Closes the library's connection, and forgets the messages.
     static void closeLibrary();
     /// Number of times that the library opened the fixed path.
     static int opens();
 
-    const std::string& file() const { return file_; }
-    const std::string& directory() const { return directory_; }
+    std::string const& file() const { return file_; }
+    std::string const& directory() const { return directory_; }
     /// The builder's connection to the database.
     channel_database::ChannelDatabase& database() { return *database_; }
 

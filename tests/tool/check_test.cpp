@@ -7,9 +7,9 @@ namespace {
 
 TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
     const struct {
-        const char* sql;
-        const char* row;
-        const char* viewer;
+        char const* sql;
+        char const* row;
+        char const* viewer;
     } cases[] = {
         {"DROP TABLE Lcn", "Lcn: the table does not exist", "requests that read it give nothing"},
         {"ALTER TABLE Service DROP COLUMN bissKey", "Service: column bissKey does not exist", ""},
@@ -63,10 +63,10 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
         {"UPDATE Service SET Type = 12 WHERE Pid = 2", "Service 2: Type 12 is no kind of delivery",
          "cannot be tuned"},
     };
-    const std::string before = content("set.db");
-    for (const auto& c : cases) {
+    std::string const before = content("set.db");
+    for (auto const& c : cases) {
         change(c.sql);
-        const std::string broken = content("set.db");
+        std::string const broken = content("set.db");
         output("check", 1);
         EXPECT_THAT(out, HasSubstr(c.row)) << c.sql;
         EXPECT_THAT(out, HasSubstr(c.viewer)) << c.sql;
@@ -77,7 +77,7 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
 
 TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
     expect({"check --json", 0, "[]\n", nullptr});
-    const char* const harmless[] = {
+    char const* const harmless[] = {
         "UPDATE Service SET MediaType = NULL, Selectable = NULL, SoundSelection = '' WHERE Pid = 7",
         "UPDATE FavoriteItem SET ChannelNum = 1, isDeleted = 1 WHERE Id = 8",
         "ALTER TABLE DvbSTuner ADD COLUMN Frontend; ALTER TABLE Tuner RENAME COLUMN Frontend TO F;"
@@ -86,7 +86,7 @@ TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
         " ALTER TABLE DvbT2Tuner ADD COLUMN Frontend; ALTER TABLE DvbC2Tuner ADD COLUMN Frontend;"
         " ALTER TABLE DvbCTuner ADD COLUMN Frontend DEFAULT 3",
     };
-    for (const char* sql : harmless) {
+    for (char const* sql : harmless) {
         change(sql);
         expect({"check", 0, "No findings.\n", nullptr});
     }

@@ -8,8 +8,8 @@ namespace {
 // FAV1 is "1 1;2 2;3 3;5 5" (number and service id) before each edit.
 TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
     const struct {
-        const char* operations;
-        const char* fav1;
+        char const* operations;
+        char const* fav1;
     } cases[] = {
         {"add テレビ東京", "1 1;2 2;3 3;5 5;6 4"},
         {"add id:4 at 4", "1 1;2 2;3 3;4 4;5 5"},
@@ -26,11 +26,11 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
         {"remove 1 remove 2 remove 3 remove 5", ""},
         {"--renumber", "1 1;2 2;3 3;4 5"},
     };
-    const std::string before = content("set.db");
-    for (const auto& c : cases) {
+    std::string const before = content("set.db");
+    for (auto const& c : cases) {
         output("edit FAV1 --dry-run " + std::string(c.operations));
         EXPECT_EQ(content("set.db"), before) << "a dry run writes nothing";
-        const std::string table = out.substr(0, out.find("Dry run"));
+        std::string const table = out.substr(0, out.find("Dry run"));
         synced();
         output("edit FAV1 " + std::string(c.operations));
         EXPECT_EQ(out.substr(0, out.find("Written")), table) << c.operations;
@@ -79,7 +79,7 @@ TEST_F(ToolTest, KeepsTheNumbersOfOttChannelsFree) {
 }
 
 TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
-    const Invocation runs[] = {
+    Invocation const runs[] = {
         {"edit FAV1", 2, nullptr, "edit needs an operation or --renumber"},
         {"edit FAV1 frobnicate 1", 2, nullptr, "'frobnicate' is none of add, remove"},
         {"edit FAV1 remove", 2, nullptr, "remove needs a service"},
@@ -93,16 +93,15 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV2 add VOX", 1, nullptr, "number 1), hidden: restore it"},
         {"edit FAV3 add 'ZDF HD'", 1, nullptr, "id:2 (ZDF HD, number 2), id:6 (ZDF HD, number 6)"},
     };
-    const std::string before = content("set.db");
-    for (const Invocation& each : runs) {
+    std::string const before = content("set.db");
+    for (Invocation const& each : runs)
         expect(each);
-    }
     EXPECT_EQ(content("set.db"), before);
     EXPECT_FALSE(synced());
 }
 
 TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
-    const char* const cases[][2] = {
+    char const* const cases[][2] = {
         {"DELETE FROM FavoriteList WHERE Pid = 14",
          "it needs exactly four FAV lists, and the database has 3"},
         {"UPDATE Service SET Hdtv = 'x' WHERE Pid = 5",
@@ -113,10 +112,10 @@ TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
          " END",
          "failed and was rolled back: nothing is written but"},
     };
-    const std::string before = content("set.db");
-    for (const auto& [sql, reason] : cases) {
+    std::string const before = content("set.db");
+    for (auto const& [sql, reason] : cases) {
         change(sql);
-        const std::string items = rows("SELECT * FROM FavoriteItem");
+        std::string const items = rows("SELECT * FROM FavoriteItem");
         output("edit FAV1 hide 1", 1);
         EXPECT_THAT(err, HasSubstr(reason)) << sql;
         EXPECT_EQ(rows("SELECT * FROM FavoriteItem"), items) << sql;

@@ -68,7 +68,7 @@ TEST_F(ToolTest, FindsFavouritesAgainInANewScan) {
           ":FAV3\n"
           "Jazz:394:M256:C:6900:0:0:0:0:10:3:8:0\n");
     ott({2});
-    const std::string before = content("set.db");
+    std::string const before = content("set.db");
     expect({"import --favourites favourites --dry-run", 0, "FAV1  added                3  ZDF HD",
             "FAV1: the database has no service for Gone (line 3)"});
     EXPECT_EQ(content("set.db"), before);

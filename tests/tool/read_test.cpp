@@ -41,8 +41,8 @@ TEST_F(ToolTest, PrintsJsonAndRawRows) {
         out.substr(0, out.find('\n')),
         "1\tDas Erste\t4\t270664256\t4\t10301\tservice-1\t1019\t1\t1\t1\t1\t101\t1\t27500\t1");
     const struct {
-        const char* arguments;
-        std::vector<const char*> parts;
+        char const* arguments;
+        std::vector<char const*> parts;
     } cases[] = {
         {"folders --json", {"\"name\": \"Mine\"", "\"fav\": \"FAV1\"", "\"updateTag\": 65535"}},
         {"folders --raw",
@@ -56,16 +56,15 @@ TEST_F(ToolTest, PrintsJsonAndRawRows) {
         {"anchor --json", {"\"uuid\": \"service-1\""}},
         {"scramble --json", {"\"scrambled\": true"}},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases) {
         output(c.arguments);
-        for (const char* part : c.parts) {
+        for (char const* part : c.parts)
             EXPECT_THAT(out, HasSubstr(part)) << c.arguments;
-        }
     }
 }
 
 TEST_F(ToolTest, AnswersTheLookups) {
-    const Invocation runs[] = {
+    Invocation const runs[] = {
         {"attributes Astra", 0,
          "Astra         544  0x220  5 9     0x2200040          50  media type,", nullptr},
         {"anchor", 0, "service-1\n", ""},
@@ -77,21 +76,18 @@ TEST_F(ToolTest, AnswersTheLookups) {
         {"driver", 0, "argc=1\nend\n", nullptr},
         {"services --trace 0xda:1 FAV1", 0, "Jazz", "get_dbservices(): called,favoriteUuId:u-fav1"},
     };
-    for (const Invocation& each : runs) {
+    for (Invocation const& each : runs)
         expect(each);
-    }
     change("DELETE FROM FavoriteItem WHERE FavoriteId = 21");
     expect({"anchor", 1, nullptr, "no list of Astra 19.2E holds an anchor service"});
     expect({"scramble", 1, nullptr, "no list of Astra 19.2E holds an anchor service"});
 }
 
 TEST_F(ToolTest, NamesAListInEveryWayThatIsUnique) {
-    for (const char* name : {"u-fav1", "FAV1", "Mine"}) {
+    for (char const* name : {"u-fav1", "FAV1", "Mine"})
         expect({(std::string("services ") + name).c_str(), 0, "Jazz", nullptr});
-    }
-    for (const char* name : {"u-all", "'$all'", "all"}) {
+    for (char const* name : {"u-all", "'$all'", "all"})
         expect({(std::string("services ") + name).c_str(), 0, "テレビ東京", nullptr});
-    }
     expect({"services av", 0, "1       HDMI 1  HDMI", nullptr});
     change(
         "UPDATE FavoriteList SET Name = 'all' WHERE Pid = 12;"
@@ -107,23 +103,23 @@ TEST_F(ToolTest, NamesAListInEveryWayThatIsUnique) {
 // Whatever a column holds, a command ends with an exit code of its own, and what keeps a list from
 // being read is a finding of the check.
 TEST_F(ToolTest, SurvivesAnythingInAnyColumn) {
-    const std::string before = content("set.db");
-    const char* const columns =
+    std::string const before = content("set.db");
+    char const* const columns =
         "SELECT m.name || '.' || c.name FROM sqlite_master m, pragma_table_info(m.name) c"
         " WHERE m.type = 'table' AND c.pk = 0";
     std::istringstream names(rows(columns));
     for (std::string name; std::getline(names, name, ';');) {
-        const auto dot = name.find('.');
-        for (const char* value : {"NULL", "'x'"}) {
+        auto const dot = name.find('.');
+        for (char const* value : {"NULL", "'x'"}) {
             write("set.db", before);
             change("UPDATE " + name.substr(0, dot) + " SET " + name.substr(dot + 1) + " = " +
                    value);
             SCOPED_TRACE(name + " = " + value);
-            const int check = run("check --db set.db");
+            int const check = run("check --db set.db");
             EXPECT_THAT(check, testing::AnyOf(0, 1)) << err;
-            for (const char* command :
+            for (char const* command :
                  {"folders", "services u-all", "edit u-fav1 move id:5 to 1 --dry-run"}) {
-                const int code = run(std::string(command) + " --db set.db");
+                int const code = run(std::string(command) + " --db set.db");
                 EXPECT_THAT(code, testing::AnyOf(0, 1)) << command << err;
                 EXPECT_LE(code, check) << command << " fails, but check finds nothing: " << err;
             }

@@ -5,15 +5,15 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr const char* kCommands[] = {"folders", "services", "attributes", "edit",
+constexpr char const* kCommands[] = {"folders", "services", "attributes", "edit",
                                      "anchor",  "scramble", "biss",       "ott",
                                      "check",   "driver",   "import",     "export"};
 
 TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
-    const std::string manual = content(TOOL_SOURCE "/channellist.1");
+    std::string const manual = content(TOOL_SOURCE "/channellist.1");
     EXPECT_EQ(run("--help"), 0);
-    const std::string help = out;
-    for (const std::string command : kCommands) {
+    std::string const help = out;
+    for (std::string const command : kCommands) {
         EXPECT_EQ(run(command + " --help"), 0);
         EXPECT_THAT(out, HasSubstr("Examples:\n  channellist " + command)) << command;
         EXPECT_THAT(help, HasSubstr("\n  " + command + " ")) << command;
@@ -28,7 +28,7 @@ TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
 }
 
 TEST_F(ToolTest, RefusesWrongUsage) {
-    const Invocation runs[] = {
+    Invocation const runs[] = {
         {"", 2, nullptr, "A subcommand is required"},
         {"frobnicate", 2, nullptr, "required"},
         {"services", 2, nullptr, "LIST is required"},
@@ -38,9 +38,8 @@ TEST_F(ToolTest, RefusesWrongUsage) {
         {"import list", 2, nullptr, "import needs the name of the database to make"},
         {"import list --list FAV1", 2, nullptr, "--list requires --favourites"},
     };
-    for (const Invocation& each : runs) {
+    for (Invocation const& each : runs)
         expect(each);
-    }
 }
 
 TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
@@ -52,8 +51,8 @@ TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
     sqlite3_exec(foreign, "CREATE TABLE Other (Id)", nullptr, nullptr, nullptr);
     sqlite3_close(foreign);
     const struct {
-        const char* file;
-        const char* sentence;
+        char const* file;
+        char const* sentence;
     } cases[] = {
         {"missing.db", "there is no database missing.db"},
         {"empty.db", "empty.db is empty: it holds no channel database"},
@@ -62,9 +61,9 @@ TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
         {"foreign.db", "but no channel database: it has none of the tables Service"},
         {"set.db/set.db", "cannot open set.db/set.db: Not a directory"},
     };
-    for (const auto& c : cases) {
-        const std::string before = content(c.file);
-        for (const char* command :
+    for (auto const& c : cases) {
+        std::string const before = content(c.file);
+        for (char const* command :
              {"folders", "driver", "check", "export FAV1", "edit FAV1 hide 1"}) {
             EXPECT_EQ(run(std::string(command) + " --db " + c.file), 1) << command << c.file;
             EXPECT_EQ(out, "");

@@ -12,18 +12,18 @@ namespace fs = std::filesystem;
 namespace {
 
 void fill(ChannelDatabase& d) {
-    const auto all = d.list("tamun.sl2.servicelist$all", 1).name("$all").uuid("u-all");
-    const auto av = d.list("tamun.sl2.servicelist$av", 2).name("$av").uuid("u-av");
-    const auto fav1 = d.list("User.tvFAV1", 11).name("Mine").uuid("u-fav1");
-    const auto fav2 = d.list("User.tvFAV2", 12).name("FAV2").uuid("u-fav2");
+    auto const all = d.list("tamun.sl2.servicelist$all", 1).name("$all").uuid("u-all");
+    auto const av = d.list("tamun.sl2.servicelist$av", 2).name("$av").uuid("u-av");
+    auto const fav1 = d.list("User.tvFAV1", 11).name("Mine").uuid("u-fav1");
+    auto const fav2 = d.list("User.tvFAV2", 12).name("FAV2").uuid("u-fav2");
     d.list("User.tvFAV3", 13).name("FAV3").uuid("u-fav3");
     d.list("User.tvFAV4", 14).name("FAV4").uuid("u-fav4").updateTag(65535);
-    const auto astra = d.list("servicelist://tamun.Astra 19.2°E", 21)
+    auto const astra = d.list("servicelist://tamun.Astra 19.2°E", 21)
                            .name("Astra")
                            .uuid("u-astra")
                            .attributes(544);
 
-    const Service services[] = {
+    Service const services[] = {
         d.dvbs("Das Erste", 1).triplet(1, 1019, 10301).frequency(12604000).nitId(1),
         d.dvbs2("ZDF HD", 2).triplet(1, 1011, 11110).hdtv(),
         d.dvbs("VOX", 3).triplet(1, 1089, 12060).encrypted().bissKey("12AB"),
@@ -32,10 +32,9 @@ void fill(ChannelDatabase& d) {
         d.dvbc("ZDF HD", 6).triplet(4, 8, 11110),
     };
     Id number = 0;
-    for (const Service& service : services) {
+    for (Service const& service : services)
         d.put(all, service, ++number);
-    }
-    for (const Id pid : {1, 2, 3, 5}) {
+    for (Id const pid : {1, 2, 3, 5}) {
         d.put(fav1, pid, pid);
         d.run("UPDATE Service SET FavTag = 1 WHERE Pid = ?", {pid});
     }
@@ -60,51 +59,49 @@ ToolTest::ToolTest() {
     fs::permissions(folder / "bin/sync", fs::perms::owner_all);
 }
 
-int ToolTest::run(const std::string& arguments, const std::string& settings) {
+int ToolTest::run(std::string const& arguments, std::string const& settings) {
     // A sanitizer's report must not look like a failure of the tool's own.
-    const std::string command = "cd '" + folder.string() +
+    std::string const command = "cd '" + folder.string() +
                                 "' && PATH=$PWD/bin:$PATH HOME=$PWD ASAN_OPTIONS=exitcode=99"
                                 " UBSAN_OPTIONS=exitcode=99 " +
                                 settings + " " TOOL " " + arguments + " >out 2>err </dev/null";
-    const int status = std::system(command.c_str());
+    int const status = std::system(command.c_str());
     out = content("out");
     err = content("err");
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-std::string ToolTest::output(const std::string& arguments, int code) {
+std::string ToolTest::output(std::string const& arguments, int code) {
     EXPECT_EQ(run("--db set.db " + arguments), code) << arguments << "\n" << out << err;
     return out;
 }
 
-void ToolTest::expect(const Invocation& expected) {
+void ToolTest::expect(Invocation const& expected) {
     output(expected.arguments, expected.code);
-    const auto check = [&](const char* part, const std::string& text) {
-        if (part == nullptr) {
+    auto const check = [&](char const* part, std::string const& text) {
+        if (part == nullptr)
             EXPECT_EQ(text, "") << expected.arguments;
-        } else {
+        else
             EXPECT_THAT(text, testing::HasSubstr(part)) << expected.arguments;
-        }
     };
     check(expected.out, out);
     check(expected.err, err);
 }
 
-void ToolTest::change(const std::string& sql) {
+void ToolTest::change(std::string const& sql) {
     ChannelDatabase database((folder / "set.db").string(), Indexes::PrimaryKeysOnly);
     sqlite3_exec(database.connection(), sql.c_str(), nullptr, nullptr, nullptr);
     ASSERT_EQ(sqlite3_errcode(database.connection()), SQLITE_OK)
         << sql << ": " << sqlite3_errmsg(database.connection());
 }
 
-std::string ToolTest::rows(const std::string& sql, const std::string& file) {
+std::string ToolTest::rows(std::string const& sql, std::string const& file) {
     ChannelDatabase database((folder / file).string(), Indexes::PrimaryKeysOnly);
     std::string text;
-    for (const auto& row : database.rows(sql)) {
+    for (auto const& row : database.rows(sql)) {
         text += text.empty() ? "" : ";";
-        for (const std::string& value : row) {
+        for (std::string const& value : row)
             text += (&value == row.data() ? "" : "|") + value;
-        }
     }
     return text;
 }
@@ -116,19 +113,18 @@ std::string ToolTest::fav(int index) {
         std::to_string(10 + index) + " ORDER BY ChannelNum, Id");
 }
 
-void ToolTest::write(const std::string& file, const std::string& text) {
+void ToolTest::write(std::string const& file, std::string const& text) {
     std::ofstream(folder / file) << text;
 }
 
 void ToolTest::ott(std::initializer_list<Id> positions) {
     ChannelDatabase database((folder / "zentova_DB_V1.3.db").string());
     database.run("CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex INTEGER)");
-    for (const Id position : positions) {
+    for (Id const position : positions)
         database.run("INSERT INTO SQL_OTTFavChannels VALUES ('FAV1', ?)", {position});
-    }
 }
 
-std::string ToolTest::content(const std::string& file) {
+std::string ToolTest::content(std::string const& file) {
     std::ostringstream text;
     text << std::ifstream(folder / file).rdbuf();
     return text.str();

@@ -11,10 +11,10 @@
 
 // One run of a table.
 struct Invocation {
-    const char* arguments;
+    char const* arguments;
     int code;
-    const char* out;  // part of what it writes; null when it must write nothing
-    const char* err;
+    char const* out;  // part of what it writes; null when it must write nothing
+    char const* err;
 };
 
 class ToolTest : public testing::Test {
@@ -30,22 +30,22 @@ class ToolTest : public testing::Test {
 
     // Runs "channellist ARGUMENTS" in the folder, with `settings` in front ("HOME=x --"); gives
     // the exit code. `out` and `err` become what it wrote.
-    int run(const std::string& arguments, const std::string& settings = "");
+    int run(std::string const& arguments, std::string const& settings = "");
     // As run, with "--db set.db"; fails the test when the exit code is another.
-    std::string output(const std::string& arguments, int code = 0);
+    std::string output(std::string const& arguments, int code = 0);
 
     // As output, held against the expectation.
-    void expect(const Invocation& expected);
+    void expect(Invocation const& expected);
 
     // Runs SQL on the database.
-    void change(const std::string& sql);
+    void change(std::string const& sql);
     // Rows of the database, "a|b;c|d".
-    std::string rows(const std::string& sql, const std::string& file = "set.db");
+    std::string rows(std::string const& sql, std::string const& file = "set.db");
     std::string fav(int index);  // "number service deleted;..." of the list
-    void write(const std::string& file, const std::string& text);
+    void write(std::string const& file, std::string const& text);
     // Makes an OTT database that holds these positions of FAV1.
     void ott(std::initializer_list<channel_database::Id> positions);
-    std::string content(const std::string& file);
+    std::string content(std::string const& file);
     bool synced();  // whether "sync" ran
 
     std::filesystem::path folder;

@@ -15,7 +15,7 @@ enum ExitCode {
 // Ends the command with one sentence on standard error.
 class Failure : public std::runtime_error {
   public:
-    explicit Failure(const std::string& sentence, ExitCode code = kFailure)
+    explicit Failure(std::string const& sentence, ExitCode code = kFailure)
         : std::runtime_error(sentence), code_(code) {}
     ExitCode code() const { return code_; }
 

@@ -9,13 +9,12 @@ namespace {
 int runTool(int argc, char** argv) {
     using namespace tool;
     CommandLine line;
-    for (const auto add :
+    for (auto const add :
          {addFoldersCommand, addServicesCommand, addAttributesCommand, addEditCommand,
           addAnchorCommand, addScrambleCommand, addBissCommand, addOttCommand, addCheckCommand,
-          addDriverCommand, addImportCommand, addExportCommand}) {
+          addDriverCommand, addImportCommand, addExportCommand})
         add(line);
-    }
-    const std::optional<int> done = line.parse(argc, argv);
+    std::optional<int> const done = line.parse(argc, argv);
     return done ? *done : line.run();
 }
 
@@ -25,11 +24,11 @@ int main(int argc, char** argv) {
     int code;
     try {
         code = runTool(argc, argv);
-    } catch (const tool::Failure& failure) {
+    } catch (tool::Failure const& failure) {
         std::cout.flush();
         std::cerr << "channellist: " << failure.what() << "\n";
         code = failure.code();
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         std::cout.flush();
         std::cerr << "channellist: " << error.what() << "\n";
         code = tool::kFailure;

@@ -45,8 +45,8 @@ class ChannelDatabase;
 
 /// A row: `table`'s row whose `key` column is `id`.
 struct RowName {
-    const char* table = nullptr;
-    const char* key = nullptr;
+    char const* table = nullptr;
+    char const* key = nullptr;
     Id id = 0;
 };
 /// The rows of one record, the first names it; a service has up to four (with its tuner's).
@@ -56,13 +56,13 @@ using RowNames = std::array<RowName, 4>;
 template <class Self>
 class Record {
   public:
-    Record(ChannelDatabase& database, const RowNames& rows) : database_(&database), rows_(rows) {}
+    Record(ChannelDatabase& database, RowNames const& rows) : database_(&database), rows_(rows) {}
 
     /// Sets the column of that name in whichever of the record's tables has it; "Table.Column"
     /// names the table too. Column names are spelled as the schema spells them.
-    Self& set(const std::string& column, const Value& value);
+    Self& set(std::string const& column, Value const& value);
     /// Deletes the record's row of that table, for example a service's "Tuner".
-    Self& without(const std::string& table);
+    Self& without(std::string const& table);
 
     Id id() const { return rows_[0].id; }
     operator Id() const { return id(); }
@@ -76,46 +76,46 @@ class Record {
 class List : public Record<List> {
   public:
     using Record::Record;
-    List& uuid(const Value& v) { return set("Uuid", v); }
-    List& name(const Value& v) { return set("Name", v); }
-    List& attributes(const Value& v) { return set("Attributes", v); }
-    List& networkId(const Value& v) { return set("NetworkId", v); }
-    List& batId(const Value& v) { return set("BATId", v); }
-    List& updateTag(const Value& v) { return set("UpdateTag", v); }
-    List& maxChannelNumber(const Value& v) { return set("MaxChannelNumber", v); }
+    List& uuid(Value const& v) { return set("Uuid", v); }
+    List& name(Value const& v) { return set("Name", v); }
+    List& attributes(Value const& v) { return set("Attributes", v); }
+    List& networkId(Value const& v) { return set("NetworkId", v); }
+    List& batId(Value const& v) { return set("BATId", v); }
+    List& updateTag(Value const& v) { return set("UpdateTag", v); }
+    List& maxChannelNumber(Value const& v) { return set("MaxChannelNumber", v); }
 };
 
 /// A service with its delivery and tuner rows.
 class Service : public Record<Service> {
   public:
     using Record::Record;
-    Service& uuid(const Value& v) { return set("Uuid", v); }
-    Service& name(const Value& v) { return set("Name", v); }
-    Service& shortName(const Value& v) { return set("ShortName", v); }
-    Service& serviceName(const Value& v) { return set("ServiceName", v); }
-    Service& uri(const Value& v) { return set("Uri", v); }
-    Service& bissKey(const Value& v) { return set("bissKey", v); }
+    Service& uuid(Value const& v) { return set("Uuid", v); }
+    Service& name(Value const& v) { return set("Name", v); }
+    Service& shortName(Value const& v) { return set("ShortName", v); }
+    Service& serviceName(Value const& v) { return set("ServiceName", v); }
+    Service& uri(Value const& v) { return set("Uri", v); }
+    Service& bissKey(Value const& v) { return set("bissKey", v); }
     Service& radio() { return set("MediaType", 2); }
-    Service& encrypted(const Value& v = 1) { return set("Encrypted", v); }
-    Service& hdtv(const Value& v = 1) { return set("Hdtv", v); }
-    Service& visible(const Value& v) { return set("Visible", v); }
-    Service& selectable(const Value& v) { return set("Selectable", v); }
+    Service& encrypted(Value const& v = 1) { return set("Encrypted", v); }
+    Service& hdtv(Value const& v = 1) { return set("Hdtv", v); }
+    Service& visible(Value const& v) { return set("Visible", v); }
+    Service& selectable(Value const& v) { return set("Selectable", v); }
     /// The membership mark of FAV`index`, 1 to 4.
-    Service& favTag(int index, const Value& v = 1) {
+    Service& favTag(int index, Value const& v = 1) {
         return set(index == 1 ? "FavTag" : "FavTag" + std::to_string(index), v);
     }
 
-    Service& frequency(const Value& v) { return set("Frequency", v); }
-    Service& symbolRate(const Value& v) { return set("SymbolRate", v); }
-    Service& polarization(const Value& v) { return set("Polarization", v); }
-    Service& satellite(const Value& v) { return set("Satellite", v); }
-    Service& frontend(const Value& v) { return set("Frontend", v); }
-    Service& plpId(const Value& v) { return set("PlpId", v); }
-    Service& nitId(const Value& v) { return set("NITId", v); }
-    Service& tunerUuid(const Value& v) { return set("TunerUuid", v); }
-    Service& networkUrl(const Value& v) { return set("NetworkUrl", v); }
+    Service& frequency(Value const& v) { return set("Frequency", v); }
+    Service& symbolRate(Value const& v) { return set("SymbolRate", v); }
+    Service& polarization(Value const& v) { return set("Polarization", v); }
+    Service& satellite(Value const& v) { return set("Satellite", v); }
+    Service& frontend(Value const& v) { return set("Frontend", v); }
+    Service& plpId(Value const& v) { return set("PlpId", v); }
+    Service& nitId(Value const& v) { return set("NITId", v); }
+    Service& tunerUuid(Value const& v) { return set("TunerUuid", v); }
+    Service& networkUrl(Value const& v) { return set("NetworkUrl", v); }
     /// Original network, transport stream and service id.
-    Service& triplet(const Value& oid, const Value& tid, const Value& sid) {
+    Service& triplet(Value const& oid, Value const& tid, Value const& sid) {
         return set("Oid", oid).set("Tid", tid).set("Sid", sid);
     }
 
@@ -127,10 +127,10 @@ class Service : public Record<Service> {
 class Item : public Record<Item> {
   public:
     using Record::Record;
-    Item& visible(const Value& v) { return set("Visible", v); }
-    Item& selectable(const Value& v) { return set("Selectable", v); }
-    Item& deleted(const Value& v = 1) { return set("isDeleted", v); }
-    Item& original(const Value& list) { return set("OriginalFavoriteId", list); }
+    Item& visible(Value const& v) { return set("Visible", v); }
+    Item& selectable(Value const& v) { return set("Selectable", v); }
+    Item& deleted(Value const& v = 1) { return set("isDeleted", v); }
+    Item& original(Value const& list) { return set("OriginalFavoriteId", list); }
 };
 
 /// An open channel database.
@@ -138,44 +138,44 @@ class ChannelDatabase {
   public:
     /// Opens or creates the file (":memory:" for none) and creates the missing tables. Its writes
     /// do not wait for the disk: a power cut may cost the file, which can be made again.
-    explicit ChannelDatabase(const std::string& path, Indexes indexes = Indexes::Recommended);
+    explicit ChannelDatabase(std::string const& path, Indexes indexes = Indexes::Recommended);
     /// Works on a connection that the caller keeps open longer than this object.
     explicit ChannelDatabase(sqlite3* connection, Indexes indexes = Indexes::Recommended);
-    ChannelDatabase(const ChannelDatabase&) = delete;
-    ChannelDatabase& operator=(const ChannelDatabase&) = delete;
+    ChannelDatabase(ChannelDatabase const&) = delete;
+    ChannelDatabase& operator=(ChannelDatabase const&) = delete;
 
     /// A list of that creator; its name is the creator, its uuid "list-" and the Pid.
-    List list(const std::string& creator, Id pid = kNewId);
+    List list(std::string const& creator, Id pid = kNewId);
     /// The item of `service` in `list`, which is also its original list.
     Item put(Id list, Id service, Id channelNumber);
-    void lcn(Id service, Id list, const Value& number);
+    void lcn(Id service, Id list, Value const& number);
 
     /// A service of any kind; its uuid is "service-" and the Pid, its service id the Pid.
     /// `tuner` shares the tuner of an earlier service of the same kind.
-    Service service(Delivery delivery, const std::string& name, Id pid = kNewId, Id tuner = kNewId);
-    Service analog(const std::string& name, Id pid = kNewId);
-    Service dvbt(const std::string& name, Id pid = kNewId);
-    Service dvbt2(const std::string& name, Id pid = kNewId);
-    Service dvbc(const std::string& name, Id pid = kNewId);
-    Service dvbc2(const std::string& name, Id pid = kNewId);
-    Service dvbs(const std::string& name, Id pid = kNewId);
-    Service dvbs2(const std::string& name, Id pid = kNewId);
-    Service ip(const std::string& name, Id pid = kNewId);
+    Service service(Delivery delivery, std::string const& name, Id pid = kNewId, Id tuner = kNewId);
+    Service analog(std::string const& name, Id pid = kNewId);
+    Service dvbt(std::string const& name, Id pid = kNewId);
+    Service dvbt2(std::string const& name, Id pid = kNewId);
+    Service dvbc(std::string const& name, Id pid = kNewId);
+    Service dvbc2(std::string const& name, Id pid = kNewId);
+    Service dvbs(std::string const& name, Id pid = kNewId);
+    Service dvbs2(std::string const& name, Id pid = kNewId);
+    Service ip(std::string const& name, Id pid = kNewId);
     /// A service that is only a URI: with a delivery row, so that lists show it, but no tuner.
-    Service uri(const std::string& name, const std::string& uri, Id pid = kNewId);
+    Service uri(std::string const& name, std::string const& uri, Id pid = kNewId);
     /// An external input ("hdmi1", "AV1", "AVS", "PC IN", ...); its uuid is its name.
-    Service input(const std::string& name, Id pid = kNewId);
+    Service input(std::string const& name, Id pid = kNewId);
 
     /// Runs one statement with its parameters bound; prepared once for all calls.
-    void run(const std::string& sql, std::initializer_list<Value> parameters = {});
+    void run(std::string const& sql, std::initializer_list<Value> parameters = {});
     /// The rows of a query as text, NULL as "NULL".
-    std::vector<std::vector<std::string>> rows(const std::string& sql);
+    std::vector<std::vector<std::string>> rows(std::string const& sql);
     /// The first column of the first row of a query as text; "" without a row.
-    std::string value(const std::string& sql);
+    std::string value(std::string const& sql);
     sqlite3* connection() const { return connection_; }
 
     /// Sets `column` in the one of `rows` that has it. Records call this.
-    void assign(const RowNames& rows, const std::string& column, const Value& value);
+    void assign(RowNames const& rows, std::string const& column, Value const& value);
 
   private:
     struct Closer {
@@ -185,9 +185,9 @@ class ChannelDatabase {
         void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
     };
 
-    sqlite3_stmt* prepared(const std::string& sql);
-    Id newId(const char* table, const char* key, Id wanted);
-    [[noreturn]] void fail(const std::string& what) const;
+    sqlite3_stmt* prepared(std::string const& sql);
+    Id newId(char const* table, char const* key, Id wanted);
+    [[noreturn]] void fail(std::string const& what) const;
 
     std::unique_ptr<sqlite3, Closer> owned_;
     sqlite3* connection_;
@@ -201,8 +201,8 @@ class Transaction {
   public:
     explicit Transaction(ChannelDatabase& database);
     ~Transaction();
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
+    Transaction(Transaction const&) = delete;
+    Transaction& operator=(Transaction const&) = delete;
     void commit();
 
   private:
@@ -211,18 +211,16 @@ class Transaction {
 };
 
 template <class Self>
-Self& Record<Self>::set(const std::string& column, const Value& value) {
+Self& Record<Self>::set(std::string const& column, Value const& value) {
     database_->assign(rows_, column, value);
     return static_cast<Self&>(*this);
 }
 
 template <class Self>
-Self& Record<Self>::without(const std::string& table) {
-    for (const RowName& row : rows_) {
-        if (row.table != nullptr && table == row.table) {
+Self& Record<Self>::without(std::string const& table) {
+    for (RowName const& row : rows_)
+        if (row.table != nullptr && table == row.table)
             database_->run("DELETE FROM " + table + " WHERE " + row.key + " = ?", {row.id});
-        }
-    }
     return static_cast<Self&>(*this);
 }
 

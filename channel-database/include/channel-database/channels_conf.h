@@ -78,12 +78,12 @@ struct ChannelsConf {
 };
 
 /// Reads one channel line; throws LineError.
-Channel parseChannel(const std::string& line);
+Channel parseChannel(std::string const& line);
 /// Reads a whole list. Lines that are not UTF-8 are taken as Latin-1.
 ChannelsConf parseChannelsConf(std::istream& text);
 /// The channel's line, with all thirteen fields.
-std::string formatChannel(const Channel& channel);
+std::string formatChannel(Channel const& channel);
 /// The line that begins a group.
-std::string formatGroup(const std::string& name);
+std::string formatGroup(std::string const& name);
 
 }  // namespace channel_database

@@ -10,12 +10,12 @@ namespace channel_database {
 
 /// Reads a channel list; lines that cannot be read are in its `rejected`. Throws
 /// std::runtime_error when the file cannot be read.
-ChannelsConf readChannelsConf(const std::string& path);
+ChannelsConf readChannelsConf(std::string const& path);
 
 /// Makes a channel database. It is written beside the target and renamed at the end, so that a
 /// failure (a list without channels, too), which throws std::runtime_error, leaves no half database
 /// and an old one as it was. An existing file is replaced only with `replace`.
-void makeDatabaseFile(const ChannelsConf& list, const std::string& path, bool replace,
-                      const ImportProgress& progress = {});
+void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
+                      ImportProgress const& progress = {});
 
 }  // namespace channel_database

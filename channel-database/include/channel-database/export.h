@@ -20,6 +20,6 @@ struct StoredService {
 /// no line in a channel list. What a database does not keep is written so that it reads as what it
 /// is: 8191, no pid, for the video of a TV service; FFFF for the access of an encrypted one. The
 /// source of a satellite that only the set knows by its number is S0E.
-std::optional<Channel> channelOf(const StoredService& service);
+std::optional<Channel> channelOf(StoredService const& service);
 
 }  // namespace channel_database

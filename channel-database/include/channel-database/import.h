@@ -31,7 +31,7 @@ using ImportProgress = std::function<void(std::size_t done, std::size_t total)>;
 ///
 /// Throws std::runtime_error and leaves the database as it was when it holds lists already or a
 /// write fails.
-void importChannels(ChannelDatabase& database, const ChannelsConf& list,
-                    const ImportProgress& progress = {});
+void importChannels(ChannelDatabase& database, ChannelsConf const& list,
+                    ImportProgress const& progress = {});
 
 }  // namespace channel_database

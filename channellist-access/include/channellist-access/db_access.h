@@ -74,15 +74,15 @@ extern CHANNELLIST_ACCESS_EXPORT std::string bisskey;
 /// @param errmsg   may be null. After a failure the error text has been logged and freed and
 ///               `*errmsg` is null: the caller never owns one.
 /// @return SQLite's result code.
-CHANNELLIST_ACCESS_EXPORT int sqlexec(sqlite3* db, const char* sql,
+CHANNELLIST_ACCESS_EXPORT int sqlexec(sqlite3* db, char const* sql,
                                       int (*callback)(void*, int, char**, char**), void* arg,
                                       char** errmsg);
 
 /// Prepares a statement as sqlite3_prepare_v2 does; no retry.
 ///
 /// @return SQLite's result code; after a failure `*stmt` is null.
-CHANNELLIST_ACCESS_EXPORT int sqlprepare(sqlite3* db, const char* sql, int nByte,
-                                         sqlite3_stmt** stmt, const char** tail);
+CHANNELLIST_ACCESS_EXPORT int sqlprepare(sqlite3* db, char const* sql, int nByte,
+                                         sqlite3_stmt** stmt, char const** tail);
 
 /// Steps a statement that returns no rows; waits out a locked database (up to 50 attempts, about
 /// five seconds of sleep).
@@ -92,11 +92,11 @@ CHANNELLIST_ACCESS_EXPORT int sqlprepare(sqlite3* db, const char* sql, int nByte
 /// @param hint names the operation in the messages.
 /// @return 101 (SQLITE_DONE) on success; 5 after 50 busy attempts; otherwise SQLite's code, at once
 ///         (SQLITE_ROW and SQLITE_LOCKED too).
-CHANNELLIST_ACCESS_EXPORT int sqlstep(sqlite3_stmt** stmt, const char* hint);
+CHANNELLIST_ACCESS_EXPORT int sqlstep(sqlite3_stmt** stmt, char const* hint);
 
 /// As sqlstep, for a query: success is 100 (SQLITE_ROW). The end of the rows, 101, counts as a
 /// failure: it is logged, and the statement is finalized and the handle null.
-CHANNELLIST_ACCESS_EXPORT int sqlstepquery(sqlite3_stmt** stmt, const char* hint);
+CHANNELLIST_ACCESS_EXPORT int sqlstepquery(sqlite3_stmt** stmt, char const* hint);
 
 ///@}
 
@@ -329,7 +329,7 @@ CHANNELLIST_ACCESS_EXPORT std::string getBissKeyFromService(std::string uuid);
 ///
 /// @return 0; -1 when HOME is not set, the file cannot be opened or the statement fails; the values
 ///         of rows before the failure stay.
-CHANNELLIST_ACCESS_EXPORT int searchOTTdb(const char* statement, std::vector<unsigned int>& values);
+CHANNELLIST_ACCESS_EXPORT int searchOTTdb(char const* statement, std::vector<unsigned int>& values);
 
 /// Appends the positions that OTT channels hold in FAV1; results as searchOTTdb.
 CHANNELLIST_ACCESS_EXPORT int getOttFav1List(std::vector<unsigned int>& values);

@@ -12,7 +12,7 @@ constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 constexpr char kStandardPattern[] = "servicelist://tamun.Astra 19.2%E";
 constexpr char kOperatorPattern[] = "servicelist://tamun.Astra 19.2%E.14";
 
-const char* creatorPattern(bool isOperator) {
+char const* creatorPattern(bool isOperator) {
     return isOperator ? kOperatorPattern : kStandardPattern;
 }
 
@@ -60,7 +60,7 @@ int dbaccess::_getAstraAnchorService(std::string& uuid, bool isOperator) {
     if (query.prepare(db, anchorQuery(isOperator).c_str()) != SQLITE_OK)
         return kFailed;
     if (query.stepQuery("Get a astra anchor service.") == SQLITE_ROW) {
-        const char* const text = query.columnText(0);
+        char const* const text = query.columnText(0);
         if (text != nullptr)
             uuid = text;
     }

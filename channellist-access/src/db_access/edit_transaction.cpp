@@ -7,11 +7,12 @@ namespace channellist {
 int EditTransaction::begin() { return beginWith("BEGIN TRANSACTION"); }
 
 int EditTransaction::beginLocked(CallSite const& site) {
-    return retryWhileBusy(kStepAttempts, site, LogModule::DatabaseAccess,
-                          [this] { return beginWith("BEGIN IMMEDIATE TRANSACTION"); });
+    return retryWhileBusy(
+        kStepAttempts, site, LogModule::DatabaseAccess,
+        [this] { return beginWith("BEGIN IMMEDIATE TRANSACTION"); });
 }
 
-int EditTransaction::beginWith(const char* sql) {
+int EditTransaction::beginWith(char const* sql) {
     int code = spare_.prepare(connection_);
     if (code == SQLITE_OK)
         code = execute(sql);
@@ -29,7 +30,7 @@ int EditTransaction::commit(CallSite const& site) {
     return code;
 }
 
-int EditTransaction::execute(const char* sql) {
+int EditTransaction::execute(char const* sql) {
     char* error = nullptr;
     return sqlexec(connection_, sql, nullptr, nullptr, &error);
 }

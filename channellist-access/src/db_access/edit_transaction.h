@@ -30,8 +30,8 @@ class EditTransaction {
     int commit(CallSite const& site);
 
   private:
-    int beginWith(const char* sql);
-    int execute(const char* sql);
+    int beginWith(char const* sql);
+    int execute(char const* sql);
     void rollback();
 
     sqlite3* connection_;

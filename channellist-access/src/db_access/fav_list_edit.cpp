@@ -28,7 +28,7 @@ class ServiceIds {
 };
 
 // By FAV index, from 1.
-constexpr const char* kFavTagUpdates[] = {
+constexpr char const* kFavTagUpdates[] = {
     "UPDATE Service SET FavTag= ? WHERE Pid= ?;",
     "UPDATE Service SET FavTag2= ? WHERE Pid= ?;",
     "UPDATE Service SET FavTag3= ? WHERE Pid= ?;",

@@ -51,16 +51,19 @@ ResultSet dbaccess::select_Folders() {
     LOG_TEXT(Trace, "called ");
     ResultSet folders;
     if (openChannelDatabase(site, kLogModule) == SQLITE_OK) {
-        retryWhileBusy(kQueryAttempts, site, kLogModule, [&] {
-            int const code = sqlite3_exec(db, kFolderQuery, folder_callback, &folders, nullptr);
-            if (code != SQLITE_OK)
-                LOG_FORMAT_AT(site, kLogModule, Error, "SQL error res:%d", code);
-            if (code == SQLITE_BUSY)
-                folders.clear();  // the next attempt delivers every row again
-            if (code == SQLITE_NOMEM && !folders.empty())
-                folders.pop_back();  // SQLite handed out a null where it lacked memory for a text
-            return code;
-        });
+        retryWhileBusy(
+            kQueryAttempts, site, kLogModule,
+            [&] {
+                int const code = sqlite3_exec(db, kFolderQuery, folder_callback, &folders, nullptr);
+                if (code != SQLITE_OK)
+                    LOG_FORMAT_AT(site, kLogModule, Error, "SQL error res:%d", code);
+                if (code == SQLITE_BUSY)
+                    folders.clear();  // the next attempt delivers every row again
+                if (code == SQLITE_NOMEM && !folders.empty())
+                    folders
+                        .pop_back();  // SQLite handed out a null where it lacked memory for a text
+                return code;
+            });
     }
     LOG_FORMAT(Trace, "folder.size:%d", static_cast<int>(folders.size()));
     return folders;

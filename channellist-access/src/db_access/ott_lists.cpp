@@ -14,7 +14,7 @@ bool openOttDatabase(CallSite const& site) {
     std::lock_guard<std::mutex> const opening(openMutex());
     if (db_zentova != nullptr)
         return true;
-    const char* const home = std::getenv("HOME");
+    char const* const home = std::getenv("HOME");
     if (home == nullptr) {
         LOG_TEXT_AT(site, kLogModule, Error, "Cannot get Websql db path. ");
         return false;
@@ -44,7 +44,7 @@ int positionCallback(void* context, int /*count*/, char** values, char** /*names
 
 using namespace channellist;
 
-int dbaccess::searchOTTdb(const char* statement, std::vector<unsigned int>& values) {
+int dbaccess::searchOTTdb(char const* statement, std::vector<unsigned int>& values) {
     if (!openOttDatabase(CALL_SITE))
         return kMalformed;
     if (sqlite3_exec(db_zentova, statement, positionCallback, &values, nullptr) == SQLITE_OK)

@@ -38,7 +38,7 @@ class ReadTransaction {
     }
 
   private:
-    int run(const char* sql, CallSite const& site) {
+    int run(char const* sql, CallSite const& site) {
         int const code = sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr);
         if (code != SQLITE_OK)
             LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);

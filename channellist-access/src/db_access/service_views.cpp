@@ -28,7 +28,7 @@ constexpr auto kCreateUriView = joined(kUriViewHead, kUriExpression, kUriViewTai
 constexpr auto kCreateFavoriteItemView =
     joined(kFavoriteItemViewHead, kFavoriteItemViewUri, kFavoriteItemViewTail);
 
-int execute(sqlite3* connection, const char* sql) {
+int execute(sqlite3* connection, char const* sql) {
     return sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
 }
 

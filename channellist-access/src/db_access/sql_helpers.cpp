@@ -16,7 +16,7 @@ void releaseStatement(sqlite3_stmt** stmt) {
 
 // Steps until the database is free; any result but `success` releases the statement. The messages
 // are those of the helper at `site`.
-int stepExpecting(int success, sqlite3_stmt** stmt, const char* hint, CallSite const& site) {
+int stepExpecting(int success, sqlite3_stmt** stmt, char const* hint, CallSite const& site) {
     int const code =
         retryWhileBusy(kStepAttempts, site, kLogModule, [stmt] { return sqlite3_step(*stmt); });
     if (code == success)
@@ -34,7 +34,7 @@ int stepExpecting(int success, sqlite3_stmt** stmt, const char* hint, CallSite c
 
 using namespace channellist;
 
-int sqlexec(sqlite3* connection, const char* sql, int (*callback)(void*, int, char**, char**),
+int sqlexec(sqlite3* connection, char const* sql, int (*callback)(void*, int, char**, char**),
             void* arg, char** errmsg) {
     int const code = sqlite3_exec(connection, sql, callback, arg, errmsg);
     if (code == SQLITE_OK)
@@ -48,8 +48,8 @@ int sqlexec(sqlite3* connection, const char* sql, int (*callback)(void*, int, ch
     return code;
 }
 
-int sqlprepare(sqlite3* connection, const char* sql, int nByte, sqlite3_stmt** stmt,
-               const char** tail) {
+int sqlprepare(sqlite3* connection, char const* sql, int nByte, sqlite3_stmt** stmt,
+               char const** tail) {
     int const code = sqlite3_prepare_v2(connection, sql, nByte, stmt, tail);
     if (code == SQLITE_OK)
         return code;
@@ -59,10 +59,10 @@ int sqlprepare(sqlite3* connection, const char* sql, int nByte, sqlite3_stmt** s
     return code;
 }
 
-int sqlstep(sqlite3_stmt** stmt, const char* hint) {
+int sqlstep(sqlite3_stmt** stmt, char const* hint) {
     return stepExpecting(SQLITE_DONE, stmt, hint, CALL_SITE);
 }
 
-int sqlstepquery(sqlite3_stmt** stmt, const char* hint) {
+int sqlstepquery(sqlite3_stmt** stmt, char const* hint) {
     return stepExpecting(SQLITE_ROW, stmt, hint, CALL_SITE);
 }

@@ -13,7 +13,7 @@ class Statement {
     Statement(Statement const&) = delete;
     Statement& operator=(Statement const&) = delete;
 
-    int prepare(sqlite3* connection, const char* sql) {
+    int prepare(sqlite3* connection, char const* sql) {
         return sqlprepare(connection, sql, -1, &handle_, nullptr);
     }
 
@@ -27,12 +27,12 @@ class Statement {
     }
 
     // As sqlstep and sqlstepquery: a failing step has finalized the statement.
-    int step(const char* hint) { return sqlstep(&handle_, hint); }
-    int stepQuery(const char* hint) { return sqlstepquery(&handle_, hint); }
+    int step(char const* hint) { return sqlstep(&handle_, hint); }
+    int stepQuery(char const* hint) { return sqlstepquery(&handle_, hint); }
 
     // Text of a column of the current row; null when the column is null.
-    const char* columnText(int column) {
-        return reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
+    char const* columnText(int column) {
+        return reinterpret_cast<char const*>(sqlite3_column_text(handle_, column));
     }
 
     void finalize() {

@@ -33,10 +33,9 @@ constexpr InputSource kInputSources[] = {
 
 std::optional<std::string_view> inputSourceLocator(std::string_view internalName,
                                                    std::string_view uuid) {
-    for (InputSource const& source : kInputSources) {
+    for (InputSource const& source : kInputSources)
         if ((source.what == Names::Service ? uuid : internalName) == source.name)
             return source.locator;
-    }
     return std::nullopt;
 }
 

@@ -29,9 +29,9 @@ enum class LogLevel : unsigned int {
 
 // Where a message comes from. A helper that logs for its caller is handed the caller's.
 struct CallSite {
-    const char* file;
+    char const* file;
     int line;
-    const char* function;
+    char const* function;
 };
 
 struct LogDescriptor {

@@ -23,7 +23,7 @@ SignedText splitSign(std::string_view text) {
 // All of `digits` as a 32-bit magnitude; from_chars takes no sign for unsigned numbers.
 std::optional<std::uint32_t> magnitude(std::string_view digits) {
     std::uint32_t value = 0;
-    const char* const end = digits.data() + digits.size();
+    char const* const end = digits.data() + digits.size();
     auto const [stop, error] = std::from_chars(digits.data(), end, value);
     if (error != std::errc() || stop != end)
         return std::nullopt;

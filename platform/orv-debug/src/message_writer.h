@@ -9,10 +9,10 @@ namespace orvdebug {
 /// Formats a message of any length as printf does and writes it in one piece; threads wait for each
 /// other. `errno` keeps its value. A message that cannot be formatted is replaced by its format,
 /// one for which there is no memory is cut.
-void writeMessageV(const char* format, va_list arguments) noexcept
+void writeMessageV(char const* format, va_list arguments) noexcept
     __attribute__((format(printf, 1, 0)));
 
-void writeMessage(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
+void writeMessage(char const* format, ...) noexcept __attribute__((format(printf, 1, 2)));
 
 }  // namespace orvdebug
 

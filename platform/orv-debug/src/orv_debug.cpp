@@ -8,9 +8,9 @@
 
 namespace {
 
-const orvdebug::MessageFilter& filter() noexcept {
-    static const orvdebug::MessageFilter instance = [] {
-        const char* const text = std::getenv("ORV_DEBUG");
+orvdebug::MessageFilter const& filter() noexcept {
+    static orvdebug::MessageFilter const instance = [] {
+        char const* const text = std::getenv("ORV_DEBUG");
         return orvdebug::MessageFilter(text != nullptr ? text : "");
     }();
     return instance;
@@ -24,7 +24,7 @@ extern "C" __attribute__((visibility("default"))) int orvDebugCheckLevelGetFrame
 }
 
 extern "C" __attribute__((visibility("default"))) void orvDebugOutput0(unsigned int* /*descriptor*/,
-                                                                       const char* format, ...) {
+                                                                       char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     orvdebug::writeMessageV(format, arguments);

@@ -9,12 +9,12 @@ namespace {
 
 int failures = 0;
 
-void check(bool holds, const char* what) {
+void check(bool holds, char const* what) {
     std::printf("%s: %s\n", holds ? "ok" : "FAILED", what);
     failures += holds ? 0 : 1;
 }
 
-std::size_t columnOf(const std::vector<int>& columns, int field) {
+std::size_t columnOf(std::vector<int> const& columns, int field) {
     std::size_t column = 0;
     while (column < columns.size() && columns[column] != field)
         ++column;
@@ -23,18 +23,18 @@ std::size_t columnOf(const std::vector<int>& columns, int field) {
 
 // The uuid of the list FAV1.
 std::string firstFavouriteList() {
-    const std::size_t uuid = columnOf(m_flfield, FOLDER_FIELD_UUID);
-    const std::size_t name = columnOf(m_flfield, FOLDER_FIELD_FAV_NAME);
-    for (const boost::shared_ptr<ResultRow>& folder : dbaccess::select_Folders())
+    std::size_t const uuid = columnOf(m_flfield, FOLDER_FIELD_UUID);
+    std::size_t const name = columnOf(m_flfield, FOLDER_FIELD_FAV_NAME);
+    for (boost::shared_ptr<ResultRow> const& folder : dbaccess::select_Folders())
         if (folder->at(name) == "FAV1")
             return folder->at(uuid);
     return std::string();
 }
 
-std::vector<std::string> pidsOf(const std::string& list) {
-    const std::size_t pid = columnOf(m_svfield, SERVICE_FIELD_PID);
+std::vector<std::string> pidsOf(std::string const& list) {
+    std::size_t const pid = columnOf(m_svfield, SERVICE_FIELD_PID);
     std::vector<std::string> pids;
-    for (const boost::shared_ptr<ResultRow>& service : dbaccess::get_dbservices(list))
+    for (boost::shared_ptr<ResultRow> const& service : dbaccess::get_dbservices(list))
         pids.push_back(service->at(pid));
     return pids;
 }
@@ -46,12 +46,12 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: consumer DATABASE\n");
         return 2;
     }
-    const std::string list = firstFavouriteList();
+    std::string const list = firstFavouriteList();
     check(!list.empty(), "FAV1 is among the folders");
-    const std::vector<std::string> pids = pidsOf(list);
+    std::vector<std::string> const pids = pidsOf(list);
     check(pids.size() >= 2, "FAV1 holds services");
     if (failures == 0) {
-        const std::vector<std::string> edited(pids.rbegin(), pids.rbegin() + 2);
+        std::vector<std::string> const edited(pids.rbegin(), pids.rbegin() + 2);
         check(dbaccess::onServiceListEdit({list, "0", "1", edited[0], "0", "2", edited[1]}) == 101,
               "FAV1 is cut to its last two services");
         check(pidsOf(list) == edited, "the edit is read back");

@@ -14,9 +14,9 @@ namespace {
 enum class Owner { Service, Item, Derived };
 
 struct RawColumn {
-    const char* name;    // in FavoriteItemView
+    char const* name;    // in FavoriteItemView
     Owner owner;         // whose column it is
-    const char* stored;  // its name there
+    char const* stored;  // its name there
 };
 
 // The columns of a raw service row, in their order.
@@ -59,26 +59,25 @@ constexpr RawColumn kColumns[] = {
 constexpr std::size_t kPid = 0, kChannelNum = 1, kInternalName = 2, kExternalName = 3, kUuid = 7,
                       kType = 31;
 
-bool converts(const ResultRow& row) {
+bool converts(ResultRow const& row) {
     try {
         dbaccess::fetchServiceItem(row);
         return true;
-    } catch (const boost::bad_lexical_cast&) {
+    } catch (boost::bad_lexical_cast const&) {
         return false;
     }
 }
 
 // Whether the column alone would stop the row. The names that make it an input stay, because an
 // input needs fewer columns.
-bool stops(const ResultRow& row, std::size_t column) {
+bool stops(ResultRow const& row, std::size_t column) {
     ResultRow probe(row.size(), "0");
-    for (const std::size_t kept : {kInternalName, kUuid, column}) {
+    for (std::size_t const kept : {kInternalName, kUuid, column})
         probe[kept] = row[kept];
-    }
     return !converts(probe);
 }
 
-std::string itemIds(const List& list, const std::string& servicePid) {
+std::string itemIds(List const& list, std::string const& servicePid) {
     Query ids(db,
               "SELECT group_concat(Id, ', ') FROM FavoriteItem"
               " WHERE FavoriteId = ? AND ServiceId = CAST(? AS INTEGER)");
@@ -89,34 +88,32 @@ std::string itemIds(const List& list, const std::string& servicePid) {
 // A service stands in many lists: one finding names them all.
 class ServiceFindings {
   public:
-    void add(const Finding& finding, const List& list, const ResultRow& row) {
-        const auto [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
-        if (isNew) {
+    void add(Finding const& finding, List const& list, ResultRow const& row) {
+        auto const [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
+        if (isNew)
             findings_.push_back(finding);
-        }
         findings_[known->second].viewer +=
             (isNew ? " " : ", ") + displayName(list) + " (number " + row[kChannelNum] + ")";
     }
-    const Findings& findings() const { return findings_; }
+    Findings const& findings() const { return findings_; }
 
   private:
     Findings findings_;
     std::map<std::string, std::size_t> known_;
 };
 
-std::string quotedValue(const Query& rows, std::size_t column) {
-    const int index = static_cast<int>(column);
+std::string quotedValue(Query const& rows, std::size_t column) {
+    int const index = static_cast<int>(column);
     return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
 }
 
-void explainStop(const List& list, const Query& rows, const ResultRow& row,
+void explainStop(List const& list, Query const& rows, ResultRow const& row,
                  ServiceFindings& findings) {
     for (std::size_t i = 0; i < row.size(); ++i) {
-        const RawColumn& column = kColumns[i];
-        if (column.owner == Owner::Derived || !stops(row, i)) {
+        RawColumn const& column = kColumns[i];
+        if (column.owner == Owner::Derived || !stops(row, i))
             continue;
-        }
-        const std::string name = column.owner == Owner::Item
+        std::string const name = column.owner == Owner::Item
                                      ? "FavoriteItem " + itemIds(list, row[kPid])
                                      : "Service " + row[kPid];
         findings.add({"unreadable-number", name,
@@ -126,8 +123,8 @@ void explainStop(const List& list, const Query& rows, const ResultRow& row,
     }
 }
 
-void checkLocator(const List& list, const ResultRow& row, ServiceFindings& findings) {
-    const bool unknownType = sv.locator == "about:blank";
+void checkLocator(List const& list, ResultRow const& row, ServiceFindings& findings) {
+    bool const unknownType = sv.locator == "about:blank";
     if (sv.locator.empty() || unknownType) {
         findings.add({"no-locator", "Service " + row[kPid],
                       unknownType ? "Type " + row[kType] + " is no kind of delivery"
@@ -140,9 +137,8 @@ void checkLocator(const List& list, const ResultRow& row, ServiceFindings& findi
 
 std::string serviceQuery() {
     std::string sql = "SELECT ";
-    for (const RawColumn& column : kColumns) {
+    for (RawColumn const& column : kColumns)
         sql += (&column == kColumns ? "" : ",") + std::string(column.name);
-    }
     return sql + " FROM FavoriteItemView WHERE FavoriteId = ? ORDER BY ChannelNum";
 }
 
@@ -150,19 +146,17 @@ void checkServices(Findings& findings) {
     dbaccess::initViews(db);
     Query rows(db, serviceQuery());
     ServiceFindings found;
-    for (const List& list : allLists()) {
+    for (List const& list : allLists()) {
         rows.reset();
         rows.bind(std::int64_t{list.pid});
         while (rows.next()) {
             ResultRow row;
-            for (int i = 0; i < rows.columns(); ++i) {
+            for (int i = 0; i < rows.columns(); ++i)
                 row.push_back(rows.text(i));
-            }
-            if (converts(row)) {
+            if (converts(row))
                 checkLocator(list, row, found);
-            } else {
+            else
                 explainStop(list, rows, row, found);
-            }
         }
     }
     findings.insert(findings.end(), found.findings().begin(), found.findings().end());
@@ -174,13 +168,12 @@ void checkFolders(Findings& findings) {
                " FROM FavoriteList");
     while (rows.next()) {
         ResultRow row;
-        for (int i = 0; i < rows.columns(); ++i) {
+        for (int i = 0; i < rows.columns(); ++i)
             row.push_back(rows.text(i));
-        }
         ResultSet converted;
         try {
             dbaccess::computeFolder(rows.columns(), row, &converted);
-        } catch (const boost::bad_lexical_cast&) {
+        } catch (boost::bad_lexical_cast const&) {
             findings.push_back({"unreadable-number", "FavoriteList " + row[0],
                                 "Attributes is " + quotedValue(rows, 4) + ", no number",
                                 "the set's overview of lists ends in front of " + row[2]});
@@ -191,9 +184,9 @@ void checkFolders(Findings& findings) {
 }  // namespace
 
 void checkConversion(Findings& findings) {
-    for (const auto check : {checkFolders, checkServices}) {
-        examine("unreadable-number", findings, [&] { check(findings); });
-    }
+    for (auto const check : {checkFolders, checkServices})
+        examine(
+            "unreadable-number", findings, [&] { check(findings); });
 }
 
 }  // namespace tool

@@ -19,10 +19,10 @@ using Findings = std::vector<Finding>;
 
 // Lets `look` add findings of a rule; what keeps it from looking is a finding itself.
 template <class Look>
-void examine(const std::string& rule, Findings& findings, Look look) {
+void examine(std::string const& rule, Findings& findings, Look look) {
     try {
         look();
-    } catch (const Failure& failure) {
+    } catch (Failure const& failure) {
         findings.push_back(
             {rule, "rule " + rule, failure.what(), "whatever the rule looks for may be there too"});
     }

@@ -10,8 +10,8 @@ namespace tool {
 namespace {
 
 struct Rule {
-    const char* name;
-    const char* sql;
+    char const* name;
+    char const* sql;
 };
 
 // clang-format off
@@ -106,16 +106,17 @@ constexpr Rule kTagRules[] = {
 };
 // clang-format on
 
-void run(const Rule& rule, const std::string& sql, Findings& findings) {
-    examine(rule.name, findings, [&] {
-        Query rows(db, sql);
-        while (rows.next()) {
-            findings.push_back({rule.name, rows.text(0), rows.text(1), rows.text(2)});
-        }
-    });
+void run(Rule const& rule, std::string const& sql, Findings& findings) {
+    examine(
+        rule.name, findings,
+        [&] {
+            Query rows(db, sql);
+            while (rows.next())
+                findings.push_back({rule.name, rows.text(0), rows.text(1), rows.text(2)});
+        });
 }
 
-void replaceAll(std::string& text, const std::string& what, const std::string& by) {
+void replaceAll(std::string& text, std::string const& what, std::string const& by) {
     for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at)) {
         text.replace(at, what.size(), by);
         at += by.size();
@@ -127,16 +128,16 @@ std::string quoted(std::string text) {
     return text;
 }
 
-void checkFavList(const List& list, Findings& findings) {
-    const std::string digit = std::to_string(list.favIndex);
-    const std::string tag = list.favIndex == 1 ? "FavTag" : "FavTag" + digit;
+void checkFavList(List const& list, Findings& findings) {
+    std::string const digit = std::to_string(list.favIndex);
+    std::string const tag = list.favIndex == 1 ? "FavTag" : "FavTag" + digit;
     if (displayName(list) != "FAV" + digit) {
         findings.push_back({"fav-order", "FavoriteList " + std::to_string(list.pid),
                             displayName(list) + " is the FAV list in place " + digit,
                             "edits of " + displayName(list) + " mark their services as FAV" +
                                 digit + ", and keep its OTT numbers free"});
     }
-    for (const Rule& rule : kTagRules) {
+    for (Rule const& rule : kTagRules) {
         std::string sql = rule.sql;
         replaceAll(sql, "%1", std::to_string(list.pid));
         replaceAll(sql, "%2", tag);
@@ -148,15 +149,12 @@ void checkFavList(const List& list, Findings& findings) {
 }  // namespace
 
 void checkRows(Findings& findings) {
-    for (const Rule& rule : kRules) {
+    for (Rule const& rule : kRules)
         run(rule, rule.sql, findings);
-    }
     examine("fav-tag", findings, [&] {
-        for (const List& list : allLists()) {
-            if (list.favIndex >= 1 && list.favIndex <= 4) {
+        for (List const& list : allLists())
+            if (list.favIndex >= 1 && list.favIndex <= 4)
                 checkFavList(list, findings);
-            }
-        }
     });
 }
 

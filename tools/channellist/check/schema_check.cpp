@@ -25,7 +25,7 @@ struct Closer {
 };
 
 // Columns that the library's statements also find in another table.
-const std::map<std::string, Names> kOtherPlaces = {
+std::map<std::string, Names> const kOtherPlaces = {
     {"Tuner.frontend",
      {"DvbTTuner", "DvbT2Tuner", "DvbCTuner", "DvbC2Tuner", "DvbSTuner", "DvbS2Tuner"}},
     {"DvbService.networkurl", {"DvbIpTuner"}},
@@ -34,68 +34,62 @@ const std::map<std::string, Names> kOtherPlaces = {
 };
 
 // Nothing for a table that does not exist.
-Table readTable(sqlite3* connection, const std::string& name) {
+Table readTable(sqlite3* connection, std::string const& name) {
     Table table;
     Query columns(connection, "SELECT lower(name), name, pk FROM pragma_table_info(?)");
     columns.bind(name);
     while (columns.next()) {
         table.columns[columns.text(0)] = columns.text(1);
-        if (columns.number(2) == 1) {
+        if (columns.number(2) == 1)
             table.keys.push_back(columns.text(0));
-        }
     }
     Query indexes(connection,
                   "SELECT lower(x.name) || ' ' || x.coll FROM pragma_index_list(?) AS list,"
                   " pragma_index_xinfo(list.name) AS x WHERE x.seqno = 0");
     indexes.bind(name);
-    while (indexes.next()) {
+    while (indexes.next())
         table.indexed.push_back(indexes.text(0));
-    }
     return table;
 }
 
 std::map<std::string, Table> expectedTables() {
     sqlite3* connection = nullptr;
     sqlite3_open(":memory:", &connection);
-    const std::unique_ptr<sqlite3, Closer> owner(connection);
+    std::unique_ptr<sqlite3, Closer> const owner(connection);
     channel_database::createSchema(connection);
     std::map<std::string, Table> tables;
     Query names(connection, "SELECT name FROM sqlite_master WHERE type = 'table'");
-    while (names.next()) {
+    while (names.next())
         tables[names.text(0)] = readTable(connection, names.text(0));
-    }
     return tables;
 }
 
-bool stands(const std::string& table, const std::string& column) {
-    const auto places = kOtherPlaces.find(table + "." + column);
+bool stands(std::string const& table, std::string const& column) {
+    auto const places = kOtherPlaces.find(table + "." + column);
     return places != kOtherPlaces.end() &&
-           std::any_of(places->second.begin(), places->second.end(), [&](const std::string& other) {
+           std::any_of(places->second.begin(), places->second.end(), [&](std::string const& other) {
                return readTable(db, other).columns.count(column) != 0;
            });
 }
 
-bool contains(const Names& names, const std::string& name) {
+bool contains(Names const& names, std::string const& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-void compareIndexes(const std::string& name, const Table& wanted, const Table& table,
+void compareIndexes(std::string const& name, Table const& wanted, Table const& table,
                     Findings& findings) {
     Names missing;
-    for (const std::string& key : wanted.keys) {
-        if (!contains(table.keys, key) && !contains(table.indexed, key + " BINARY")) {
+    for (std::string const& key : wanted.keys)
+        if (!contains(table.keys, key) && !contains(table.indexed, key + " BINARY"))
             missing.push_back(key);
-        }
-    }
-    for (const std::string& indexed : wanted.indexed) {
-        const std::string column = indexed.substr(0, indexed.find(' '));
-        const bool serves = contains(table.indexed, indexed) ||
+    for (std::string const& indexed : wanted.indexed) {
+        std::string const column = indexed.substr(0, indexed.find(' '));
+        bool const serves = contains(table.indexed, indexed) ||
                             (contains(table.keys, column) && indexed == column + " BINARY");
-        if (!serves && !contains(missing, column)) {
+        if (!serves && !contains(missing, column))
             missing.push_back(column);
-        }
     }
-    for (const std::string& column : missing) {
+    for (std::string const& column : missing) {
         if (table.columns.count(column) != 0) {
             findings.push_back({"missing-index", name,
                                 "no index begins with " + wanted.columns.at(column),
@@ -104,14 +98,14 @@ void compareIndexes(const std::string& name, const Table& wanted, const Table& t
     }
 }
 
-void compare(const std::string& name, const Table& wanted, Findings& findings) {
-    const Table table = readTable(db, name);
+void compare(std::string const& name, Table const& wanted, Findings& findings) {
+    Table const table = readTable(db, name);
     if (table.columns.empty()) {
         findings.push_back({"missing-table", name, "the table does not exist",
                             "requests that read it give nothing; edits that write it fail"});
         return;
     }
-    for (const auto& [column, spelled] : wanted.columns) {
+    for (auto const& [column, spelled] : wanted.columns) {
         if (table.columns.count(column) == 0 && !stands(name, column)) {
             findings.push_back({"missing-column", name, "column " + spelled + " does not exist",
                                 "requests that read it give nothing; edits that write it fail"});
@@ -146,11 +140,11 @@ void checkPages(Findings& findings) {
 }  // namespace
 
 void checkSchema(Findings& findings) {
-    examine("damage", findings, [&] { checkPages(findings); });
+    examine(
+        "damage", findings, [&] { checkPages(findings); });
     examine("missing-table", findings, [&] {
-        for (const auto& [name, table] : expectedTables()) {
+        for (auto const& [name, table] : expectedTables())
             compare(name, table, findings);
-        }
     });
     checkViews(findings);
 }

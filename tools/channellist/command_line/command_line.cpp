@@ -14,67 +14,65 @@ constexpr char kExitCodes[] =
     "Exit codes: 0 success, 1 failure or findings, 2 wrong usage.\n"
     "\"channellist COMMAND --help\" shows a command's options and examples.";
 
-bool isTraceWord(const std::string& word) {
-    if (word == "*") {
+bool isTraceWord(std::string const& word) {
+    if (word == "*")
         return true;
-    }
-    const bool hexadecimal = word.compare(0, 2, "0x") == 0 || word.compare(0, 2, "0X") == 0;
-    const std::string digits = hexadecimal ? word.substr(2) : word;
+    bool const hexadecimal = word.compare(0, 2, "0x") == 0 || word.compare(0, 2, "0X") == 0;
+    std::string const digits = hexadecimal ? word.substr(2) : word;
     return !digits.empty() &&
            digits.find_first_not_of(hexadecimal ? "0123456789abcdefABCDEF" : "0123456789") ==
                std::string::npos;
 }
 
 // [MODULE:]LEVEL, several with commas; numbers are decimal or hexadecimal.
-std::string checkTrace(const std::string& text) {
+std::string checkTrace(std::string const& text) {
     std::istringstream items(text + ",");
     for (std::string item; std::getline(items, item, ',');) {
-        const auto colon = item.find(':');
-        const std::string level = colon == std::string::npos ? item : item.substr(colon + 1);
+        auto const colon = item.find(':');
+        std::string const level = colon == std::string::npos ? item : item.substr(colon + 1);
         if ((colon != std::string::npos && !isTraceWord(item.substr(0, colon))) ||
-            (level != "all" && !isTraceWord(level))) {
+            (level != "all" && !isTraceWord(level)))
             return "'" + text + "' is not [MODULE:]LEVEL[,...]";
-        }
     }
     return "";
 }
 
 }  // namespace
 
-Command& Command::argument(const std::string& name, std::string& value, const std::string& help) {
+Command& Command::argument(std::string const& name, std::string& value, std::string const& help) {
     app_.add_option(name, value, help)->required();
     return *this;
 }
 
-Command& Command::optionalArgument(const std::string& name, std::string& value,
-                                   const std::string& help) {
+Command& Command::optionalArgument(std::string const& name, std::string& value,
+                                   std::string const& help) {
     return option(name, value, help);
 }
 
-Command& Command::arguments(const std::string& name, std::vector<std::string>& values, int least,
-                            int most, const std::string& help) {
+Command& Command::arguments(std::string const& name, std::vector<std::string>& values, int least,
+                            int most, std::string const& help) {
     app_.add_option(name, values, help)->expected(least, most)->required(least > 0);
     return *this;
 }
 
-Command& Command::option(const std::string& name, std::string& value, const std::string& help) {
+Command& Command::option(std::string const& name, std::string& value, std::string const& help) {
     app_.add_option(name, value, help);
     return *this;
 }
 
-Command& Command::flag(const std::string& names, bool& value, const std::string& help) {
+Command& Command::flag(std::string const& names, bool& value, std::string const& help) {
     app_.add_flag(names, value, help);
     return *this;
 }
 
 Command& Command::json(bool& value) { return flag("--json", value, "print JSON, for scripts"); }
 
-Command& Command::needs(const std::string& name, const std::string& other) {
+Command& Command::needs(std::string const& name, std::string const& other) {
     app_.get_option(name)->needs(app_.get_option(other));
     return *this;
 }
 
-Command& Command::footer(const std::string& text) {
+Command& Command::footer(std::string const& text) {
     app_.footer(text);
     return *this;
 }
@@ -106,23 +104,22 @@ CommandLine::CommandLine()
 
 CommandLine::~CommandLine() = default;
 
-Command CommandLine::add(const std::string& name, const std::string& help) {
+Command CommandLine::add(std::string const& name, std::string const& help) {
     return Command(*app_->add_subcommand(name, help), action_);
 }
 
 std::optional<int> CommandLine::parse(int argc, char** argv) {
     try {
         app_->parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
+    } catch (CLI::ParseError const& error) {
         return app_->exit(error) == 0 ? kSuccess : kUsage;
     }
     return std::nullopt;
 }
 
 int CommandLine::run() const {
-    if (!trace_.empty()) {
+    if (!trace_.empty())
         setenv("ORV_DEBUG", trace_.c_str(), 1);  // before the library asks for the first time
-    }
     return action_(database_);
 }
 

@@ -19,7 +19,7 @@ namespace tool {
 constexpr int kAnyNumber = 1 << 29;
 
 // What a command does with the database; it gives the exit code and may throw Failure.
-using Action = std::function<int(const std::string& database)>;
+using Action = std::function<int(std::string const& database)>;
 
 // One command while it is described. The values that options are stored in live as long as the
 // command line.
@@ -27,19 +27,19 @@ class Command {
   public:
     Command(CLI::App& app, Action& action) : app_(app), action_(action) {}
 
-    Command& argument(const std::string& name, std::string& value, const std::string& help);
-    Command& optionalArgument(const std::string& name, std::string& value, const std::string& help);
+    Command& argument(std::string const& name, std::string& value, std::string const& help);
+    Command& optionalArgument(std::string const& name, std::string& value, std::string const& help);
     // From `least` to `most` of them.
-    Command& arguments(const std::string& name, std::vector<std::string>& values, int least,
-                       int most, const std::string& help);
-    Command& option(const std::string& name, std::string& value, const std::string& help);
-    Command& flag(const std::string& names, bool& value, const std::string& help);
+    Command& arguments(std::string const& name, std::vector<std::string>& values, int least,
+                       int most, std::string const& help);
+    Command& option(std::string const& name, std::string& value, std::string const& help);
+    Command& flag(std::string const& names, bool& value, std::string const& help);
     // "--json", as every command that has it describes it.
     Command& json(bool& value);
     // `name` makes sense beside `other` only.
-    Command& needs(const std::string& name, const std::string& other);
+    Command& needs(std::string const& name, std::string const& other);
     // What follows the options in the help.
-    Command& footer(const std::string& text);
+    Command& footer(std::string const& text);
     Command& action(Action action);
 
   private:
@@ -51,10 +51,10 @@ class CommandLine {
   public:
     CommandLine();
     ~CommandLine();
-    CommandLine(const CommandLine&) = delete;
-    CommandLine& operator=(const CommandLine&) = delete;
+    CommandLine(CommandLine const&) = delete;
+    CommandLine& operator=(CommandLine const&) = delete;
 
-    Command add(const std::string& name, const std::string& help);
+    Command add(std::string const& name, std::string const& help);
 
     // The exit code when nothing remains to do: help was printed, or the usage is wrong.
     std::optional<int> parse(int argc, char** argv);

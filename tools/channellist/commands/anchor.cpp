@@ -12,18 +12,16 @@
 namespace tool {
 namespace {
 
-int run(const std::string& database, bool json) {
-    const Session session(database);
+int run(std::string const& database, bool json) {
+    Session const session(database);
     std::string uuid;
-    const int code = dbaccess::getAstraAnchorService(uuid);
-    if (json) {
+    int const code = dbaccess::getAstraAnchorService(uuid);
+    if (json)
         printJson({{"uuid", code == 0 ? Json(uuid) : Json(nullptr)}});
-    } else if (code == 0) {
+    else if (code == 0)
         std::cout << displayText(uuid) << "\n";
-    }
-    if (code != 0) {
+    if (code != 0)
         throw Failure("no list of Astra 19.2E holds an anchor service");
-    }
     return kSuccess;
 }
 
@@ -41,7 +39,7 @@ void addAnchorCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist anchor\n"
             "  channellist anchor --trace 4000")
-        .action([json](const std::string& database) { return run(database, *json); });
+        .action([json](std::string const& database) { return run(database, *json); });
 }
 
 }  // namespace tool

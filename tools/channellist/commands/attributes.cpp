@@ -31,35 +31,31 @@ std::string hexadecimal(unsigned int word) {
 
 std::vector<std::string> setBits(unsigned int word) {
     std::vector<std::string> bits;
-    for (unsigned int bit = 0; bit < 32; ++bit) {
-        if ((word >> bit & 1U) != 0) {
+    for (unsigned int bit = 0; bit < 32; ++bit)
+        if ((word >> bit & 1U) != 0)
             bits.push_back(std::to_string(bit));
-        }
-    }
     return bits;
 }
 
 // "" for a list that viewers cannot browse.
-std::string capabilityOf(const List& list) {
-    for (const ResultRow& folder : readFolders().rows) {
-        if (folder[FOLDER_FIELD_UUID] == list.uuid) {
+std::string capabilityOf(List const& list) {
+    for (ResultRow const& folder : readFolders().rows)
+        if (folder[FOLDER_FIELD_UUID] == list.uuid)
             return folder[FOLDER_FIELD_CAPABILITY];
-        }
-    }
     return "";
 }
 
-int run(const std::string& database, const Options& options) {
-    const Session session(database);
-    const List list = findList(options.list);
+int run(std::string const& database, Options const& options) {
+    Session const session(database);
+    List const list = findList(options.list);
     unsigned int attributes = 0;
     if (dbaccess::getFavriteAttributes(list.uuid, &attributes) != 0) {
         throw Failure("the attributes of " + displayName(list) +
                       " cannot be read; \"channellist check\" tells why");
     }
-    const char* const order =
+    char const* const order =
         (attributes & kOrderByMediaType) != 0 ? "media type, number" : "number";
-    const std::string capability = capabilityOf(list);
+    std::string const capability = capabilityOf(list);
     if (options.json) {
         printJson({{"name", displayName(list)},
                    {"uuid", list.uuid},
@@ -97,7 +93,7 @@ void addAttributesCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist attributes FAV1\n"
             "  channellist attributes 'Astra 19.2°E' --json")
-        .action([options](const std::string& database) { return run(database, *options); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

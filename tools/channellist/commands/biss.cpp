@@ -20,29 +20,26 @@ struct Options {
     bool json = false;
 };
 
-std::string uuidOf(const std::string& service) {
+std::string uuidOf(std::string const& service) {
     Query query(db, "SELECT count(*) FROM Service WHERE Uuid = ?");
     query.bind(service).next();
-    if (query.number(0) != 0) {
+    if (query.number(0) != 0)
         return service;
-    }
-    const std::vector<Entry> all = readEntries(findList("all").uuid).entries;
+    std::vector<Entry> const all = readEntries(findList("all").uuid).entries;
     return all[findEntry(all, service, "the list of all services")].uuid;
 }
 
-int run(const std::string& database, const Options& options) {
-    const Session session(database);
-    const std::string uuid = uuidOf(options.service);
-    const std::string key = dbaccess::getBissKeyFromService(uuid);
-    const bool found = key != "NULL";
-    if (options.json) {
+int run(std::string const& database, Options const& options) {
+    Session const session(database);
+    std::string const uuid = uuidOf(options.service);
+    std::string const key = dbaccess::getBissKeyFromService(uuid);
+    bool const found = key != "NULL";
+    if (options.json)
         printJson({{"uuid", uuid}, {"bissKey", found ? Json(key) : Json(nullptr)}});
-    } else if (found) {
+    else if (found)
         std::cout << displayText(key) << "\n";
-    }
-    if (!found) {
+    if (!found)
         throw Failure("no BISS key is stored with service " + displayText(uuid));
-    }
     return kSuccess;
 }
 
@@ -58,7 +55,7 @@ void addBissCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist biss S19.2E-1-1019-10302\n"
             "  channellist biss 'arte HD'")
-        .action([options](const std::string& database) { return run(database, *options); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

@@ -17,25 +17,23 @@ struct Options {
     bool all = false;
 };
 
-void print(const Findings& findings, bool all) {
+void print(Findings const& findings, bool all) {
     constexpr int kShown = 20;  // of a rule
     std::map<std::string, int> counts;
-    for (const Finding& finding : findings) {
+    for (Finding const& finding : findings) {
         if (++counts[finding.rule] <= kShown || all) {
             std::cout << displayText(finding.row) << ": " << displayText(finding.what) << "\n    "
                       << displayText(finding.viewer) << "\n";
         }
     }
-    for (const auto& [rule, count] : counts) {
-        if (count > kShown && !all) {
+    for (auto const& [rule, count] : counts)
+        if (count > kShown && !all)
             std::cout << "and " << count - kShown << " more of " << rule << ", which --all shows\n";
-        }
-    }
 }
 
-void printObjects(const Findings& findings) {
+void printObjects(Findings const& findings) {
     Json list = Json::array();
-    for (const Finding& finding : findings) {
+    for (Finding const& finding : findings) {
         list.push_back({{"rule", finding.rule},
                         {"row", finding.row},
                         {"what", finding.what},
@@ -44,12 +42,11 @@ void printObjects(const Findings& findings) {
     printJson(list);
 }
 
-int run(const std::string& database, const Options& options) {
-    const Session session(database);
+int run(std::string const& database, Options const& options) {
+    Session const session(database);
     Findings findings;
-    for (const auto check : {checkSchema, checkRows, checkConversion}) {
+    for (auto const check : {checkSchema, checkRows, checkConversion})
         check(findings);
-    }
     if (options.json) {
         printObjects(findings);
     } else {
@@ -74,7 +71,7 @@ void addCheckCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist check\n"
             "  channellist check --db copy-of-servicelist.db --json | jq '.[].row'")
-        .action([options](const std::string& database) { return run(database, *options); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

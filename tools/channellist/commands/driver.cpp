@@ -8,14 +8,13 @@
 namespace tool {
 namespace {
 
-int run(const std::string& database, std::vector<std::string> uuids) {
-    const Session session(database);
+int run(std::string const& database, std::vector<std::string> uuids) {
+    Session const session(database);
     std::string name = "channellist";
     std::vector<char*> arguments = {name.data()};
-    for (std::string& uuid : uuids) {
+    for (std::string& uuid : uuids)
         arguments.push_back(uuid.data());
-    }
-    const int count = static_cast<int>(arguments.size());
+    int const count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
     return dbaccess::main0(count, arguments.data()) == 0 ? kSuccess : kFailure;
 }
@@ -30,7 +29,7 @@ void addDriverCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist driver fav1 all\n"
             "  channellist driver fav1 all --trace all")
-        .action([uuids](const std::string& database) { return run(database, *uuids); });
+        .action([uuids](std::string const& database) { return run(database, *uuids); });
 }
 
 }  // namespace tool

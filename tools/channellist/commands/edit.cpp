@@ -25,8 +25,8 @@ struct Options {
 };
 
 // Only FAV lists gain and lose services; in the others an edit changes numbers and hides.
-void checkVerbs(const List& list, const std::vector<Operation>& operations) {
-    for (const Operation& operation : operations) {
+void checkVerbs(List const& list, std::vector<Operation> const& operations) {
+    for (Operation const& operation : operations) {
         if (list.favIndex == 0 && (operation.verb == Verb::Add || operation.verb == Verb::Remove)) {
             throw Failure(
                 "services are added to and removed from FAV1 to FAV4 only; hide and"
@@ -37,7 +37,7 @@ void checkVerbs(const List& list, const std::vector<Operation>& operations) {
     }
 }
 
-std::vector<Entry> storedEntries(const List& list) {
+std::vector<Entry> storedEntries(List const& list) {
     Entries stored = readEntries(list.uuid);
     if (!stored.complete) {
         throw Failure(
@@ -47,35 +47,32 @@ std::vector<Entry> storedEntries(const List& list) {
     return std::move(stored.entries);
 }
 
-std::vector<Entry> addableServices(const std::vector<Operation>& operations) {
-    for (const Operation& operation : operations) {
-        if (operation.verb == Verb::Add) {
+std::vector<Entry> addableServices(std::vector<Operation> const& operations) {
+    for (Operation const& operation : operations)
+        if (operation.verb == Verb::Add)
             return readEntries(findList("all").uuid).entries;
-        }
-    }
     return {};
 }
 
 // A FAV list's request drops stored items that the library does not deliver.
-void noteUndelivered(const List& list, std::size_t delivered) {
+void noteUndelivered(List const& list, std::size_t delivered) {
     Query count(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId = ?");
     count.bind(std::int64_t{list.pid}).next();
-    const auto lost = count.number(0) - static_cast<std::int64_t>(delivered);
+    auto const lost = count.number(0) - static_cast<std::int64_t>(delivered);
     if (list.favIndex != 0 && lost > 0) {
         std::cerr << "channellist: " << displayName(list) << " holds " << lost
                   << " items that it cannot show; the edit drops them\n";
     }
 }
 
-std::string explain(const Options& options, int code) {
-    if (options.dryRun) {
+std::string explain(Options const& options, int code) {
+    if (options.dryRun)
         return "Dry run: nothing is written.";
-    }
     return code == 0 ? "Written: no service joined or left the list."
                      : "Written, and flushed to the disk.";
 }
 
-void report(const Options& options, const std::vector<Change>& changes, const std::string& result) {
+void report(Options const& options, std::vector<Change> const& changes, std::string const& result) {
     if (options.json) {
         printJson({{"written", !options.dryRun && !changes.empty()},
                    {"result", result},
@@ -86,33 +83,30 @@ void report(const Options& options, const std::vector<Change>& changes, const st
     std::cout << result << "\n";
 }
 
-int run(const std::string& database, const Options& options) {
-    const std::vector<Operation> operations = parseOperations(options.words);
-    if (operations.empty() && !options.renumber) {
+int run(std::string const& database, Options const& options) {
+    std::vector<Operation> const operations = parseOperations(options.words);
+    if (operations.empty() && !options.renumber)
         throw Failure("edit needs an operation or --renumber", kUsage);
-    }
     Session session(database, options.dryRun ? Access::Read : Access::Write);
-    const List list = findList(options.list);
+    List const list = findList(options.list);
     checkVerbs(list, operations);
-    const std::vector<Entry> before = storedEntries(list);
+    std::vector<Entry> const before = storedEntries(list);
     ListContent content(displayName(list), before, reservedNumbers(list));
     apply(operations, addableServices(operations), content);
-    const bool renumberList = options.renumber && list.favIndex != 0;
+    bool const renumberList = options.renumber && list.favIndex != 0;
     if (content.entries() == before && !renumberList) {
         report(options, {}, "Nothing to change.");
         return kSuccess;
     }
     noteUndelivered(list, before.size());
-    if (options.dryRun) {
+    if (options.dryRun)
         session.continueOnCopy();
-    }
-    const Snapshot stored = takeSnapshot(list);
-    const int code = submit(
+    Snapshot const stored = takeSnapshot(list);
+    int const code = submit(
         list.favIndex != 0 ? favListRequest(list, content.entries())
                            : otherListRequest(list, before, content.entries(), options.renumber));
-    if (renumberList) {
+    if (renumberList)
         renumber(list);
-    }
     report(options, differences(stored, takeSnapshot(list)), explain(options, code));
     return kSuccess;
 }
@@ -141,7 +135,7 @@ void addEditCommand(CommandLine& line) {
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"
             "  channellist edit all hide id:21 --renumber")
-        .action([options](const std::string& database) { return run(database, *options); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

@@ -17,30 +17,29 @@ namespace {
 
 using namespace channel_database;
 
-std::string tuningUri(Query& uris, const std::string& servicePid) {
+std::string tuningUri(Query& uris, std::string const& servicePid) {
     uris.reset();
     uris.bind(std::strtoll(servicePid.c_str(), nullptr, 10));
     return uris.next() ? uris.text(0) : std::string();
 }
 
 // The numbers count on through all lists; a gap inside a list is written as ":@N".
-void writeList(const List& list, int& nextNumber) {
-    const Rows services = readServices(list.uuid);
+void writeList(List const& list, int& nextNumber) {
+    Rows const services = readServices(list.uuid);
     Query uris(db, "SELECT Uri FROM UriView WHERE Pid = ?");
-    if (!isAllList(list)) {  // of which every channel is, whatever its group
+    if (!isAllList(list))  // of which every channel is, whatever its group
         std::cout << formatGroup(displayName(list)) << "\n";
-    }
     int skipped = 0;
-    for (const ResultRow& service : services.rows) {
-        const bool encrypted = (attributesOf(service) & kScrambled) != 0;
-        const auto channel =
+    for (ResultRow const& service : services.rows) {
+        bool const encrypted = (attributesOf(service) & kScrambled) != 0;
+        auto const channel =
             channelOf({service[SERVICE_FIELD_CAPTION], tuningUri(uris, service[SERVICE_FIELD_PID]),
                        kindOf(service) == "radio", encrypted});
         if (!channel || isDeleted(service)) {
             ++skipped;
             continue;
         }
-        const int number = std::atoi(service[SERVICE_FIELD_CHANNEL_NUMBER].c_str());
+        int const number = std::atoi(service[SERVICE_FIELD_CHANNEL_NUMBER].c_str());
         if (number > nextNumber) {
             std::cout << ":@" << number << "\n";
             nextNumber = number;
@@ -52,17 +51,15 @@ void writeList(const List& list, int& nextNumber) {
         std::cerr << "channellist: " << displayName(list) << ": left out " << skipped
                   << " services that are deleted or no DVB service\n";
     }
-    if (!services.complete) {
+    if (!services.complete)
         throw Failure("not all services could be read; \"channellist check\" tells why");
-    }
 }
 
-int run(const std::string& database, const std::vector<std::string>& words) {
-    const Session session(database);
+int run(std::string const& database, std::vector<std::string> const& words) {
+    Session const session(database);
     int nextNumber = 1;
-    for (const std::string& word : words) {
+    for (std::string const& word : words)
         writeList(findList(word), nextNumber);
-    }
     return kSuccess;
 }
 
@@ -78,7 +75,7 @@ void addExportCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist export FAV1 FAV2 FAV3 FAV4 > favourites.conf\n"
             "  channellist export all > channels.conf")
-        .action([lists](const std::string& database) { return run(database, *lists); });
+        .action([lists](std::string const& database) { return run(database, *lists); });
 }
 
 }  // namespace tool

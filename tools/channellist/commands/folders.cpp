@@ -15,7 +15,7 @@ namespace tool {
 namespace {
 
 // By the flags that the library derives from a list's creator.
-std::string kindOf(const ResultRow& folder) {
+std::string kindOf(ResultRow const& folder) {
     switch (std::strtoul(folder[FOLDER_FIELD_FLAGS].c_str(), nullptr, 10)) {
         case 0x05:
             return "user TV";
@@ -36,7 +36,7 @@ std::string kindOf(const ResultRow& folder) {
     }
 }
 
-void printTable(const std::vector<ResultRow>& folders) {
+void printTable(std::vector<ResultRow> const& folders) {
     TextTable table({{"Name"},
                      {"FAV"},
                      {"Kind"},
@@ -44,7 +44,7 @@ void printTable(const std::vector<ResultRow>& folders) {
                      {"Tag", Align::Right},
                      {"Capability", Align::Right},
                      {"UUID"}});
-    for (const ResultRow& folder : folders) {
+    for (ResultRow const& folder : folders) {
         table.add({folder[FOLDER_FIELD_CAPTION], folder[FOLDER_FIELD_FAV_NAME], kindOf(folder),
                    folder[FOLDER_FIELD_NETWORK_ID], folder[FOLDER_FIELD_UPDATE_TAG],
                    folder[FOLDER_FIELD_CAPABILITY], folder[FOLDER_FIELD_UUID]});
@@ -52,9 +52,9 @@ void printTable(const std::vector<ResultRow>& folders) {
     table.print(std::cout);
 }
 
-void printObjects(const std::vector<ResultRow>& folders) {
+void printObjects(std::vector<ResultRow> const& folders) {
     Json list = Json::array();
-    for (const ResultRow& folder : folders) {
+    for (ResultRow const& folder : folders) {
         list.push_back({{"name", folder[FOLDER_FIELD_CAPTION]},
                         {"uuid", folder[FOLDER_FIELD_UUID]},
                         {"fav", folder[FOLDER_FIELD_FAV_NAME]},
@@ -67,17 +67,15 @@ void printObjects(const std::vector<ResultRow>& folders) {
     printJson(list);
 }
 
-int run(const std::string& database, const Format& format) {
-    const Session session(database);
-    const Rows folders = format.raw ? readRawFolders() : readFolders();
-    if (format.raw) {
+int run(std::string const& database, Format const& format) {
+    Session const session(database);
+    Rows const folders = format.raw ? readRawFolders() : readFolders();
+    if (format.raw)
         (format.json ? printRawJson : printRaw)(folders.rows);
-    } else {
+    else
         (format.json ? printObjects : printTable)(folders.rows);
-    }
-    if (!folders.complete) {
+    if (!folders.complete)
         throw Failure("not all lists could be read; \"channellist check\" tells why");
-    }
     return kSuccess;
 }
 
@@ -93,7 +91,7 @@ void addFoldersCommand(CommandLine& line) {
             "  channellist folders\n"
             "  channellist folders --json | jq '.[].name'\n"
             "  channellist folders --raw --db copy-of-servicelist.db")
-        .action([format](const std::string& database) { return run(database, *format); });
+        .action([format](std::string const& database) { return run(database, *format); });
 }
 
 }  // namespace tool

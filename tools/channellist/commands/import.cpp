@@ -29,9 +29,8 @@ struct Options {
 class Progress {
   public:
     ~Progress() {
-        if (shown_) {
+        if (shown_)
             std::cerr << "\r\x1b[K" << std::flush;
-        }
     }
     void operator()(std::size_t done, std::size_t total) {
         constexpr std::size_t kStep = 500;
@@ -46,13 +45,12 @@ class Progress {
     bool shown_ = false;
 };
 
-void reportRejectedLines(const ChannelsConf& list, const std::string& path) {
-    for (const RejectedLine& rejected : list.rejected) {
+void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
+    for (RejectedLine const& rejected : list.rejected)
         std::cerr << path << ":" << rejected.line << ": skipped: " << rejected.reason << "\n";
-    }
 }
 
-void makeDatabase(const ChannelsConf& list, const Options& options) {
+void makeDatabase(ChannelsConf const& list, Options const& options) {
     {
         Progress progress;
         makeDatabaseFile(list, options.database, options.force, std::ref(progress));
@@ -61,36 +59,34 @@ void makeDatabase(const ChannelsConf& list, const Options& options) {
               << list.groups.size() << " groups, " << list.rejected.size() << " lines skipped\n";
 }
 
-void writeFavourites(const ChannelsConf& list, const Options& options) {
+void writeFavourites(ChannelsConf const& list, Options const& options) {
     Session session(options.database, options.dryRun ? Access::Read : Access::Write);
-    if (options.dryRun) {
+    if (options.dryRun)
         session.continueOnCopy();
-    }
-    const std::vector<Favourites> all = findFavourites(list, options.favList);
-    const Snapshot before = takeSnapshot(List());
-    for (const Favourites& favourites : all) {
+    std::vector<Favourites> const all = findFavourites(list, options.favList);
+    Snapshot const before = takeSnapshot(List());
+    for (Favourites const& favourites : all) {
         submit(favListRequest(favourites.list, favourites.entries));
-        for (const std::string& channel : favourites.notFound) {
+        for (std::string const& channel : favourites.notFound) {
             std::cerr << "channellist: " << displayName(favourites.list)
                       << ": the database has no service for " << channel << "\n";
         }
     }
     printDifferences(differences(before, takeSnapshot(List())));
-    for (const Favourites& favourites : all) {
+    for (Favourites const& favourites : all) {
         std::cout << displayName(favourites.list) << ": " << favourites.entries.size()
                   << " services, " << favourites.notFound.size() << " not found\n";
     }
     std::cout << (options.dryRun ? "Dry run: nothing is written.\n" : "Written.\n");
 }
 
-int run(const std::string& setDatabase, Options options) {
+int run(std::string const& setDatabase, Options options) {
     if (options.database.empty()) {
-        if (!options.favourites) {
+        if (!options.favourites)
             throw Failure("import needs the name of the database to make", kUsage);
-        }
         options.database = setDatabase;
     }
-    const ChannelsConf list = readChannelsConf(options.list);
+    ChannelsConf const list = readChannelsConf(options.list);
     reportRejectedLines(list, options.list);
     (options.favourites ? writeFavourites : makeDatabase)(list, options);
     return kSuccess;
@@ -119,7 +115,7 @@ void addImportCommand(CommandLine& line) {
             "  channellist import channels.conf servicelist.db\n"
             "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"
             "  channellist import --favourites sports.conf --list FAV3")
-        .action([options](const std::string& database) { return run(database, *options); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

@@ -14,36 +14,32 @@
 namespace tool {
 namespace {
 
-std::string texts(const std::vector<unsigned int>& numbers) {
+std::string texts(std::vector<unsigned int> const& numbers) {
     std::vector<std::string> words;
     words.reserve(numbers.size());
-    for (const unsigned int number : numbers) {
+    for (unsigned int const number : numbers)
         words.push_back(std::to_string(number));
-    }
     return joined(words, " ");
 }
 
 int run(bool json) {
-    const OttSession session;
-    if (session.path().empty()) {
+    OttSession const session;
+    if (session.path().empty())
         throw Failure("HOME is not set, and the OTT database lies there");
-    }
-    if (!session.exists()) {
+    if (!session.exists())
         throw Failure("there is no OTT database " + session.path());
-    }
     TextTable table({{"List"}, {"Positions of OTT channels"}});
     Json object;
     for (int index = 1; index <= 4; ++index) {
-        const std::string name = "FAV" + std::to_string(index);
-        const std::vector<unsigned int> numbers = ottNumbers(index);
+        std::string const name = "FAV" + std::to_string(index);
+        std::vector<unsigned int> const numbers = ottNumbers(index);
         object[name] = numbers;
         table.add({name, texts(numbers)});
     }
-    if (json) {
+    if (json)
         printJson(object);
-    } else {
+    else
         table.print(std::cout);
-    }
     return kSuccess;
 }
 
@@ -58,7 +54,7 @@ void addOttCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist ott\n"
             "  HOME=/home/tv channellist ott --json")
-        .action([json](const std::string&) { return run(*json); });
+        .action([json](std::string const&) { return run(*json); });
 }
 
 }  // namespace tool

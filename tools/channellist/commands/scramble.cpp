@@ -11,12 +11,11 @@
 namespace tool {
 namespace {
 
-int run(const std::string& database, bool json) {
-    const Session session(database);
+int run(std::string const& database, bool json) {
+    Session const session(database);
     int exists = 0;
-    if (dbaccess::checkAstraScrambleService(exists) != 0) {
+    if (dbaccess::checkAstraScrambleService(exists) != 0)
         throw Failure("no list of Astra 19.2E holds an anchor service, so none is looked at");
-    }
     if (json) {
         printJson({{"scrambled", exists != 0}});
     } else {
@@ -36,7 +35,7 @@ void addScrambleCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist scramble\n"
             "  channellist scramble --json | jq .scrambled")
-        .action([json](const std::string& database) { return run(database, *json); });
+        .action([json](std::string const& database) { return run(database, *json); });
 }
 
 }  // namespace tool

@@ -20,7 +20,7 @@ struct Options {
     Format format;
 };
 
-void printTable(const std::vector<ResultRow>& services) {
+void printTable(std::vector<ResultRow> const& services) {
     TextTable table({{"No", Align::Right},
                      {"LCN", Align::Right},
                      {"Name"},
@@ -32,7 +32,7 @@ void printTable(const std::vector<ResultRow>& services) {
                      {"Id", Align::Right},
                      {"FAV"},
                      {"State"}});
-    for (const ResultRow& service : services) {
+    for (ResultRow const& service : services) {
         table.add({service[SERVICE_FIELD_CHANNEL_NUMBER], service[SERVICE_FIELD_LCN],
                    service[SERVICE_FIELD_CAPTION], kindOf(service), deliveryOf(service),
                    service[SERVICE_FIELD_ORIGINAL_NETWORK_ID],
@@ -45,7 +45,7 @@ void printTable(const std::vector<ResultRow>& services) {
 
 // The keys that are a column of the row as it is.
 constexpr struct {
-    const char* key;
+    char const* key;
     ServiceField field;
 } kNumberKeys[] = {
     {"onid", SERVICE_FIELD_ORIGINAL_NETWORK_ID},
@@ -65,7 +65,7 @@ constexpr struct {
     {"attributes", SERVICE_FIELD_ATTRIBUTES},
 };
 
-Json objectOf(const ResultRow& service) {
+Json objectOf(ResultRow const& service) {
     Json object = {{"number", numberOrText(service[SERVICE_FIELD_CHANNEL_NUMBER])},
                    {"name", service[SERVICE_FIELD_CAPTION]},
                    {"id", numberOrText(service[SERVICE_FIELD_PID])},
@@ -75,32 +75,28 @@ Json objectOf(const ResultRow& service) {
                    {"state", statesOf(service)},
                    {"favourites", favouritesOf(service)},
                    {"tunerUuid", service[SERVICE_FIELD_TUNER_UUID]}};
-    for (const auto& each : kNumberKeys) {
+    for (auto const& each : kNumberKeys)
         object[each.key] = numberOrText(service[each.field]);
-    }
     return object;
 }
 
-void printObjects(const std::vector<ResultRow>& services) {
+void printObjects(std::vector<ResultRow> const& services) {
     Json list = Json::array();
-    for (const ResultRow& service : services) {
+    for (ResultRow const& service : services)
         list.push_back(objectOf(service));
-    }
     printJson(list);
 }
 
-int run(const std::string& database, const Options& options) {
-    const Session session(database);
-    const List list = findList(options.list);
-    const Rows services = options.format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
-    if (options.format.raw) {
+int run(std::string const& database, Options const& options) {
+    Session const session(database);
+    List const list = findList(options.list);
+    Rows const services = options.format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
+    if (options.format.raw)
         (options.format.json ? printRawJson : printRaw)(services.rows);
-    } else {
+    else
         (options.format.json ? printObjects : printTable)(services.rows);
-    }
-    if (!services.complete) {
+    if (!services.complete)
         throw Failure("not all services could be read; \"channellist check\" tells why");
-    }
     return kSuccess;
 }
 
@@ -117,7 +113,7 @@ void addServicesCommand(CommandLine& line) {
             "  channellist services FAV1\n"
             "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"deleted\")'\n"
             "  channellist services all --raw")
-        .action([options](const std::string& database) { return run(database, *options); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

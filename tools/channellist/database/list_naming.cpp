@@ -13,25 +13,23 @@ namespace {
 constexpr char kFavCreator[] = "User.tvFAV";
 
 // "FAV1" for the creator "User.tvFAV1"; "" for any other list.
-std::string favName(const List& list) {
+std::string favName(List const& list) {
     return list.creator.compare(0, sizeof kFavCreator - 1, kFavCreator) == 0
                ? list.creator.substr(list.creator.find("FAV"))
                : std::string();
 }
 
-bool isCalled(const List& list, const std::string& word) {
-    if (word.empty()) {
+bool isCalled(List const& list, std::string const& word) {
+    if (word.empty())
         return false;
-    }
     return list.name == word || favName(list) == word || (word == "all" && isAllList(list)) ||
            (word == "av" && list.creator == "tamun.sl2.servicelist$av");
 }
 
-std::string candidates(const std::vector<List>& lists) {
+std::string candidates(std::vector<List> const& lists) {
     std::string text;
-    for (const List& list : lists) {
+    for (List const& list : lists)
         text += (text.empty() ? "" : ", ") + list.uuid;
-    }
     return text;
 }
 
@@ -47,26 +45,23 @@ std::vector<List> allLists() {
     // Edits count the FAV lists by the place of their rows, whatever digit their creators end with.
     Query favLists(db, "SELECT Pid FROM FavoriteList WHERE Creator LIKE 'User.tvFAV%'");
     for (int index = 1; favLists.next(); ++index) {
-        const auto pid = static_cast<unsigned int>(favLists.number(0));
-        const auto list = std::find_if(lists.begin(), lists.end(),
-                                       [&](const List& each) { return each.pid == pid; });
-        if (list != lists.end()) {
+        auto const pid = static_cast<unsigned int>(favLists.number(0));
+        auto const list = std::find_if(lists.begin(), lists.end(),
+                                       [&](List const& each) { return each.pid == pid; });
+        if (list != lists.end())
             list->favIndex = index;
-        }
     }
     return lists;
 }
 
-List findList(const std::string& word) {
-    const std::vector<List> lists = allLists();
-    for (const List& list : lists) {
-        if (!list.uuid.empty() && list.uuid == word) {
+List findList(std::string const& word) {
+    std::vector<List> const lists = allLists();
+    for (List const& list : lists)
+        if (!list.uuid.empty() && list.uuid == word)
             return list;
-        }
-    }
     std::vector<List> called;
     std::copy_if(lists.begin(), lists.end(), std::back_inserter(called),
-                 [&](const List& list) { return isCalled(list, word); });
+                 [&](List const& list) { return isCalled(list, word); });
     if (called.empty()) {
         throw Failure("no list has the uuid or name '" + word +
                       "'; \"channellist folders\" shows the lists");
@@ -75,19 +70,17 @@ List findList(const std::string& word) {
         throw Failure("several lists are called '" + word +
                       "', name one by its uuid: " + candidates(called));
     }
-    if (called[0].uuid.empty()) {
+    if (called[0].uuid.empty())
         throw Failure("the list '" + word + "' has no uuid, so no request can name it");
-    }
     return called[0];
 }
 
-bool isAllList(const List& list) { return list.creator == "tamun.sl2.servicelist$all"; }
+bool isAllList(List const& list) { return list.creator == "tamun.sl2.servicelist$all"; }
 
-std::string displayName(const List& list) {
+std::string displayName(List const& list) {
     std::string fav = favName(list);
-    if (!fav.empty()) {
+    if (!fav.empty())
         return fav;
-    }
     return list.name.empty() ? list.uuid : list.name;
 }
 

@@ -19,12 +19,12 @@ std::vector<List> allLists();
 
 // The list whose uuid is `word`, or the only one that is called so: by its name, by FAV1 to FAV4,
 // or "all" and "av" for the lists of all services and of the inputs. Throws Failure.
-List findList(const std::string& word);
+List findList(std::string const& word);
 
 // Whether it is the list of all services.
-bool isAllList(const List& list);
+bool isAllList(List const& list);
 
 // The list's name for a reader: FAV1 to FAV4, else the stored name, else the uuid.
-std::string displayName(const List& list);
+std::string displayName(List const& list);
 
 }  // namespace tool

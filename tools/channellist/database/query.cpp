@@ -4,31 +4,28 @@
 
 namespace tool {
 
-Query::Query(sqlite3* connection, const std::string& sql) : connection_(connection) {
+Query::Query(sqlite3* connection, std::string const& sql) : connection_(connection) {
     sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
+    int const code = sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr);
     statement_.reset(statement);
-    if (code != SQLITE_OK) {
+    if (code != SQLITE_OK)
         fail();
-    }
 }
 
 void Query::fail() const {
     throw Failure(std::string("the database cannot be read: ") + sqlite3_errmsg(connection_));
 }
 
-Query& Query::bind(const std::string& text) {
+Query& Query::bind(std::string const& text) {
     if (sqlite3_bind_text(statement_.get(), ++bound_, text.data(), static_cast<int>(text.size()),
-                          SQLITE_TRANSIENT) != SQLITE_OK) {
+                          SQLITE_TRANSIENT) != SQLITE_OK)
         fail();
-    }
     return *this;
 }
 
 Query& Query::bind(std::int64_t number) {
-    if (sqlite3_bind_int64(statement_.get(), ++bound_, number) != SQLITE_OK) {
+    if (sqlite3_bind_int64(statement_.get(), ++bound_, number) != SQLITE_OK)
         fail();
-    }
     return *this;
 }
 
@@ -59,8 +56,8 @@ bool Query::isInteger(int column) const {
 }
 
 std::string Query::text(int column) const {
-    const auto* bytes =
-        reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+    auto const* bytes =
+        reinterpret_cast<char const*>(sqlite3_column_text(statement_.get(), column));
     return bytes == nullptr ? std::string() : std::string(bytes);
 }
 
@@ -70,7 +67,7 @@ std::int64_t Query::number(int column) const {
 
 int Query::columns() const { return sqlite3_column_count(statement_.get()); }
 
-std::int64_t queryNumber(sqlite3* connection, const std::string& sql) {
+std::int64_t queryNumber(sqlite3* connection, std::string const& sql) {
     Query query(connection, sql);
     return query.next() ? query.number(0) : 0;
 }

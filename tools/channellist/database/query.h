@@ -13,9 +13,9 @@ namespace tool {
 // A prepared statement and its current row. Throws Failure with SQLite's message.
 class Query {
   public:
-    Query(sqlite3* connection, const std::string& sql);
+    Query(sqlite3* connection, std::string const& sql);
 
-    Query& bind(const std::string& text);
+    Query& bind(std::string const& text);
     Query& bind(std::int64_t number);
     // Moves to the next row; false after the last one.
     bool next();
@@ -40,6 +40,6 @@ class Query {
 };
 
 // The first column of the first row.
-std::int64_t queryNumber(sqlite3* connection, const std::string& sql);
+std::int64_t queryNumber(sqlite3* connection, std::string const& sql);
 
 }  // namespace tool

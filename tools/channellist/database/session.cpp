@@ -19,30 +19,25 @@ constexpr int kMemory = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN
 constexpr char kOttFile[] = "zentova_DB_V1.3.db";
 
 // SQLite opens lazily and takes an empty file for a database; these sentences come before.
-void checkFile(const std::string& path) {
+void checkFile(std::string const& path) {
     struct stat file;
     if (stat(path.c_str(), &file) != 0) {
         throw Failure(errno == ENOENT ? "there is no database " + path
                                       : "cannot open " + path + ": " + std::strerror(errno));
     }
-    if (S_ISDIR(file.st_mode)) {
+    if (S_ISDIR(file.st_mode))
         throw Failure(path + " is a directory, not a database");
-    }
-    if (S_ISREG(file.st_mode) && file.st_size == 0) {
+    if (S_ISREG(file.st_mode) && file.st_size == 0)
         throw Failure(path + " is empty: it holds no channel database");
-    }
 }
 
-void checkContent(const std::string& path, int code) {
-    if (code == SQLITE_NOTADB) {
+void checkContent(std::string const& path, int code) {
+    if (code == SQLITE_NOTADB)
         throw Failure(path + " is no SQLite database");
-    }
-    if (code == SQLITE_BUSY) {
+    if (code == SQLITE_BUSY)
         throw Failure(path + " is locked by another process");
-    }
-    if (code != SQLITE_OK) {
+    if (code != SQLITE_OK)
         throw Failure("cannot read " + path + ": " + sqlite3_errmsg(db));
-    }
     if (queryNumber(db,
                     "SELECT count(*) FROM sqlite_master WHERE type IN ('table', 'view')"
                     " AND lower(name) IN ('service', 'favoritelist', 'favoriteitem')") == 0) {
@@ -52,10 +47,9 @@ void checkContent(const std::string& path, int code) {
     }
 }
 
-void openChecked(const std::string& path, int flags, sqlite3*& connection) {
-    if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) {
+void openChecked(std::string const& path, int flags, sqlite3*& connection) {
+    if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK)
         throw Failure("cannot open " + path + ": " + sqlite3_errmsg(connection));
-    }
     sqlite3_busy_timeout(connection, kBusyTimeoutMilliseconds);
 }
 
@@ -67,7 +61,7 @@ void close(sqlite3*& connection) {
 }  // namespace
 
 OttSession::OttSession() {
-    const char* const home = std::getenv("HOME");
+    char const* const home = std::getenv("HOME");
     path_ = home == nullptr ? std::string() : std::string(home) + "/" + kOttFile;
     struct stat file;
     exists_ = !path_.empty() && stat(path_.c_str(), &file) == 0 && file.st_size != 0;
@@ -87,16 +81,15 @@ OttSession::OttSession() {
 
 OttSession::~OttSession() { close(db_zentova); }
 
-Session::Session(const std::string& path, Access access) {
+Session::Session(std::string const& path, Access access) {
     checkFile(path);
     try {
         openChecked(path, access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE,
                     db);
         checkContent(path, sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr,
                                         nullptr));
-        if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1) {
+        if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1)
             throw Failure(path + " cannot be written");
-        }
     } catch (...) {
         close(db);
         throw;
@@ -111,11 +104,10 @@ void Session::continueOnCopy() {
         sqlite3_backup_step(backup, -1);
         sqlite3_backup_finish(backup);
     }
-    const bool copied = sqlite3_errcode(copy) == SQLITE_OK;
+    bool const copied = sqlite3_errcode(copy) == SQLITE_OK;
     sqlite3_close(copied ? std::exchange(db, copy) : copy);
-    if (!copied) {
+    if (!copied)
         throw Failure("the database could not be copied: is it locked by another process?");
-    }
 }
 
 Session::~Session() { close(db); }

@@ -16,11 +16,11 @@ class OttSession {
   public:
     OttSession();
     ~OttSession();
-    OttSession(const OttSession&) = delete;
-    OttSession& operator=(const OttSession&) = delete;
+    OttSession(OttSession const&) = delete;
+    OttSession& operator=(OttSession const&) = delete;
 
     // The file; "" when HOME is not set.
-    const std::string& path() const { return path_; }
+    std::string const& path() const { return path_; }
     bool exists() const { return exists_; }
 
   private:
@@ -32,10 +32,10 @@ class OttSession {
 // never created: one that is missing, empty or no channel database throws Failure.
 class Session {
   public:
-    explicit Session(const std::string& path, Access access = Access::Read);
+    explicit Session(std::string const& path, Access access = Access::Read);
     ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
 
     // Hands the library a copy in memory in place of the file, which stays as it is.
     void continueOnCopy();

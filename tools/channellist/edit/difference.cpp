@@ -11,43 +11,40 @@ namespace {
 
 // An entry's service, and how often the list named it before.
 using Key = std::pair<unsigned int, int>;
-using KeyedEntries = std::vector<std::pair<Key, const Entry*>>;
+using KeyedEntries = std::vector<std::pair<Key, Entry const*>>;
 
-KeyedEntries keyed(const std::vector<Entry>& entries) {
+KeyedEntries keyed(std::vector<Entry> const& entries) {
     std::map<unsigned int, int> occurrences;
     KeyedEntries result;
-    for (const Entry& entry : entries) {
+    for (Entry const& entry : entries)
         result.emplace_back(Key(entry.serviceId, occurrences[entry.serviceId]++), &entry);
-    }
     return result;
 }
 
-std::vector<std::string> wordsFor(const Entry& before, const Entry& after) {
+std::vector<std::string> wordsFor(Entry const& before, Entry const& after) {
     std::vector<std::string> words;
-    if (before.number != after.number) {
+    if (before.number != after.number)
         words.emplace_back("moved");
-    }
-    if (before.deleted != after.deleted) {
+    if (before.deleted != after.deleted)
         words.emplace_back(after.deleted ? "hidden" : "restored");
-    }
     return words;
 }
 
-void compare(const std::string& listName, const std::vector<Entry>& before,
-             const std::vector<Entry>& after, std::vector<Change>& changes) {
-    const KeyedEntries stored = keyed(before);
-    const KeyedEntries written = keyed(after);
-    const std::map<Key, const Entry*> olds(stored.begin(), stored.end());
-    const std::map<Key, const Entry*> news(written.begin(), written.end());
-    for (const auto& [key, entry] : stored) {
+void compare(std::string const& listName, std::vector<Entry> const& before,
+             std::vector<Entry> const& after, std::vector<Change>& changes) {
+    KeyedEntries const stored = keyed(before);
+    KeyedEntries const written = keyed(after);
+    std::map<Key, Entry const*> const olds(stored.begin(), stored.end());
+    std::map<Key, Entry const*> const news(written.begin(), written.end());
+    for (auto const& [key, entry] : stored) {
         if (news.count(key) == 0) {
             changes.push_back(
                 {listName, {"removed"}, numberText(*entry), "", entry->name, entry->serviceId});
         }
     }
-    for (const auto& [key, entry] : written) {
-        const std::string number = numberText(*entry);
-        const auto old = olds.find(key);
+    for (auto const& [key, entry] : written) {
+        std::string const number = numberText(*entry);
+        auto const old = olds.find(key);
         if (old == olds.end()) {
             changes.push_back({listName, {"added"}, "", number, entry->name, entry->serviceId});
         } else if (!(*old->second == *entry)) {
@@ -59,26 +56,24 @@ void compare(const std::string& listName, const std::vector<Entry>& before,
 
 }  // namespace
 
-Snapshot takeSnapshot(const List& edited) {
+Snapshot takeSnapshot(List const& edited) {
     Snapshot snapshot;
-    for (const List& list : allLists()) {
-        if (list.pid != edited.pid && list.favIndex == 0) {
+    for (List const& list : allLists()) {
+        if (list.pid != edited.pid && list.favIndex == 0)
             continue;
-        }
         snapshot.push_back({displayName(list), readEntries(list.uuid).entries});
     }
     return snapshot;
 }
 
-std::vector<Change> differences(const Snapshot& before, const Snapshot& after) {
+std::vector<Change> differences(Snapshot const& before, Snapshot const& after) {
     std::vector<Change> changes;
-    for (std::size_t i = 0; i < before.size() && i < after.size(); ++i) {
+    for (std::size_t i = 0; i < before.size() && i < after.size(); ++i)
         compare(before[i].listName, before[i].entries, after[i].entries, changes);
-    }
     return changes;
 }
 
-void printDifferences(const std::vector<Change>& changes) {
+void printDifferences(std::vector<Change> const& changes) {
     if (changes.empty()) {
         std::cout << "no entry of a list differs\n";
         return;
@@ -89,16 +84,16 @@ void printDifferences(const std::vector<Change>& changes) {
                      {"After", Align::Right},
                      {"Name"},
                      {"Id", Align::Right}});
-    for (const Change& change : changes) {
+    for (Change const& change : changes) {
         table.add({change.listName, joined(change.what), change.before, change.after, change.name,
                    std::to_string(change.serviceId)});
     }
     table.print(std::cout);
 }
 
-Json differencesJson(const std::vector<Change>& changes) {
+Json differencesJson(std::vector<Change> const& changes) {
     Json list = Json::array();
-    for (const Change& change : changes) {
+    for (Change const& change : changes) {
         list.push_back({{"list", change.listName},
                         {"change", change.what},
                         {"before", numberOrText(change.before)},

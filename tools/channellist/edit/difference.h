@@ -19,7 +19,7 @@ struct ListEntries {
 // The edited list, if one has its key, and the FAV lists.
 using Snapshot = std::vector<ListEntries>;
 
-Snapshot takeSnapshot(const List& edited);
+Snapshot takeSnapshot(List const& edited);
 
 struct Change {
     std::string listName;
@@ -29,8 +29,8 @@ struct Change {
     unsigned int serviceId;
 };
 
-std::vector<Change> differences(const Snapshot& before, const Snapshot& after);
-void printDifferences(const std::vector<Change>& changes);
-Json differencesJson(const std::vector<Change>& changes);
+std::vector<Change> differences(Snapshot const& before, Snapshot const& after);
+void printDifferences(std::vector<Change> const& changes);
+Json differencesJson(std::vector<Change> const& changes);
 
 }  // namespace tool

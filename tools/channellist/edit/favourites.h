@@ -20,7 +20,7 @@ struct Favourites {
 // Each group, or everything for the list `listName` when it is not empty. The services are those
 // of the list of all services with the channel's DVB triplet; delivery, satellite, frequency and
 // name choose among several. Throws Failure when a list is none of FAV1 to FAV4.
-std::vector<Favourites> findFavourites(const channel_database::ChannelsConf& channels,
-                                       const std::string& listName);
+std::vector<Favourites> findFavourites(channel_database::ChannelsConf const& channels,
+                                       std::string const& listName);
 
 }  // namespace tool

@@ -15,27 +15,27 @@ namespace {
 constexpr std::int64_t kSmallest = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
 
-std::optional<std::int64_t> channelNumber(const std::string& text) {
-    const auto number = wholeNumber(text);
+std::optional<std::int64_t> channelNumber(std::string const& text) {
+    auto const number = wholeNumber(text);
     return number && *number >= kSmallest && *number <= kLargest ? number : std::nullopt;
 }
 
-bool isAt(const Entry& entry, std::int64_t number) {
+bool isAt(Entry const& entry, std::int64_t number) {
     return !entry.deleted && entry.number == number;
 }
 
 }  // namespace
 
-std::string numberText(const Entry& entry) {
+std::string numberText(Entry const& entry) {
     return entry.number ? std::to_string(*entry.number) : std::string();
 }
 
-Entries readEntries(const std::string& listUuid) {
-    const Rows services = readServices(listUuid);
+Entries readEntries(std::string const& listUuid) {
+    Rows const services = readServices(listUuid);
     Entries result;
     result.complete = services.complete;
-    for (const ResultRow& service : services.rows) {
-        const auto id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
+    for (ResultRow const& service : services.rows) {
+        auto const id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
         result.entries.push_back({channelNumber(service[SERVICE_FIELD_CHANNEL_NUMBER]),
                                   static_cast<unsigned int>(id), isDeleted(service),
                                   service[SERVICE_FIELD_CAPTION], service[SERVICE_FIELD_UUID]});
@@ -50,9 +50,8 @@ void ListContent::add(Entry entry, std::optional<std::int64_t> number) {
         entry.number = *number;
     } else {
         std::int64_t last = 0;
-        for (const Entry& each : entries_) {
+        for (Entry const& each : entries_)
             last = std::max(last, each.number.value_or(0));
-        }
         entry.number = numberAfter(last);
     }
     entries_.push_back(std::move(entry));
@@ -64,9 +63,8 @@ void ListContent::remove(std::size_t index) {
 
 void ListContent::move(std::size_t index, std::int64_t number) {
     checkFree(number);
-    if (!closeUp(entries_[index], number)) {
+    if (!closeUp(entries_[index], number))
         makeRoomAt(number);
-    }
     entries_[index].number = number;
 }
 
@@ -74,39 +72,32 @@ void ListContent::hide(std::size_t index) { entries_[index].deleted = true; }
 
 void ListContent::restore(std::size_t index) {
     Entry& entry = entries_[index];
-    if (entry.deleted && entry.number) {
+    if (entry.deleted && entry.number)
         makeRoomAt(*entry.number);
-    }
     entry.deleted = false;
 }
 
-bool ListContent::closeUp(const Entry& leaving, std::int64_t number) {
-    if (!leaving.number) {
+bool ListContent::closeUp(Entry const& leaving, std::int64_t number) {
+    if (!leaving.number)
         return false;
-    }
-    const std::int64_t old = *leaving.number;
+    std::int64_t const old = *leaving.number;
     std::vector<Entry*> between;  // the others from the old place to the new one
-    for (Entry& entry : entries_) {
+    for (Entry& entry : entries_)
         if (&entry != &leaving && !entry.deleted && entry.number &&
-            *entry.number >= std::min(old, number) && *entry.number <= std::max(old, number)) {
+            *entry.number >= std::min(old, number) && *entry.number <= std::max(old, number))
             between.push_back(&entry);
-        }
-    }
     if (std::none_of(between.begin(), between.end(),
-                     [&](const Entry* entry) { return isAt(*entry, number); })) {
+                     [&](Entry const* entry) { return isAt(*entry, number); }))
         return true;
-    }
     std::stable_sort(between.begin(), between.end(),
-                     [](const Entry* a, const Entry* b) { return *a->number < *b->number; });
+                     [](Entry const* a, Entry const* b) { return *a->number < *b->number; });
     std::vector<std::int64_t> numbers = {old};
-    for (const Entry* entry : between) {
+    for (Entry const* entry : between)
         numbers.push_back(*entry->number);
-    }
     std::sort(numbers.begin(), numbers.end());
-    const std::size_t first = number < old ? 1 : 0;  // the numbers that remain for the others
-    for (std::size_t i = 0; i < between.size(); ++i) {
+    std::size_t const first = number < old ? 1 : 0;  // the numbers that remain for the others
+    for (std::size_t i = 0; i < between.size(); ++i)
         between[i]->number = numbers[first + i];
-    }
     return true;
 }
 
@@ -115,9 +106,8 @@ void ListContent::checkFree(std::int64_t number) const {
         throw Failure("number " + std::to_string(number) + " of " + listName_ +
                       " belongs to an OTT channel");
     }
-    if (number < 1 || number > kLargest) {
+    if (number < 1 || number > kLargest)
         throw Failure("channel numbers go from 1 to " + std::to_string(kLargest), kUsage);
-    }
 }
 
 std::int64_t ListContent::numberAfter(std::int64_t number) const {
@@ -131,21 +121,16 @@ void ListContent::makeRoomAt(std::int64_t number) {
     std::vector<std::vector<Entry*>> moved;  // with the number that they leave
     for (std::int64_t at = number;; at = numberAfter(at)) {
         std::vector<Entry*> there;
-        for (Entry& entry : entries_) {
-            if (isAt(entry, at)) {
+        for (Entry& entry : entries_)
+            if (isAt(entry, at))
                 there.push_back(&entry);
-            }
-        }
-        if (there.empty()) {
+        if (there.empty())
             break;
-        }
         moved.push_back(std::move(there));
     }
-    for (const auto& entries : moved) {
-        for (Entry* entry : entries) {
+    for (auto const& entries : moved)
+        for (Entry* entry : entries)
             entry->number = numberAfter(*entry->number);
-        }
-    }
 }
 
 }  // namespace tool

@@ -18,18 +18,18 @@ struct Entry {
     std::string uuid;
 };
 
-inline bool operator==(const Entry& a, const Entry& b) {
+inline bool operator==(Entry const& a, Entry const& b) {
     return a.number == b.number && a.serviceId == b.serviceId && a.deleted == b.deleted;
 }
 
 // The channel number as text; "" without one.
-std::string numberText(const Entry& entry);
+std::string numberText(Entry const& entry);
 
 struct Entries {
     std::vector<Entry> entries;
     bool complete = true;  // see Rows
 };
-Entries readEntries(const std::string& listUuid);
+Entries readEntries(std::string const& listUuid);
 
 // Places entries at numbers. No number is held twice that was not before, but by deleted entries,
 // which hold none. `reserved` numbers are those of OTT channels: nothing is placed there.
@@ -40,8 +40,8 @@ class ListContent {
           entries_(std::move(entries)),
           reserved_(std::move(reserved)) {}
 
-    const std::string& listName() const { return listName_; }
-    const std::vector<Entry>& entries() const { return entries_; }
+    std::string const& listName() const { return listName_; }
+    std::vector<Entry> const& entries() const { return entries_; }
 
     // At the end, or at `number`; an entry that stands there, and those behind it up to the next
     // gap, then move on by one.
@@ -60,7 +60,7 @@ class ListContent {
     std::int64_t numberAfter(std::int64_t number) const;
     void makeRoomAt(std::int64_t number);
     // Closes up the entries between the place of `leaving` and `number`; false when it has none.
-    bool closeUp(const Entry& leaving, std::int64_t number);
+    bool closeUp(Entry const& leaving, std::int64_t number);
 
     std::string listName_;
     std::vector<Entry> entries_;

@@ -19,16 +19,16 @@ struct Operation {
 
 // Reads "add SERVICE [at NUMBER] | remove SERVICE | move SERVICE to NUMBER | hide SERVICE |
 // restore SERVICE ...". Throws Failure (kUsage).
-std::vector<Operation> parseOperations(const std::vector<std::string>& words);
+std::vector<Operation> parseOperations(std::vector<std::string> const& words);
 
 // The place in `entries` of the service that `word` means: digits are a channel number, "id:N" is
 // the database key, anything else a uuid or name. Throws Failure, naming the candidates when there
 // are several.
-std::size_t findEntry(const std::vector<Entry>& entries, const std::string& word,
-                      const std::string& listName);
+std::size_t findEntry(std::vector<Entry> const& entries, std::string const& word,
+                      std::string const& listName);
 
 // Does the operations one after the other; `all` holds the services that can be added.
-void apply(const std::vector<Operation>& operations, const std::vector<Entry>& all,
+void apply(std::vector<Operation> const& operations, std::vector<Entry> const& all,
            ListContent& content);
 
 }  // namespace tool

@@ -19,7 +19,7 @@ constexpr unsigned int kRenumberFav1 = 0x04;  // and the next three for FAV2 to 
 
 constexpr int kMalformed = -1;
 
-void append(std::vector<std::string>& request, unsigned int flags, const Entry& entry) {
+void append(std::vector<std::string>& request, unsigned int flags, Entry const& entry) {
     if (!entry.number) {
         throw Failure("id:" + std::to_string(entry.serviceId) + " (" + entry.name +
                       ") has no channel number that could be written back; move it to one");
@@ -32,10 +32,9 @@ void append(std::vector<std::string>& request, unsigned int flags, const Entry& 
 // The renumbering flags of each service that a FAV list holds.
 std::map<unsigned int, unsigned int> renumberFlags() {
     std::map<unsigned int, unsigned int> flags;
-    for (const List& list : allLists()) {
-        if (list.favIndex == 0) {
+    for (List const& list : allLists()) {
+        if (list.favIndex == 0)
             continue;
-        }
         Query items(db, "SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = ?");
         items.bind(std::int64_t{list.pid});
         while (items.next()) {
@@ -47,12 +46,11 @@ std::map<unsigned int, unsigned int> renumberFlags() {
 }
 
 std::string explain(int code) {
-    if (code == kMalformed) {
+    if (code == kMalformed)
         return "the edit was refused: a number of the request does not convert; nothing is written";
-    }
-    const auto lists = allLists();
-    const auto count = std::count_if(lists.begin(), lists.end(),
-                                     [](const List& list) { return list.favIndex != 0; });
+    auto const lists = allLists();
+    auto const count = std::count_if(lists.begin(), lists.end(),
+                                     [](List const& list) { return list.favIndex != 0; });
     std::string sentence =
         "the edit failed and was rolled back: nothing is written but the list's update tag";
     if (count != 4) {
@@ -64,26 +62,24 @@ std::string explain(int code) {
 
 }  // namespace
 
-std::vector<std::string> favListRequest(const List& list, const std::vector<Entry>& after) {
+std::vector<std::string> favListRequest(List const& list, std::vector<Entry> const& after) {
     std::vector<std::string> request = {list.uuid};
-    for (const Entry& entry : after) {
+    for (Entry const& entry : after)
         append(request, entry.deleted ? kDeleted : 0, entry);
-    }
     return request;
 }
 
-std::vector<std::string> otherListRequest(const List& list, const std::vector<Entry>& before,
-                                          const std::vector<Entry>& after, bool renumber) {
-    const auto renumbering = renumber ? renumberFlags() : std::map<unsigned int, unsigned int>();
+std::vector<std::string> otherListRequest(List const& list, std::vector<Entry> const& before,
+                                          std::vector<Entry> const& after, bool renumber) {
+    auto const renumbering = renumber ? renumberFlags() : std::map<unsigned int, unsigned int>();
     std::vector<std::string> request = {list.uuid};
     for (std::size_t i = 0; i < after.size(); ++i) {  // nothing joins or leaves such a list
-        if (after[i] == before[i]) {
+        if (after[i] == before[i])
             continue;
-        }
         unsigned int flags = after[i].deleted ? kDeleted : 0;
         if (after[i].deleted != before[i].deleted) {
             flags |= after[i].deleted ? kDeleted : kRestored;
-            const auto held = renumbering.find(after[i].serviceId);
+            auto const held = renumbering.find(after[i].serviceId);
             flags |= held == renumbering.end() ? 0 : held->second;
         }
         append(request, flags, after[i]);
@@ -91,15 +87,14 @@ std::vector<std::string> otherListRequest(const List& list, const std::vector<En
     return request;
 }
 
-int submit(const std::vector<std::string>& request) {
-    const int code = dbaccess::onServiceListEdit(request);
-    if (code < 0) {
+int submit(std::vector<std::string> const& request) {
+    int const code = dbaccess::onServiceListEdit(request);
+    if (code < 0)
         throw Failure(explain(code));
-    }
     return code;
 }
 
-void renumber(const List& favList) {
+void renumber(List const& favList) {
     pthread_mutex_lock(&svresult_mutex);
     char* error = nullptr;
     int code = sqlexec(db, "BEGIN IMMEDIATE TRANSACTION", nullptr, nullptr, &error);
@@ -109,9 +104,8 @@ void renumber(const List& favList) {
         code = sqlexec(db, "COMMIT TRANSACTION", nullptr, nullptr, &error);
     }
     pthread_mutex_unlock(&svresult_mutex);
-    if (code != SQLITE_OK) {
+    if (code != SQLITE_OK)
         throw Failure("the list is written, but it could not be renumbered");
-    }
 }
 
 }  // namespace tool

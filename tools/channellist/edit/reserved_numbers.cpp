@@ -7,14 +7,13 @@
 
 namespace tool {
 
-std::set<std::int64_t> reservedNumbers(const List& list) {
-    if (list.favIndex < 1 || list.favIndex > 4) {
+std::set<std::int64_t> reservedNumbers(List const& list) {
+    if (list.favIndex < 1 || list.favIndex > 4)
         return {};
-    }
     try {
-        const std::vector<unsigned int> numbers = ottNumbers(list.favIndex);
+        std::vector<unsigned int> const numbers = ottNumbers(list.favIndex);
         return std::set<std::int64_t>(numbers.begin(), numbers.end());
-    } catch (const Failure& failure) {
+    } catch (Failure const& failure) {
         std::cerr << "channellist: " << failure.what() << "; no number is kept free for it\n";
         return {};
     }

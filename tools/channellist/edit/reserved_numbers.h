@@ -10,6 +10,6 @@ namespace tool {
 
 // None for a list that is no FAV list, and, with a word on standard error, when the OTT database
 // cannot be searched.
-std::set<std::int64_t> reservedNumbers(const List& list);
+std::set<std::int64_t> reservedNumbers(List const& list);
 
 }  // namespace tool

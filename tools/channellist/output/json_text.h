@@ -10,19 +10,19 @@
 namespace tool {
 
 // The decimal number that the whole text is.
-std::optional<std::int64_t> wholeNumber(const std::string& text);
+std::optional<std::int64_t> wholeNumber(std::string const& text);
 
 using Json = nlohmann::ordered_json;
 
 // The number that `text` is, null for an empty text, else the text itself.
-Json numberOrText(const std::string& text);
+Json numberOrText(std::string const& text);
 
 // Rows as arrays of texts, one a line.
-void printRawJson(const std::vector<std::vector<std::string>>& rows);
+void printRawJson(std::vector<std::vector<std::string>> const& rows);
 // Rows as lines of texts with tabs between them; control characters as "\x09".
-void printRaw(const std::vector<std::vector<std::string>>& rows);
+void printRaw(std::vector<std::vector<std::string>> const& rows);
 
 // Bytes that are no UTF-8 become the replacement character.
-void printJson(const Json& value);
+void printJson(Json const& value);
 
 }  // namespace tool

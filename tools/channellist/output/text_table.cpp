@@ -16,18 +16,16 @@ constexpr char kGap[] = "  ";
 class Utf8Scope {
   public:
     Utf8Scope() {
-        static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-        if (utf8 != nullptr) {
+        static locale_t const utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        if (utf8 != nullptr)
             before_ = uselocale(utf8);
-        }
     }
     ~Utf8Scope() {
-        if (before_ != nullptr) {
+        if (before_ != nullptr)
             uselocale(before_);
-        }
     }
-    Utf8Scope(const Utf8Scope&) = delete;
-    Utf8Scope& operator=(const Utf8Scope&) = delete;
+    Utf8Scope(Utf8Scope const&) = delete;
+    Utf8Scope& operator=(Utf8Scope const&) = delete;
 
   private:
     locale_t before_ = nullptr;
@@ -36,15 +34,15 @@ class Utf8Scope {
 // Calls visit(bytes, length, character) for each character; the length is 1 and the character -1
 // where the bytes are no UTF-8.
 template <class Visit>
-void forEachCharacter(const std::string& text, Visit visit) {
-    const Utf8Scope scope;
-    const char* at = text.data();
-    const char* const end = at + text.size();
+void forEachCharacter(std::string const& text, Visit visit) {
+    Utf8Scope const scope;
+    char const* at = text.data();
+    char const* const end = at + text.size();
     while (at < end) {
         wchar_t character = 0;
         mbstate_t state = {};
         std::size_t length = mbrtowc(&character, at, static_cast<std::size_t>(end - at), &state);
-        const bool valid =
+        bool const valid =
             length != static_cast<std::size_t>(-1) && length != static_cast<std::size_t>(-2);
         length = valid ? std::max<std::size_t>(length, 1) : 1;
         visit(at, length, valid ? static_cast<long>(character) : -1L);
@@ -58,18 +56,18 @@ bool isControl(long character) {
 
 }  // namespace
 
-std::size_t displayWidth(const std::string& text) {
+std::size_t displayWidth(std::string const& text) {
     std::size_t width = 0;
-    forEachCharacter(text, [&](const char*, std::size_t, long character) {
-        const int columns = character < 0 ? 1 : wcwidth(static_cast<wchar_t>(character));
+    forEachCharacter(text, [&](char const*, std::size_t, long character) {
+        int const columns = character < 0 ? 1 : wcwidth(static_cast<wchar_t>(character));
         width += columns < 0 ? 1U : static_cast<std::size_t>(columns);
     });
     return width;
 }
 
-std::string displayText(const std::string& text) {
+std::string displayText(std::string const& text) {
     std::string shown;
-    forEachCharacter(text, [&](const char* bytes, std::size_t length, long character) {
+    forEachCharacter(text, [&](char const* bytes, std::size_t length, long character) {
         if (character < 0) {
             shown += kReplacement;
         } else if (isControl(character)) {
@@ -85,9 +83,8 @@ std::string displayText(const std::string& text) {
 }
 
 TextTable::TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {
-    for (const Column& column : columns_) {
+    for (Column const& column : columns_)
         widths_.push_back(displayWidth(column.name));
-    }
 }
 
 void TextTable::add(std::vector<std::string> texts) {
@@ -107,15 +104,14 @@ void TextTable::print(std::ostream& out) const {
     }
     printRow(out, names);
     printRow(out, rules);
-    for (const auto& row : rows_) {
+    for (auto const& row : rows_)
         printRow(out, row);
-    }
 }
 
-void TextTable::printRow(std::ostream& out, const std::vector<std::string>& texts) const {
+void TextTable::printRow(std::ostream& out, std::vector<std::string> const& texts) const {
     std::string line;
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        const std::string padding(widths_[i] - displayWidth(texts[i]), ' ');
+        std::string const padding(widths_[i] - displayWidth(texts[i]), ' ');
         line += i == 0 ? "" : kGap;
         line += columns_[i].align == Align::Right ? padding + texts[i] : texts[i] + padding;
     }

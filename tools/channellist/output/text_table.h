@@ -8,11 +8,11 @@
 namespace tool {
 
 // Columns a terminal needs for `text`: two for wide characters, none for combining ones.
-std::size_t displayWidth(const std::string& text);
+std::size_t displayWidth(std::string const& text);
 
 // `text` as a terminal can show it: control characters as "\x1b", bytes that are no UTF-8 as the
 // replacement character.
-std::string displayText(const std::string& text);
+std::string displayText(std::string const& text);
 
 enum class Align { Left, Right };
 
@@ -31,7 +31,7 @@ class TextTable {
     void print(std::ostream& out) const;
 
   private:
-    void printRow(std::ostream& out, const std::vector<std::string>& texts) const;
+    void printRow(std::ostream& out, std::vector<std::string> const& texts) const;
 
     std::vector<Column> columns_;
     std::vector<std::size_t> widths_;

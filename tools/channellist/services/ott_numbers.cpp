@@ -11,9 +11,8 @@ std::vector<unsigned int> ottNumbers(int favIndex) {
         dbaccess::getOttFav1List, dbaccess::getOttFav2List, dbaccess::getOttFav3List,
         dbaccess::getOttFav4List};
     std::vector<unsigned int> numbers;
-    if (kReaders[favIndex - 1](numbers) != 0) {
+    if (kReaders[favIndex - 1](numbers) != 0)
         throw Failure("the OTT database cannot be searched");
-    }
     return numbers;
 }
 

@@ -15,28 +15,27 @@ class AllFields {
         std::iota(fields_.begin(), fields_.end(), 0);
     }
     ~AllFields() { fields_ = before_; }
-    AllFields(const AllFields&) = delete;
-    AllFields& operator=(const AllFields&) = delete;
+    AllFields(AllFields const&) = delete;
+    AllFields& operator=(AllFields const&) = delete;
 
   private:
     std::vector<int>& fields_;
     std::vector<int> before_;
 };
 
-Rows take(const ResultSet& delivered, std::int64_t expected) {
+Rows take(ResultSet const& delivered, std::int64_t expected) {
     Rows result;
     result.rows.reserve(delivered.size());
-    for (const auto& row : delivered) {
+    for (auto const& row : delivered)
         result.rows.push_back(*row);
-    }
     result.complete = static_cast<std::int64_t>(delivered.size()) >= expected;
     return result;
 }
 
 }  // namespace
 
-Rows readRawServices(const std::string& listUuid) {
-    const ResultSet services = dbaccess::get_dbservices(listUuid);
+Rows readRawServices(std::string const& listUuid) {
+    ResultSet const services = dbaccess::get_dbservices(listUuid);
     Query count(db,
                 "SELECT count(*) FROM FavoriteItemView WHERE FavoriteId ="
                 " (SELECT Pid FROM FavoriteList WHERE Uuid = ?)");
@@ -44,13 +43,13 @@ Rows readRawServices(const std::string& listUuid) {
     return take(services, count.number(0));
 }
 
-Rows readServices(const std::string& listUuid) {
-    const AllFields fields(m_svfield, SERVICE_FIELD_POLARIZATION);
+Rows readServices(std::string const& listUuid) {
+    AllFields const fields(m_svfield, SERVICE_FIELD_POLARIZATION);
     return readRawServices(listUuid);
 }
 
 Rows readRawFolders() {
-    const ResultSet folders = dbaccess::select_Folders();
+    ResultSet const folders = dbaccess::select_Folders();
     return take(folders, queryNumber(db,
                                      "SELECT count(*) FROM FavoriteList"
                                      " WHERE Creator <> 'tamun.sl2.servicelist$all'"
@@ -58,7 +57,7 @@ Rows readRawFolders() {
 }
 
 Rows readFolders() {
-    const AllFields fields(m_flfield, FOLDER_FIELD_FAV_NAME);
+    AllFields const fields(m_flfield, FOLDER_FIELD_FAV_NAME);
     return readRawFolders();
 }
 

@@ -16,12 +16,12 @@ struct Rows {
 };
 
 // The rows' columns are numbered by field id: row[SERVICE_FIELD_CAPTION].
-Rows readServices(const std::string& listUuid);
+Rows readServices(std::string const& listUuid);
 // row[FOLDER_FIELD_CAPTION]
 Rows readFolders();
 
 // The rows in the columns that the library gives on its own accord.
-Rows readRawServices(const std::string& listUuid);
+Rows readRawServices(std::string const& listUuid);
 Rows readRawFolders();
 
 }  // namespace tool

@@ -17,17 +17,17 @@ constexpr unsigned int kProtected = 0x40000;
 
 // These take a row of all columns, numbered by field id.
 
-unsigned int attributesOf(const ResultRow& service);
-bool isDeleted(const ResultRow& service);
+unsigned int attributesOf(ResultRow const& service);
+bool isDeleted(ResultRow const& service);
 // "TV", "radio", or the input: "HDMI", "SCART" ...
-std::string kindOf(const ResultRow& service);
+std::string kindOf(ResultRow const& service);
 // "satellite", "cable", "terrestrial", "analogue", "IP"; "" for inputs.
-std::string deliveryOf(const ResultRow& service);
+std::string deliveryOf(ResultRow const& service);
 // "hidden", "deleted", "scrambled", "locked" ...
-std::vector<std::string> statesOf(const ResultRow& service);
+std::vector<std::string> statesOf(ResultRow const& service);
 // The FAV lists that the service says it is in, "FAV1" to "FAV4".
-std::vector<std::string> favouritesOf(const ResultRow& service);
+std::vector<std::string> favouritesOf(ResultRow const& service);
 
-std::string joined(const std::vector<std::string>& words, const char* separator = ", ");
+std::string joined(std::vector<std::string> const& words, char const* separator = ", ");
 
 }  // namespace tool

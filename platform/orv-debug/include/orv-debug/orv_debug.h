@@ -16,7 +16,7 @@ int orvDebugCheckLevelGetFrameAndChunk(unsigned int* descriptor);
 
 /// Writes one message of the module and level in `descriptor`, formatted as by printf. Call it
 /// only after orvDebugCheckLevelGetFrameAndChunk answered non-zero for the same descriptor.
-void orvDebugOutput0(unsigned int* descriptor, const char* format, ...)
+void orvDebugOutput0(unsigned int* descriptor, char const* format, ...)
 #if defined(__GNUC__)
     __attribute__((format(printf, 2, 3)))
 #endif
