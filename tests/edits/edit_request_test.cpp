@@ -92,14 +92,6 @@ TEST_F(EditRequest, FailsForWhatFailsFirst) {
     EXPECT_EQ(changes(), "List 1: UpdateTag 1>2");
     EXPECT_EQ(edit("fav2  0 1 10  x 2 11"), -1);
     EXPECT_THAT(statements(), Not(HasSubstr("BEGIN")));
-
-    change("UPDATE FavoriteItem SET ServiceId = NULL WHERE Id = 711");
-    EXPECT_EQ(edit("fav2  0 1 10  x 2 11"), -2);
-    EXPECT_EQ(edit("fav2  0 1 15"), -2);
-    EXPECT_THAT(statements(), Not(HasSubstr("BEGIN")));
-    EXPECT_THAT(texts(), ElementsAre("sqlite3_exec error:4, sql:'SELECT ServiceId FROM FavoriteItem"
-                                     " WHERE FavoriteId = 7;'.",
-                                     "query aborted"));
 }
 
 TEST_F(EditRequest, RunsSyncUnderTheMutexOnceTheEditIsInTheFile) {

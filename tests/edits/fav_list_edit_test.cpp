@@ -147,4 +147,17 @@ TEST_F(FavListEdit, WritesFiveThousandEntries) {
     EXPECT_EQ(rows(agreeing), "0|NULL|NULL|0");
 }
 
+// They can be no entry's, and a list that holds them can be edited, and emptied, all the same.
+TEST_F(FavListEdit, LeavesItemsWithoutAServiceWhereTheyAre) {
+    change("UPDATE FavoriteItem SET ServiceId = NULL WHERE Id = 711");
+    change("UPDATE FavoriteItem SET ServiceId = 'x' WHERE Id = 712");
+    for (char const* arguments : {"fav2  0 1 10  0 2 15", "fav2"}) {
+        EXPECT_EQ(edit(arguments), 101);
+        EXPECT_THAT(texts(),
+                    testing::ElementsAre("2 items of list 7 have no service id, passed over"));
+        EXPECT_EQ(rows("SELECT Id FROM FavoriteItem WHERE Id IN (711, 712)"), "711;712");
+    }
+    EXPECT_EQ(rows("SELECT count(*) FROM FavoriteItem WHERE FavoriteId = 7"), "2");
+}
+
 }  // namespace

@@ -75,6 +75,7 @@ TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
     // Statements at whose start another connection takes its lock.
     constexpr char kFind[] = "SELECT Pid FROM FavoriteList WHERE Uuid";
     constexpr char kTag[] = "UPDATE FavoriteList SET UpdateTag";
+    constexpr char kItems[] = "SELECT ServiceId FROM FavoriteItem";
     constexpr char kBegin[] = "BEGIN TRANSACTION";
     constexpr char kCommit[] = "COMMIT TRANSACTION";
     constexpr auto kExclusive = DatabaseLock::kExclusive;
@@ -92,8 +93,14 @@ TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
         char const* lastError;
     };
     Case const cases[] = {
-        {kExclusive, kFind, kNever, -2, 0, 0, "can't find favoriteListId"},
-        {kExclusive, kTag, kNever, -2, 10, 0, "Number of FAV lists is wrong: 0!"},
+        {kExclusive, kFind, 49, 101, 49, 1, kTryAgain},
+        {kExclusive, kFind, kNever, -2, 50, 0,
+         " database is locked, time out, hint:'Find the list.'."},
+        {kExclusive, kTag, kNever, -2, 60, 0,
+         " database is locked, time out, hint:'Find the FAV lists.'."},
+        {kExclusive, kItems, 49, 101, 49, 1, kTryAgain},
+        {kExclusive, kItems, kNever, -2, 50, 1,
+         " database is locked, time out, hint:'Read stored FAV services.'."},
         // The update tag gives up after ten attempts; the edit goes on.
         {kWriter, kTag, 9, 101, 9, 1, kTryAgain},
         {kReader, kTag, 10, 101, 10, 0, kTryAgain},

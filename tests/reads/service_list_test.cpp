@@ -84,6 +84,7 @@ TEST_F(ServiceList, AUuidIsNeverMoreThanAValue) {
     std::string const uuids[] = {
         "it's", "'", "''", "'; DELETE FROM FavoriteItem; --", "') OR 1=1; --", "\"", "\\'", "",
         std::string(1000000, 'x'), std::string("nul\0'; DROP TABLE Lcn; --", 24),
+        std::string(1000, '\0'), std::string("\1\0\1\1\2\0\1", 7), std::string("\2\0\1\2'", 5),
         std::string("\0", 1)};
     unsigned int pid = 100;
     for (std::string const& uuid : uuids) {
@@ -100,22 +101,27 @@ TEST_F(ServiceList, AUuidIsNeverMoreThanAValue) {
     EXPECT_THAT(texts(), IsEmpty());
 }
 
-TEST_F(ServiceList, ARowThatDoesNotConvertEndsTheQuery) {
-    // Each is converted before those above it, which stay bad, and so is the one reported.
-    std::tuple<char const*, channel_database::Value, std::string> const cases[] = {
-        {"FavTag4", "x", "FavTag4 holds no number: 'x'"},
-        {"Hdtv", nullptr, "Hdtv holds no number: ''"},
-        {"Type", 2147483648, "Type holds no number: '2147483648'"}};
-    for (auto const& [column, value, reason] : cases) {
+// A foul column costs its value, not the row, nor those behind it.
+TEST_F(ServiceList, AColumnThatDoesNotConvertCountsAsZero) {
+    std::tuple<char const*, channel_database::Value, char const*> const cases[] = {
+        {"Type", 2147483648, "'2147483648'"}, {"Hdtv", nullptr, "''"}, {"FavTag4", "x", "'x'"}};
+    database().run("UPDATE Service SET Type = 0, Hdtv = 0, FavTag4 = 0 WHERE Pid = 2");
+    std::string const sound = joined(dbaccess::get_dbservices("u"));
+    std::vector<std::string> reasons;
+    for (auto const& [column, value, text] : cases) {
         database().run(std::string("UPDATE Service SET ") + column + " = ? WHERE Pid = 2", {value});
+        reasons.push_back(std::string("service 2 (uuid service-2): column ") + column +
+                          " holds no number: " + text);
         platform::state.messages.clear();
-        EXPECT_EQ(names("u"), "One");
-        EXPECT_EQ(sv.uuid, "service-1");
-        EXPECT_THAT(texts(), ElementsAre("service 2 (uuid service-2): column " + reason,
-                                         "serivce_callback failed!!", "SQL error:4"));
+        EXPECT_EQ(joined(dbaccess::get_dbservices("u")), sound) << column;
+        EXPECT_THAT(texts(), testing::ElementsAreArray(reasons)) << column;
     }
-    database().run("UPDATE Service SET Hdtv = 0, FavTag4 = 0, Type = 2");
-    EXPECT_EQ(names("u"), "One;Two;Three");  // the transaction was ended
+}
+
+TEST_F(ServiceList, WithoutRowsTheResultIsNotTouched) {
+    dbaccess::get_dbservices("u");
+    EXPECT_EQ(dbaccess::select_dbservice(db, "no such list", nullptr), 0);
+    EXPECT_THAT(texts(), IsEmpty());
 }
 
 // clang-format on

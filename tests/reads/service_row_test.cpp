@@ -182,30 +182,40 @@ TEST_F(ServiceRow, NumberColumnsConvertWholeOrNotAtAll) {
     }
 }
 
-// All numbers are bad, and mended one after the other.
-TEST_F(ServiceRow, TheFirstBadColumnIsNamedAndTheTraceStandsBehindTheAttributes) {
+TEST_F(ServiceRow, EveryBadColumnIsNamedInOrderAndTheTraceStandsBehindTheAttributes) {
     ResultRow row = raw("Encrypted=1;InternalName=");
     std::vector<std::string> const numbers = split(kNumbers, ','), columns = split(kOrder, ',');
-    auto const at = [&](std::string const& number) -> std::string& {
-        auto const column = std::find(columns.begin(), columns.end(), number) - columns.begin();
-        return row[static_cast<std::size_t>(column)];
-    };
-    for (std::string const& number : numbers)
-        at(number) += "x";
-    bool isTraced = false;
     for (std::string const& number : numbers) {
-        std::vector<char*> values;
-        for (std::string& text : row)
-            values.push_back(text.data());
-        ResultSet rows;
-        platform::state.messages.clear();
-        EXPECT_EQ(dbaccess::service_callback(&rows, 34, values.data(), values.data()), -1);
-        EXPECT_THAT(texts()[0], testing::HasSubstr("column " + number + " holds no number")) << number;
-        isTraced |= number == "FIVisible";
-        EXPECT_THAT(texts(3000), testing::SizeIs(isTraced ? 1 : 0)) << number;
-        at(number).pop_back();
+        auto const column = std::find(columns.begin(), columns.end(), number) - columns.begin();
+        row[static_cast<std::size_t>(column)] += "x";
     }
-    EXPECT_THAT(texts(3000)[0], testing::HasSubstr("encrypted:1,isdelete:0"));
+    try {
+        dbaccess::fetchServiceItem(row);
+        ADD_FAILURE() << "converted";
+    } catch (boost::bad_lexical_cast const& error) {
+        EXPECT_TRUE(error.source_type() == typeid(std::string));
+        EXPECT_TRUE(error.target_type() == typeid(int));
+    }
+    std::vector<char*> values;
+    for (std::string& text : row)
+        values.push_back(text.data());
+    ResultSet rows;
+    platform::state.messages.clear();
+    EXPECT_EQ(dbaccess::service_callback(&rows, 34, values.data(), values.data()), 0);
+    EXPECT_EQ(rows.size(), 1U);
+    auto const messages = texts();
+    ASSERT_EQ(messages.size(), numbers.size());
+    for (std::size_t index = 0; index < numbers.size(); ++index)
+        EXPECT_THAT(messages[index],
+                    testing::HasSubstr("column " + numbers[index] + " holds no number"));
+    auto const trace = std::find_if(
+        platform::state.messages.begin(), platform::state.messages.end(),
+        [](platform::Message const& message) { return message.level == 3000; });
+    ASSERT_NE(trace, platform::state.messages.end());
+    EXPECT_THAT((trace - 1)->text, testing::HasSubstr("column SVisible"));
+    EXPECT_THAT((trace + 1)->text, testing::HasSubstr("column FIVisible"));
+    EXPECT_THAT(trace->text, testing::HasSubstr("encrypted:1x,isdelete:0x"));
+    EXPECT_EQ(trace->function + " " + (trace + 1)->function, "fetchServiceItem service_callback");
 }
 
 TEST_F(ServiceRow, ShortAndMissingRowsAreRefused) {

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "db_access/edit_entries.h"
+#include "db_access/edit_reads.h"
 #include "db_access/session.h"
 #include "support/number_text.h"
 
@@ -74,7 +75,8 @@ int writeAllListEdit(unsigned int favoriteListId, std::vector<unsigned int> cons
     int status = SQLITE_DONE;
     {
         Statement favListFlags;
-        if (favListFlags.prepare(db, favListFlagUpdate(favListIds).c_str()) != SQLITE_OK)
+        if (prepareForEdit(CALL_SITE, favListFlagUpdate(favListIds).c_str(), favListFlags) !=
+            SQLITE_OK)
             return kFailed;
         for (std::size_t index = 0; index < entryCount(arguments); ++index) {
             std::optional<EditEntry> const entry = convertEntry(arguments, index);

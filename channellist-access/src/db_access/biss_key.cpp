@@ -23,8 +23,7 @@ std::string dbaccess::getBissKeyFromService(std::string uuid) {
     LOG_TEXT(Verbose, "called ");
     if (openChannelDatabase(site, kLogModule) != SQLITE_OK)
         return bisskey;
-    std::string const sql =
-        "SELECT bissKey From Service WHERE uuid='" + sqlLiteralBody(uuid) + "';";
+    std::string const sql = "SELECT bissKey From Service WHERE uuid=" + sqlLiteral(uuid) + ";";
     retryWhileBusy(kBissKeyAttempts, site, kLogModule, [&] {
         int const code = sqlite3_exec(db, sql.c_str(), getbissKey_callback, nullptr, nullptr);
         if (code != SQLITE_OK)

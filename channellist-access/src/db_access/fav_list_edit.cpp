@@ -4,6 +4,7 @@
 
 #include "db_access/callback_value.h"
 #include "db_access/edit_entries.h"
+#include "db_access/edit_reads.h"
 #include "db_access/session.h"
 
 namespace channellist {
@@ -35,11 +36,31 @@ constexpr char const* kFavTagUpdates[] = {
     "UPDATE Service SET FavTag4= ? WHERE Pid= ?;",
 };
 
-int readStoredServices(unsigned int favoriteListId, std::vector<unsigned int>& stored) {
+struct StoredItems {
+    std::vector<unsigned int> services;
+    int withoutService = 0;  // their ServiceId is null or no number
+};
+
+int storedItemCallback(void* context, int count, char** values, char** names) {
+    StoredItems& items = *static_cast<StoredItems*>(context);
+    if (!unsignedColumn(values))
+        ++items.withoutService;
+    return dbaccess::FAVserviceIdCallback(&items.services, count, values, names);
+}
+
+// Items without a service are left where they are: no entry can mean them.
+int readStoredServices(unsigned int favoriteListId, std::vector<unsigned int>& services) {
     std::string const sql =
         "SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = " + numberText(favoriteListId) + ";";
-    char* error = nullptr;
-    return sqlexec(db, sql.c_str(), dbaccess::FAVserviceIdCallback, &stored, &error);
+    StoredItems items;
+    int const code = readForEdit(
+        CALL_SITE, sql.c_str(), storedItemCallback, &items, [&] { items = {}; },
+        "Read stored FAV services.");
+    if (items.withoutService != 0)
+        LOG_FORMAT(Error, "%d items of list %d have no service id, passed over",
+                   items.withoutService, static_cast<int>(favoriteListId));
+    services = std::move(items.services);
+    return code;
 }
 
 bool convertEntries(std::vector<std::string> const& arguments, std::vector<EditEntry>& entries) {
@@ -105,9 +126,10 @@ int writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
     LOG_FORMAT(Verbose, "Add (count: %d) new Services to FAV list.",
                static_cast<int>(plan.additions.size()));
     Statement insert;
-    if (insert.prepare(db,
+    if (prepareForEdit(CALL_SITE,
                        "INSERT INTO FavoriteItem (ServiceId, ChannelNum, FavoriteId, "
-                       "OriginalFavoriteId) VALUES (?, ?, ?, ?);") != SQLITE_OK)
+                       "OriginalFavoriteId) VALUES (?, ?, ?, ?);",
+                       insert) != SQLITE_OK)
         return kFailed;
     for (FavListPlan::Addition const& added : plan.additions) {
         insert.rebind(added.serviceId, added.channelnumber, favoriteListId, favoriteListId);
@@ -125,8 +147,8 @@ int writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
     LOG_FORMAT(Verbose, "Remove (count: %d) unreceivable Services from FAV list.",
                static_cast<int>(plan.removals.size()));
     Statement remove;
-    if (remove.prepare(db, "DELETE FROM FavoriteItem WHERE FavoriteId= ? AND serviceId= ?;") !=
-        SQLITE_OK)
+    if (prepareForEdit(CALL_SITE, "DELETE FROM FavoriteItem WHERE FavoriteId= ? AND serviceId= ?;",
+                       remove) != SQLITE_OK)
         return kFailed;
     for (std::uint32_t const serviceId : plan.removals) {
         remove.rebind(favoriteListId, serviceId);
@@ -139,7 +161,7 @@ int writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
 // Returns the status of the last step, 0 when there was none.
 int writeFavTags(unsigned int favIndex, FavListPlan const& plan) {
     Statement tag;
-    if (tag.prepare(db, kFavTagUpdates[favIndex - 1]) != SQLITE_OK)
+    if (prepareForEdit(CALL_SITE, kFavTagUpdates[favIndex - 1], tag) != SQLITE_OK)
         return kFailed;
     int status = 0;
     for (FavListPlan::Addition const& added : plan.additions) {
@@ -185,5 +207,8 @@ int writeFavListEdit(unsigned int favoriteListId, unsigned int favIndex, FavList
 }  // namespace channellist
 
 int dbaccess::FAVserviceIdCallback(void* context, int /*count*/, char** values, char** /*names*/) {
-    return channellist::appendUnsigned(values, *static_cast<std::vector<unsigned int>*>(context));
+    using namespace channellist;
+    if (!unsignedColumn(values))
+        return kContinueQuery;
+    return appendUnsigned(values, *static_cast<std::vector<unsigned int>*>(context));
 }

@@ -3,6 +3,7 @@
 
 #include "db_access/broadcast_numbers.h"
 #include "db_access/callback_value.h"
+#include "db_access/edit_reads.h"
 #include "db_access/session.h"
 #include "db_access/statement.h"
 #include "support/number_text.h"
@@ -116,7 +117,7 @@ int dbaccess::renumberFAVList(unsigned int listPid, unsigned char favIndex) {
     traceNumbers(ottNumbers, favIndex, site);
     {
         Statement update;
-        if (update.prepare(db, "UPDATE FavoriteItem SET ChannelNum = ? WHERE Id = ?; ") !=
+        if (prepareForEdit(site, "UPDATE FavoriteItem SET ChannelNum = ? WHERE Id = ?; ", update) !=
             SQLITE_OK)
             return kFailed;
         writeNumbers(itemIds, BroadcastNumbers(ottNumbers), update, site);

@@ -3,6 +3,8 @@
 #include <channellist-access/item_info.h>
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 
+#include <typeinfo>
+
 #include "db_access/callback_value.h"
 #include "db_access/folder_icon.h"
 #include "db_access/result_row.h"
@@ -28,7 +30,7 @@ void describeFolder(FolderItemInfo& item, ResultRow const& row) {
     item.setTitle(row[Name]);
     std::optional<std::int32_t> const attributes = signedNumber(row[Attributes]);
     if (!attributes)
-        throw boost::bad_lexical_cast();
+        throw boost::bad_lexical_cast(typeid(std::string), typeid(int));
     unsigned int const word = attr(row[Creator], static_cast<unsigned int>(*attributes));
     item.setAttributes(static_cast<int>(word));
     item.setOriginalAncestor(row[NetworkId]);
@@ -105,14 +107,16 @@ bool copyRawRow(int count, char** values, ResultRow& row) noexcept {
     return true;
 }
 
-// Converts the row without letting an exception through to SQLite.
+// Converts the row without letting an exception through to SQLite. A list whose attribute word does
+// not convert is left out, and the query goes on.
 int computeFolderGuarded(CallSite const& site, int count, ResultRow const& row, ResultSet* out) {
     try {
         return dbaccess::computeFolder(count, row, out);
     } catch (boost::bad_lexical_cast const&) {
         LOG_FORMAT_AT(site, kLogModule, Error,
-                      "list %s (uuid %s): column Attributes holds no number: '%s'",
-                      row[Pid].c_str(), row[Uuid].c_str(), row[Attributes].c_str());
+                      "list %s (uuid %s) left out: column Attributes holds no number: '%s'",
+                      row[Name].c_str(), row[Uuid].c_str(), row[Attributes].c_str());
+        return kContinueQuery;
     } catch (std::exception const& error) {
         LOG_FORMAT_AT(site, kLogModule, Error, "folder row not converted: %s", error.what());
     } catch (...) {

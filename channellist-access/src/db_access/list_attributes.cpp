@@ -16,7 +16,7 @@ int dbaccess::getFavriteAttributes(std::string favoriteUuId, unsigned int* attri
     if (openChannelDatabase(CALL_SITE, kLogModule) != SQLITE_OK)
         return kFailed;
     std::string const sql =
-        "SELECT Attributes FROM FavoriteList WHERE Uuid = '" + sqlLiteralBody(favoriteUuId) + "';";
+        "SELECT Attributes FROM FavoriteList WHERE Uuid = " + sqlLiteral(favoriteUuId) + ";";
     char* error = nullptr;
     return sqlexec(db, sql.c_str(), attributesCallback, attributes, &error);
 }

@@ -8,6 +8,9 @@ namespace channellist {
 namespace {
 
 constexpr LogModule kLogModule = LogModule::DatabaseAccess;
+// The owner's commits are waited out: without the numbers of OTT channels, services would be put on
+// them.
+constexpr int kBusyTimeoutMilliseconds = 1000;
 
 // Opens `db_zentova` if it is null; false after a failure, which is logged for the search.
 bool openOttDatabase(CallSite const& site) {
@@ -23,8 +26,10 @@ bool openOttDatabase(CallSite const& site) {
     LOG_FORMAT_AT(site, kLogModule, Verbose, "Websql db path:%s", directory.c_str());
     std::string const path = directory + "zentova_DB_V1.3" + ".db";
     LOG_FORMAT_AT(site, kLogModule, Verbose, "dbPath:%s", path.c_str());
-    if (sqlite3_open(path.c_str(), &db_zentova) == SQLITE_OK)
+    if (sqlite3_open(path.c_str(), &db_zentova) == SQLITE_OK) {
+        sqlite3_busy_timeout(db_zentova, kBusyTimeoutMilliseconds);
         return true;
+    }
     LOG_FORMAT_AT(site, kLogModule, Error, "open db failed. %s ", sqlite3_errmsg(db_zentova));
     sqlite3_close(db_zentova);
     db_zentova = nullptr;

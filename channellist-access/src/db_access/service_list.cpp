@@ -53,27 +53,29 @@ class ReadTransaction {
 std::string serviceQuery(std::string const& favoriteUuId, bool byMediaType) {
     std::string sql = "SELECT ";
     sql += kServiceColumnList;
-    sql += " FROM FavoriteItemView WHERE FavoriteId=(select Pid From FavoriteList Where Uuid='";
-    sql += sqlLiteralBody(favoriteUuId);
-    sql += byMediaType ? "') ORDER BY MediaType ASC, ChannelNum ASC;" : "') ORDER BY ChannelNum;";
+    sql += " FROM FavoriteItemView WHERE FavoriteId=(select Pid From FavoriteList Where Uuid=";
+    sql += sqlLiteral(favoriteUuId);
+    sql += byMediaType ? ") ORDER BY MediaType ASC, ChannelNum ASC;" : ") ORDER BY ChannelNum;";
     return sql;
 }
 
 // Runs the query, over again while the database is busy; rows of an attempt that failed so are
 // dropped, that none comes twice.
-void queryServices(sqlite3* connection, std::string const& sql, ResultSet& rows,
+//
+// A host may pass no result with a list that has no rows: `rows` is looked at only where it exists.
+void queryServices(sqlite3* connection, std::string const& sql, ResultSet* rows,
                    CallSite const& site) {
-    std::size_t const before = rows.size();
+    std::size_t const before = rows != nullptr ? rows->size() : 0;
     retryWhileBusy(kQueryAttempts, site, kLogModule, [&] {
         m_selectedServiceListId = 1;
         int const code =
-            sqlite3_exec(connection, sql.c_str(), dbaccess::service_callback, &rows, nullptr);
+            sqlite3_exec(connection, sql.c_str(), dbaccess::service_callback, rows, nullptr);
         if (code != SQLITE_OK)
             LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
-        if (code == SQLITE_BUSY)
-            rows.resize(before);
-        if (code == SQLITE_NOMEM && rows.size() > before)
-            rows.pop_back();  // SQLite handed out a null where it lacked memory for a text
+        if (code == SQLITE_BUSY && rows != nullptr)
+            rows->resize(before);
+        if (code == SQLITE_NOMEM && rows != nullptr && rows->size() > before)
+            rows->pop_back();  // SQLite handed out a null where it lacked memory for a text
         return code;
     });
 }
@@ -105,6 +107,6 @@ int dbaccess::select_dbservice(sqlite3* connection, std::string favoriteUuId, vo
         LOG_TEXT(Verbose, "Some Operators Order by MediaType then ChnanelNum.");
     std::string const sql = serviceQuery(favoriteUuId, byMediaType);
     LOG_FORMAT(Verbose, "attributes: %d.", static_cast<int>(attributes));
-    queryServices(connection, sql, *static_cast<ResultSet*>(result), CALL_SITE);
+    queryServices(connection, sql, static_cast<ResultSet*>(result), CALL_SITE);
     return transaction.end(CALL_SITE);
 }

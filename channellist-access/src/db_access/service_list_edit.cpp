@@ -6,6 +6,7 @@
 #include "db_access/callback_value.h"
 #include "db_access/data_version.h"
 #include "db_access/edit_entries.h"
+#include "db_access/edit_reads.h"
 #include "db_access/edit_transaction.h"
 #include "db_access/fav_list_edit.h"
 #include "db_access/session.h"
@@ -19,22 +20,22 @@ constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 constexpr char kItemUpdate[] =
     "UPDATE FavoriteItem SET ChannelNum = ?, isDeleted =? WHERE FavoriteId= ? AND serviceId= ?;";
 
-// The key of the list, 0 when there is none or it cannot be read.
-unsigned int findList(std::string const& uuid) {
-    std::string const sql =
-        "SELECT Pid FROM FavoriteList WHERE Uuid = '" + sqlLiteralBody(uuid) + "';";
-    unsigned int pid = 0;
-    char* error = nullptr;
-    int const code = sqlexec(db, sql.c_str(), dbaccess::listIdCallback, &pid, &error);
-    return code == SQLITE_OK ? pid : 0;
+// Stores the key of the list, 0 when there is none or it cannot be read. Returns SQLite's code.
+int findList(CallSite const& site, std::string const& uuid, unsigned int& pid) {
+    std::string const sql = "SELECT Pid FROM FavoriteList WHERE Uuid = " + sqlLiteral(uuid) + ";";
+    int const code = readForEdit(
+        site, sql.c_str(), dbaccess::listIdCallback, &pid, [&] { pid = 0; }, "Find the list.");
+    if (code != SQLITE_OK)
+        pid = 0;
+    return code;
 }
 
-// Reads the keys of the FAV lists; position p is FAV(p + 1). False unless there are four.
-bool findFavLists(std::vector<unsigned int>& favListIds) {
-    char* error = nullptr;
-    int const code = sqlexec(db, "SELECT Pid FROM FavoriteList WHERE Creator like 'User.tvFAV%' ;",
-                             dbaccess::FAVlistIdCallback, &favListIds, &error);
-    return code == SQLITE_OK && favListIds.size() == kFavListCount;
+// Reads the keys of the FAV lists; position p is FAV(p + 1). Returns SQLite's code.
+int findFavLists(CallSite const& site, std::vector<unsigned int>& favListIds) {
+    return readForEdit(
+        site, "SELECT Pid FROM FavoriteList WHERE Creator like 'User.tvFAV%' ;",
+        dbaccess::FAVlistIdCallback, &favListIds, [&] { favListIds.clear(); },
+        "Find the FAV lists.");
 }
 
 enum class Lock { ByFirstWrite, AtOnce };
@@ -51,7 +52,7 @@ int editInTransaction(CallSite const& site, Lock lock, Write write) {
     int status;
     {
         Statement itemUpdate;
-        if (itemUpdate.prepare(db, kItemUpdate) != SQLITE_OK)
+        if (prepareForEdit(site, kItemUpdate, itemUpdate) != SQLITE_OK)
             return kFailed;
         status = write(itemUpdate);
     }
@@ -67,7 +68,11 @@ int editInTransaction(CallSite const& site, Lock lock, Write write) {
 
 // The edit of FAV list `favIndex`. Its entries are written as the difference from the stored items,
 // which are read before the transaction; where another process wrote in between, the difference is
-// worked out once more, behind the lock.
+// worked out once more, behind the lock: also where writing the stale one failed.
+//
+// The data version tells of other connections alone, and only between a read before and a read or
+// write after: nothing but the plan's own query stands between planning and asking for it, and it
+// is asked again before the commit.
 int editFavList(CallSite const& site, unsigned int favoriteListId, unsigned int favIndex,
                 std::vector<std::string> const& arguments) {
     constexpr int kOvertaken = -3;
@@ -78,11 +83,13 @@ int editFavList(CallSite const& site, unsigned int favoriteListId, unsigned int 
     std::optional<unsigned int> const version = dataVersion(db);
     int const status = editInTransaction(site, Lock::ByFirstWrite, [&](Statement& itemUpdate) {
         int const written = writeFavListEdit(favoriteListId, favIndex, plan, itemUpdate);
-        return written < 0 || (version && dataVersion(db) == version) ? written : kOvertaken;
+        bool const isOvertaken = version ? dataVersion(db) != version : written >= 0;
+        return isOvertaken ? kOvertaken : written;
     });
     if (status != kOvertaken)
         return status;
-    LOG_TEXT_AT(site, kLogModule, Notice, "another process wrote meanwhile, plan again");
+    if (version)
+        LOG_TEXT_AT(site, kLogModule, Notice, "another process wrote meanwhile, plan again");
     return editInTransaction(site, Lock::AtOnce, [&](Statement& itemUpdate) {
         FavListPlan again;
         int const plannedAgain = planFavListEdit(favoriteListId, arguments, again);
@@ -111,7 +118,9 @@ int dbaccess::onServiceListEdit(std::vector<std::string> arguments) {
         LOG_TEXT(Error, "Favorite list is not defined");
         return kFailed;
     }
-    unsigned int const favoriteListId = findList(arguments[0]);
+    unsigned int favoriteListId = 0;
+    if (findList(site, arguments[0], favoriteListId) == SQLITE_BUSY)
+        return kFailed;
     if (favoriteListId == 0) {
         LOG_TEXT(Error, "can't find favoriteListId");
         return kFailed;
@@ -121,7 +130,10 @@ int dbaccess::onServiceListEdit(std::vector<std::string> arguments) {
     UpdateListTag(favoriteListId);
 
     std::vector<unsigned int> favListIds;
-    if (!findFavLists(favListIds)) {
+    int const found = findFavLists(site, favListIds);
+    if (found == SQLITE_BUSY)
+        return kFailed;
+    if (found != SQLITE_OK || favListIds.size() != kFavListCount) {
         LOG_FORMAT(Error, "Number of FAV lists is wrong: %d!", static_cast<int>(favListIds.size()));
         return kFailed;
     }

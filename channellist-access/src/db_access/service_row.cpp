@@ -147,10 +147,19 @@ std::string fieldText(int field, TuningUri const& uri, CallSite const& site) {
     }
 }
 
+// Names the row and the column that counts as 0: a foul value costs no more than itself.
+void logBadColumn(RawServiceRow const& row, ServiceColumn column) {
+    LOG_FORMAT_AT(CALL_SITE_OF("service_callback"), kLogModule, Error,
+                  "service %s (uuid %s): column %.*s holds no number: '%s'",
+                  row.cText(ServiceColumn::Pid), row.cText(ServiceColumn::Uuid),
+                  static_cast<int>(serviceColumnName(column).size()),
+                  serviceColumnName(column).data(), row.cText(column));
+}
+
 // Nothing when memory runs out.
 std::optional<RawServiceRow> newRawRow(int count, char** values) noexcept {
     try {
-        return RawServiceRow(count, values);
+        return RawServiceRow(count, values, logBadColumn);
     } catch (std::exception const&) {
         return std::nullopt;
     }
@@ -172,21 +181,14 @@ int appendResultRow(CallSite const& site, ResultSet* out) {
 
 // dbaccess::computeService of a raw row.
 int computeService(int argc, RawServiceRow const& svrow, ResultSet* out) {
+    CallSite const site = CALL_SITE_OF("computeService");
     if (static_cast<unsigned int>(argc) > svrow.size() || svrow.size() < kServiceColumnCount) {
-        LOG_FORMAT(Error, "svrow.size is wrong %u", static_cast<unsigned int>(svrow.size()));
+        LOG_FORMAT_AT(site, kLogModule, Error, "svrow.size is wrong %u",
+                      static_cast<unsigned int>(svrow.size()));
         return kMalformed;
     }
     fetchServiceItem(svrow);
-    return appendResultRow(CALL_SITE, out);
-}
-
-// Names the row and the column that stopped the query.
-void logBadColumn(CallSite const& site, RawServiceRow const& row, ServiceColumn column) {
-    LOG_FORMAT_AT(site, kLogModule, Error,
-                  "service %s (uuid %s): column %.*s holds no number: '%s'",
-                  row.cText(ServiceColumn::Pid), row.cText(ServiceColumn::Uuid),
-                  static_cast<int>(serviceColumnName(column).size()),
-                  serviceColumnName(column).data(), row.cText(column));
+    return appendResultRow(site, out);
 }
 
 // Converts the row without letting an exception through to SQLite.
@@ -194,8 +196,6 @@ int computeServiceGuarded(CallSite const& site, int count, RawServiceRow const& 
                           ResultSet* out) {
     try {
         return computeService(count, row, out);
-    } catch (BadServiceColumn const& error) {
-        logBadColumn(site, row, error.column());
     } catch (std::exception const& error) {
         LOG_FORMAT_AT(site, kLogModule, Error, "service row not converted: %s", error.what());
     } catch (...) {

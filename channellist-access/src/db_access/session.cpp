@@ -1,7 +1,5 @@
 #include "db_access/session.h"
 
-#include <unistd.h>
-
 #include "db_access/busy_retry.h"
 
 sqlite3* db = nullptr;
@@ -49,7 +47,7 @@ int openChannelDatabaseKeepingHandle(CallSite const& site) {
 
 int dbaccess::busy_callback(void* /*arg*/, int count) {
     using namespace channellist;
-    usleep(kBusySleepMicroseconds);
+    sleepBetweenAttempts();
     LOG_FORMAT(Error, "data base is locked %d ", count);
     return 1;
 }

@@ -1,4 +1,4 @@
-// Text inside a single-quoted SQL literal.
+// Text as a value of an SQL statement.
 #ifndef CHANNELLIST_DB_ACCESS_SQL_LITERAL_H
 #define CHANNELLIST_DB_ACCESS_SQL_LITERAL_H
 
@@ -7,9 +7,10 @@
 
 namespace channellist {
 
-// Returns `text` such that '...' around it is one SQL value equal to `text`: a single quote is
-// doubled, and a NUL, which would end the statement, becomes a piece of a concatenation.
-std::string sqlLiteralBody(std::string_view text);
+// Returns an SQL expression whose value is `text`: the text between single quotes, each of its own
+// doubled. A NUL would end the statement; a text with NULs is one literal in which a mark stands
+// for them, however many there are.
+std::string sqlLiteral(std::string_view text);
 
 }  // namespace channellist
 

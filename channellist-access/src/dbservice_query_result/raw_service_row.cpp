@@ -1,6 +1,9 @@
 #include "dbservice_query_result/raw_service_row.h"
 
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+
 #include <optional>
+#include <typeinfo>
 
 #include "support/number_text.h"
 
@@ -19,17 +22,20 @@ std::string_view textOf(char const* value) {
 
 }  // namespace
 
-RawServiceRow::RawServiceRow(int count, char const* const* values)
-    : texts_(count > 0 ? static_cast<std::size_t>(count) : 0) {
+RawServiceRow::RawServiceRow(int count, char const* const* values, BadColumn badColumn)
+    : texts_(count > 0 ? static_cast<std::size_t>(count) : 0), badColumn_(badColumn) {
     for (std::string_view& text : texts_)
         text = textOf(*values++);
 }
 
 std::int32_t RawServiceRow::convertedNumber(ServiceColumn column) const {
     std::optional<std::int32_t> const value = signedNumber(text(column));
-    if (!value)
-        throw BadServiceColumn(column);
-    return *value;
+    if (value)
+        return *value;
+    if (badColumn_ == nullptr)
+        throw boost::bad_lexical_cast(typeid(std::string), typeid(int));
+    badColumn_(*this, column);
+    return 0;
 }
 
 }  // namespace channellist

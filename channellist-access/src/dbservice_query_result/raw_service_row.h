@@ -2,8 +2,6 @@
 #ifndef CHANNELLIST_DBSERVICE_QUERY_RESULT_RAW_SERVICE_ROW_H
 #define CHANNELLIST_DBSERVICE_QUERY_RESULT_RAW_SERVICE_ROW_H
 
-#include <boost/lexical_cast/bad_lexical_cast.hpp>
-
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,23 +11,15 @@
 
 namespace channellist {
 
-// An integer column that does not convert: to a host it is boost's exception, to the row callback
-// it also tells which column it was.
-class BadServiceColumn : public boost::bad_lexical_cast {
-  public:
-    explicit BadServiceColumn(ServiceColumn column) : column_(column) {}
-    ServiceColumn column() const { return column_; }
-
-  private:
-    ServiceColumn column_;
-};
-
 // Views of the texts of one row, which lives longer. A row is read once: copying its 34 texts would
 // cost more than converting them. Every text is ended by a null character.
 class RawServiceRow {
   public:
+    // Told of an integer column that does not convert and counts as 0.
+    using BadColumn = void (*)(RawServiceRow const&, ServiceColumn);
+
     // Both constructors raise std::bad_alloc. A null among the values is the empty text.
-    RawServiceRow(int count, char const* const* values);
+    RawServiceRow(int count, char const* const* values, BadColumn badColumn);
     explicit RawServiceRow(std::vector<std::string> const& row) : texts_(row.begin(), row.end()) {}
 
     std::size_t size() const { return texts_.size(); }
@@ -41,7 +31,8 @@ class RawServiceRow {
 
     char const* cText(ServiceColumn column) const { return text(column).data(); }
 
-    // Throws BadServiceColumn when the text is no signed number.
+    // When the text is no signed number: 0 where the row was made with a BadColumn, else
+    // boost::bad_lexical_cast is thrown.
     std::int32_t number(ServiceColumn column) const {
         std::string_view const value = text(column);
         // Nearly every number of a row is one digit.
@@ -55,6 +46,7 @@ class RawServiceRow {
     std::int32_t convertedNumber(ServiceColumn column) const;
 
     std::vector<std::string_view> texts_;
+    BadColumn badColumn_ = nullptr;
 };
 
 }  // namespace channellist

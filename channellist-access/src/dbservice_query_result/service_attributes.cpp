@@ -10,7 +10,7 @@ constexpr std::int32_t kAnalogue = 1;  // a value of Type
 
 unsigned int storedAttributes(RawServiceRow const& row) {
     unsigned int word = 0;
-    // Columns are converted in this order: the first bad one is the one reported.
+    // Columns are converted in this order: a bad one is reported in its turn.
     auto const setWhen = [&word](bool condition, unsigned int bit) { word |= condition ? bit : 0; };
     setWhen(row.number(ServiceColumn::Type) == kAnalogue, 0x4000000);
     setWhen(row.isSet(ServiceColumn::ParentalLock), kAttributeLocked);
@@ -25,7 +25,7 @@ unsigned int storedAttributes(RawServiceRow const& row) {
     setWhen(row.isSet(ServiceColumn::FavTag3), 0x1000000);
     setWhen(row.isSet(ServiceColumn::FavTag4), 0x2000000);
     setWhen(row.isSet(ServiceColumn::HbbTvEnable), 0x400000);
-    setWhen(row.isSet(ServiceColumn::SVisible), 0x10000000);
+    setWhen(row.isSet(ServiceColumn::SVisible), kAttributeVisible);
     return word;
 }
 

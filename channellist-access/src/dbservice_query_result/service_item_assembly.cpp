@@ -57,11 +57,11 @@ void checkNumber(RawServiceRow const& row, ServiceColumn column) {
     static_cast<void>(row.number(column));
 }
 
-// Columns are converted in this order: the first bad one is the one reported.
-ServiceItem broadcastItem(RawServiceRow const& row) {
+// Columns are converted in this order: a bad one is reported in its turn.
+ServiceItem broadcastItem(RawServiceRow const& row, unsigned int attributes) {
     bool const isRadio = row.number(ServiceColumn::MediaType) == kMediaTypeRadio;
     ServiceItem item(isRadio ? ITEM_TYPE_AUDIO : ITEM_TYPE_VIDEO, row);
-    item.visible = row.isSet(ServiceColumn::SVisible);
+    item.visible = (attributes & kAttributeVisible) != 0;
     item.selectable = row.isSet(ServiceColumn::SSelectable);
     checkNumber(row, ServiceColumn::SoundSelection);
     item.previewPage = row.number(ServiceColumn::TtxPreviewPage);
@@ -138,16 +138,17 @@ void copyIntoSnapshot(ServiceItem const& item) {
 
 void fetchServiceItem(RawServiceRow const& row) {
     unsigned int const attributes = storedAttributes(row);
-    LOG_FORMAT(Notice, "uuid:%s, channelNumber:%s,internalName:%s,attr:%u,encrypted:%s,isdelete:%s",
-               row.cText(ServiceColumn::Uuid), row.cText(ServiceColumn::ChannelNum),
-               row.cText(ServiceColumn::InternalName), attributes,
-               row.cText(ServiceColumn::Encrypted), row.cText(ServiceColumn::isDeleted));
+    LOG_FORMAT_AT(CALL_SITE_OF("fetchServiceItem"), kLogModule, Notice,
+                  "uuid:%s, channelNumber:%s,internalName:%s,attr:%u,encrypted:%s,isdelete:%s",
+                  row.cText(ServiceColumn::Uuid), row.cText(ServiceColumn::ChannelNum),
+                  row.cText(ServiceColumn::InternalName), attributes,
+                  row.cText(ServiceColumn::Encrypted), row.cText(ServiceColumn::isDeleted));
     std::int32_t const visible = row.number(ServiceColumn::FIVisible);
     ItemOverrides const overrides = {visible, row.number(ServiceColumn::FISelectable)};
 
     std::optional<std::string_view> const input =
         inputSourceLocator(row.text(ServiceColumn::InternalName), row.text(ServiceColumn::Uuid));
-    ServiceItem item = input ? inputItem(row, *input) : broadcastItem(row);
+    ServiceItem item = input ? inputItem(row, *input) : broadcastItem(row, attributes);
     completeItem(item, row, attributes, overrides);
     copyIntoSnapshot(item);
 }

@@ -54,6 +54,8 @@ struct LogDescriptor {
 #endif
 
 #define CALL_SITE (::channellist::CallSite{CHANNELLIST_FILE, __LINE__, __func__})
+// Where messages carry an entry point's name that is not the function's own.
+#define CALL_SITE_OF(entryPoint) (::channellist::CallSite{CHANNELLIST_FILE, __LINE__, (entryPoint)})
 
 // A message with arguments, for the call site `site` of a caller.
 #define LOG_FORMAT_AT(site, module, level, format, ...)                                       \
