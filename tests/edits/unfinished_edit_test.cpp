@@ -141,4 +141,70 @@ TEST_F(UnfinishedEdit, WaitsForOtherConnectionsAsLongAsItsStageAllows) {
     }
 }
 
+// Another process writes between the plan and its writing; fav2 is to hold 10 and 13 afterwards.
+TEST_F(UnfinishedEdit, IsPlannedAgainWhenOvertaken) {
+    constexpr char kAddsThirteen[] =
+        "INSERT INTO FavoriteItem (ServiceId, FavoriteId, OriginalFavoriteId, ChannelNum)"
+        " VALUES (13, 7, 7, 9)";
+    constexpr char kUnique[] = "CREATE UNIQUE INDEX once ON FavoriteItem (FavoriteId, ServiceId)";
+    constexpr char kKeepsNine[] =
+        "CREATE TRIGGER nine BEFORE UPDATE ON FavoriteItem WHEN OLD.ChannelNum = 9"
+        " BEGIN SELECT RAISE(ABORT, 'kept'); END";
+    struct Case {
+        std::vector<char const*> before, meanwhile;
+        char const* lockedAt;  // another writer holds the file from there until the third sleep
+        int result;
+        std::vector<std::string> errors;
+        bool isOvertaken;
+    };
+    std::string const busy = kTryAgain;
+    std::string const twice = "sqlite3_step failed:19, hint:'Add FAV Services.'.";
+    std::string const kept = "sqlite3_step failed:19, hint:'Update FAV Services.'.";
+    std::string const locked = "sqlite3_exec error:5, sql:'BEGIN IMMEDIATE TRANSACTION'.";
+    Case const cases[] = {
+        {{}, {}, "", 101, {}, false},
+        {{}, {kAddsThirteen}, "", 101, {}, true},
+        {{kUnique}, {kAddsThirteen}, "", 101, {twice}, true},
+        {{kUnique, kKeepsNine}, {kAddsThirteen}, "", -2, {twice, kept}, true},
+        {{kKeepsNine, "UPDATE FavoriteItem SET ChannelNum = 9 WHERE Id = 710"},
+         {},
+         "",
+         -2,
+         {kept},
+         false},
+        {{},
+         {kAddsThirteen},
+         "BEGIN IMMEDIATE",
+         101,
+         repeated(3, {locked, "database is locked", busy}),
+         true},
+    };
+    for (auto const& test : cases) {
+        SCOPED_TRACE(&test - cases);
+        startAnew();
+        for (char const* sql : test.before)
+            change(sql);
+        std::unique_ptr<DatabaseLock> lock;
+        when(
+            "BEGIN TRANSACTION",
+            [&] {
+                for (char const* sql : test.meanwhile)
+                    change(sql);
+                if (*test.lockedAt != '\0')
+                    when(
+                        test.lockedAt,
+                        [&] {
+                            lock = std::make_unique<DatabaseLock>(file(), DatabaseLock::kWriter);
+                        });
+            });
+        platform::state.onSleep = [&](int number) { number == 3 ? lock.reset() : void(); };
+        EXPECT_EQ(edit("fav2  0 1 10  0 2 13"), test.result);
+        EXPECT_EQ(texts(), test.errors);
+        EXPECT_EQ(!texts(3000).empty(), test.isOvertaken);
+        EXPECT_EQ(rows("SELECT ServiceId, ChannelNum FROM FavoriteItem WHERE FavoriteId = 7"
+                       " ORDER BY ServiceId") == "10|1;13|2",
+                  test.result > 0);
+    }
+}
+
 }  // namespace

@@ -15,12 +15,13 @@
 ///   svresult_mutex around the call.
 /// - Results. 0 is success; SQLite's result codes pass through unchanged; -2: the database could
 ///   not be opened, a row that the operation needs is missing, or an edit failed and was rolled
-///   back; -1: a malformed request, a row that does not convert, or a failed OTT search. A read
-///   request answers with an empty ResultSet when it fails, or with the rows before the failure.
+///   back; -1: a malformed request, a malformed row, or a failed OTT search. A read request answers
+///   with an empty ResultSet when it fails, or with the rows before the failure. A foul value costs
+///   no more than itself: see service_callback, folder_callback and FAVserviceIdCallback.
 /// - Waiting. A locked database (SQLITE_BUSY) is tried again with a sleep of 100 ms on the caller's
 ///   thread, the mutex held where the function holds it: 50 attempts for queries and steps, 10 for
-///   the update tag and the BISS key. The busy timeout that get_dbservices sets on the connection
-///   (1000 ms) comes on top of every attempt made after it.
+///   the update tag and the BISS key. A sleep lasts whatever signals arrive. The busy timeout that
+///   get_dbservices sets on the connection (1000 ms) comes on top of every attempt made after it.
 /// - Numbers in texts. "signed" and "unsigned" mean an optional sign and decimal digits, nothing
 ///   else, within 32 bits ("-" negates an unsigned number modulo 2^32). Numbers are the same under
 ///   every global locale.
@@ -156,8 +157,11 @@ CHANNELLIST_ACCESS_EXPORT int getFavriteAttributes(std::string favoriteUuId,
 /// Row callbacks return 0 to go on and -1 to stop the query, and raise nothing.
 ///@{
 
-/// Row callback of the service query: converts the row as computeService does. `data` is the
-/// ResultSet.
+/// Row callback of the service query: converts the row as computeService does, but an integer
+/// column that does not convert counts as 0, with a message that names service, column and text, so
+/// that the viewer keeps the service and all behind it. `data` is the ResultSet.
+///
+/// @return 0; -1 ("serivce_callback failed!!") for a malformed row, or when memory runs out.
 CHANNELLIST_ACCESS_EXPORT int service_callback(void* data, int argc, char** values, char** names);
 
 /// Converts a raw service row (see fetchServiceItem) and appends its result row to `*out`.
@@ -169,7 +173,8 @@ CHANNELLIST_ACCESS_EXPORT int service_callback(void* data, int argc, char** valu
 ///
 /// @return 0; -1 with nothing appended when `argc` (as an unsigned number) exceeds the row's
 ///         length, the row is shorter than 34 strings, or the result row cannot be allocated.
-/// @throws boost::bad_lexical_cast when an integer column does not convert.
+/// @throws boost::bad_lexical_cast (from std::string to int) when an integer column does not
+///         convert; nothing is appended.
 CHANNELLIST_ACCESS_EXPORT int computeService(int argc, std::vector<std::string> const& svrow,
                                              ResultSet* out);
 
@@ -186,8 +191,9 @@ CHANNELLIST_ACCESS_EXPORT int computeService(int argc, std::vector<std::string> 
 /// @throws std::out_of_range when `row` has fewer than 34 strings; `sv` is unchanged.
 CHANNELLIST_ACCESS_EXPORT void fetchServiceItem(std::vector<std::string> const& row);
 
-/// Row callback of the folder query: hands a copy of the row to computeFolder. `data` is the
-/// ResultSet.
+/// Row callback of the folder query: hands a copy of the row to computeFolder. A list whose
+/// attributes are no signed number is left out, with a message that names it, and the query goes
+/// on. `data` is the ResultSet.
 CHANNELLIST_ACCESS_EXPORT int folder_callback(void* data, int argc, char** values, char** names);
 
 /// Converts a raw folder row (Pid, Uuid, Name, Creator, attributes with the LCN term, NetworkId,
@@ -227,15 +233,18 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 ///
 /// Opens on demand, holds svresult_mutex. The list's update tag advances before the transaction
 /// begins, so it has advanced even when a later step fails; an advance that fails is logged, and
-/// the edit goes on. So is a renumbering that fails, unless SQLite has rolled the edit back. Each
-/// write and the commit may wait up to 50 attempts. A FAV list edit that another process overtook,
-/// between reading the stored items and writing, is worked out again behind a lock, for which it
-/// may wait up to 50 attempts more.
+/// the edit goes on. So is a renumbering that fails, unless SQLite has rolled the edit back: the
+/// items before the failing one then keep their new numbers. Stored items without a service id are
+/// counted in a message and left where they are. Each query before the writes, each write and the
+/// commit may wait up to 50 attempts; a query that stays locked out says so. A FAV list edit that
+/// another process overtook, between reading the stored items and writing, is worked out again
+/// behind a lock, for which it may wait up to 50 attempts more.
 ///
 /// @return 0 or 101: the edit is committed (0: a FAV list edit that added and removed nothing).
 ///         -1: the number of strings is not 1 + 3k, or a number does not convert. -2: the database
 ///         cannot be opened, the uuid is empty or unknown, there are not exactly four FAV lists,
-///         the list is no FAV list and there are no entries, the stored items cannot be read, or a
+///         the list is no FAV list and there are no entries, the database stays locked, the stored
+///         items cannot be read, or a
 ///         statement or the commit failed. After a negative result nothing of the edit is written,
 ///         save the update tag. May raise `std::bad_alloc`, with the same promise.
 CHANNELLIST_ACCESS_EXPORT int onServiceListEdit(std::vector<std::string> arguments);
@@ -263,7 +272,7 @@ CHANNELLIST_ACCESS_EXPORT int UpdateListTag(unsigned int listPid);
 
 /// @name Rows of the edits
 /// Each converts column 0 to an unsigned number; the result is 0, or -1 to stop the query when the
-/// column is null, no unsigned number, or cannot be stored.
+/// column is null, no unsigned number (but see FAVserviceIdCallback), or cannot be stored.
 ///@{
 
 /// Stores the list's key in the `unsigned int` at `context`; the last row remains.
@@ -271,7 +280,8 @@ CHANNELLIST_ACCESS_EXPORT int listIdCallback(void* context, int count, char** va
 /// Appends the key of a FAV list to the `std::vector<unsigned int>` at `context`.
 CHANNELLIST_ACCESS_EXPORT int FAVlistIdCallback(void* context, int count, char** values,
                                                 char** names);
-/// Appends the service id of a stored item to the `std::vector<unsigned int>` at `context`.
+/// Appends the service id of a stored item to the `std::vector<unsigned int>` at `context`. An item
+/// without one, null or no number, belongs to no service: the result is 0, and nothing is appended.
 CHANNELLIST_ACCESS_EXPORT int FAVserviceIdCallback(void* context, int count, char** values,
                                                    char** names);
 /// Appends the key of an item to the `std::vector<unsigned int>` at `context`.
