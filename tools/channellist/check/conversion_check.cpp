@@ -1,4 +1,4 @@
-// Asks the library to convert every row that it would deliver, and says why one does not convert.
+// Asks the library to convert every row that it would deliver, and names the values that do not.
 #include <channellist-access/db_access.h>
 
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
@@ -68,9 +68,9 @@ bool converts(ResultRow const& row) {
     }
 }
 
-// Whether the column alone would stop the row. The names that make it an input stay, because an
+// Whether the column alone does not convert. The names that make it an input stay, because an
 // input needs fewer columns.
-bool stops(ResultRow const& row, std::size_t column) {
+bool isFoul(ResultRow const& row, std::size_t column) {
     ResultRow probe(row.size(), "0");
     for (std::size_t const kept : {kInternalName, kUuid, column})
         probe[kept] = row[kept];
@@ -107,18 +107,18 @@ std::string quotedValue(Query const& rows, std::size_t column) {
     return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
 }
 
-void explainStop(List const& list, Query const& rows, ResultRow const& row,
-                 ServiceFindings& findings) {
+void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
+                     ServiceFindings& findings) {
     for (std::size_t i = 0; i < row.size(); ++i) {
         RawColumn const& column = kColumns[i];
-        if (column.owner == Owner::Derived || !stops(row, i))
+        if (column.owner == Owner::Derived || !isFoul(row, i))
             continue;
         std::string const name = column.owner == Owner::Item
                                      ? "FavoriteItem " + itemIds(list, row[kPid])
                                      : "Service " + row[kPid];
         findings.add({"unreadable-number", name,
                       std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
-                      "the set stops reading in front of " + row[kExternalName] + ", in"},
+                      "the set takes it as 0 for " + row[kExternalName] + ", in"},
                      list, row);
     }
 }
@@ -156,7 +156,7 @@ void checkServices(Findings& findings) {
             if (converts(row))
                 checkLocator(list, row, found);
             else
-                explainStop(list, rows, row, found);
+                nameFoulColumns(list, rows, row, found);
         }
     }
     findings.insert(findings.end(), found.findings().begin(), found.findings().end());
@@ -176,7 +176,7 @@ void checkFolders(Findings& findings) {
         } catch (boost::bad_lexical_cast const&) {
             findings.push_back({"unreadable-number", "FavoriteList " + row[0],
                                 "Attributes is " + quotedValue(rows, 4) + ", no number",
-                                "the set's overview of lists ends in front of " + row[2]});
+                                "the set's overview of lists lacks " + row[2]});
         }
     }
 }

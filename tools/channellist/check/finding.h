@@ -34,8 +34,8 @@ void examine(std::string const& rule, Findings& findings, Look look) {
 void checkSchema(Findings& findings);
 // Rules that a query can tell: FAV lists, lists' own columns, dangling items, numbers, FavTags.
 void checkRows(Findings& findings);
-// Rows that the library cannot convert, and so stop the list or the folders; services that cannot
-// be tuned.
+// Values that the library cannot convert: it takes 0 for a service's and leaves a list out.
+// Services that cannot be tuned.
 void checkConversion(Findings& findings);
 
 }  // namespace tool

@@ -40,7 +40,7 @@ constexpr Rule kRules[] = {
     {"dangling-item",
      "SELECT 'FavoriteItem ' || Id, 'names service ' || quote(i.ServiceId) || ', which does not exist'"
      ", ifnull(l.Name, 'a list') || ' lacks number ' || ifnull(ChannelNum, 'NULL')"
-     " || CASE WHEN i.ServiceId IS NULL THEN '; edits of it are refused if it is a FAV list' ELSE '' END"
+     " || CASE WHEN i.ServiceId IS NULL THEN '; edits of a FAV list pass the entry over' ELSE '' END"
      " FROM FavoriteItem i LEFT JOIN Service s ON s.Pid = i.ServiceId"
      " LEFT JOIN FavoriteList l ON l.Pid = i.FavoriteId"
      " WHERE s.Pid IS NULL ORDER BY Id"},

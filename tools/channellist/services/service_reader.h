@@ -8,8 +8,8 @@
 
 namespace tool {
 
-// What a list delivers. `complete` is false when the library stopped in front of rows that it could
-// not convert; it has named the first of them on standard error.
+// What a list delivers. `complete` is false when the library left out a list, or stopped in
+// front of rows: it has said why on standard error.
 struct Rows {
     std::vector<ResultRow> rows;
     bool complete = true;
