@@ -1,12 +1,38 @@
+#include <channel-database/database_content.h>
 #include <channel-database/database_file.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
+#include <memory>
 #include <stdexcept>
 
 namespace channel_database {
+namespace {
+
+constexpr int kDefaultPageSize = 4096;
+
+struct CloseConnection {
+    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
+};
+using Connection = std::unique_ptr<sqlite3, CloseConnection>;
+
+// A database without a name, which SQLite keeps in its own temporary place, whatever ends the
+// process.
+Connection openTemporary(int pageSize) {
+    sqlite3* opened = nullptr;
+    int const code = sqlite3_open("", &opened);
+    Connection connection(opened);
+    std::string const settings = "PRAGMA page_size = " + std::to_string(pageSize) +
+                                 "; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = OFF";
+    if (code != SQLITE_OK ||
+        sqlite3_exec(opened, settings.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw std::runtime_error("cannot make a temporary database");
+    return connection;
+}
+
+}  // namespace
 
 ChannelsConf readChannelsConf(std::string const& path) {
     std::ifstream file(path);
@@ -20,23 +46,18 @@ ChannelsConf readChannelsConf(std::string const& path) {
 
 void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
                       ImportProgress const& progress) {
-    if (!replace && std::filesystem::exists(path))
-        throw std::runtime_error(path + " exists; --force replaces it");
+    struct stat file;
+    bool const exists = lstat(path.c_str(), &file) == 0;
+    if (exists && !replace)
+        throw std::runtime_error(path + " exists; --force replaces its content");
+    if (exists)
+        checkReplaceable(path);
     if (list.channels.empty())
         throw std::runtime_error("the list holds no channel");
-    std::string const unfinished = path + ".part";
-    std::filesystem::remove(unfinished);
-    try {
-        {
-            ChannelDatabase database(unfinished);
-            importChannels(database, list, progress);
-        }
-        std::filesystem::rename(unfinished, path);
-    } catch (...) {
-        std::error_code ignored;
-        std::filesystem::remove(unfinished, ignored);
-        throw;
-    }
+    Connection const temporary = openTemporary(exists ? pageSize(path) : kDefaultPageSize);
+    ChannelDatabase database(temporary.get());
+    importChannels(database, list, progress);
+    (exists ? replaceContent : writeNewFile)(temporary.get(), path);
 }
 
 }  // namespace channel_database

@@ -1,6 +1,14 @@
 // import, export and the way of favourites from one scan to the next.
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <set>
+
 #include "tool_process.h"
 
+namespace fs = std::filesystem;
+using channel_database::ChannelDatabase;
 using testing::HasSubstr;
 
 namespace {
@@ -16,13 +24,93 @@ TEST_F(ToolTest, ImportsAChannelListAndNamesSkippedLines) {
     EXPECT_EQ(err, "list:2: skipped: a channel has 9 to 13 fields, this line 1\n");
     EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "new.db"), "A");
     EXPECT_EQ(run("import list new.db"), 1);
-    EXPECT_THAT(err, HasSubstr("new.db exists; --force replaces it"));
+    EXPECT_THAT(err, HasSubstr("new.db exists; --force replaces its content"));
     EXPECT_EQ(run("import missing new.db --force"), 1);
     EXPECT_THAT(err, HasSubstr("cannot read missing: No such file"));
     write("list", "foul\n");
     EXPECT_EQ(run("import list new.db --force"), 1);
     EXPECT_THAT(err, HasSubstr("the list holds no channel"));
     EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "new.db"), "A");
+}
+
+// The content alone: the file keeps its owner's settings, and what others left is settled first.
+TEST_F(ToolTest, ReplacesTheContentOfADatabaseAndNeverTheFile) {
+    write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
+    auto const import = [&](std::string const& file) {
+        return run("import list " + file + " --force");
+    };
+    fs::permissions(folder / "set.db", fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("set.db", folder / "link.db");
+    auto const inode = fs::hard_link_count(folder / "set.db");
+    fs::create_hard_link(folder / "set.db", folder / "same.db");
+    for (char const* mode : {"delete", "wal"}) {
+        rows(std::string("PRAGMA journal_mode = ") + mode);
+        std::string const kept = rows("PRAGMA journal_mode") + rows("PRAGMA page_size");
+        EXPECT_EQ(import("link.db"), 0) << err;
+        EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3"), "A");
+        EXPECT_EQ(rows("PRAGMA integrity_check"), "ok");
+        EXPECT_EQ(rows("PRAGMA journal_mode") + rows("PRAGMA page_size"), kept);
+        EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "same.db"), "A");
+    }
+    EXPECT_TRUE(fs::is_symlink(folder / "link.db"));
+    EXPECT_EQ(fs::hard_link_count(folder / "set.db"), inode + 1);
+    EXPECT_EQ(fs::status(folder / "set.db").permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+}
+
+// A journal or log that a power cut left beside the file belongs to the old content.
+TEST_F(ToolTest, SettlesAHotJournalBeforeItReplaces) {
+    write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
+    for (char const* mode : {"DELETE", "WAL"}) {
+        pid_t const child = fork();
+        if (child == 0) {
+            sqlite3* connection = nullptr;
+            sqlite3_open((folder / "set.db").c_str(), &connection);
+            std::string const sql = std::string("PRAGMA journal_mode = ") + mode +
+                                    "; PRAGMA cache_size = 1; BEGIN; UPDATE Service SET Name ="
+                                    " printf('%5000s', 'x'); SELECT count(*) FROM Service";
+            sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr);
+            sqlite3_db_cacheflush(connection);
+            _exit(0);
+        }
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        ASSERT_TRUE(fs::exists(folder / (*mode == 'W' ? "set.db-wal" : "set.db-journal")));
+        EXPECT_EQ(run("import list set.db --force"), 0) << err;
+        EXPECT_EQ(rows("PRAGMA integrity_check"), "ok");
+        EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3"), "A");
+    }
+}
+
+TEST_F(ToolTest, ReplacesNothingButADatabaseThatIsFree) {
+    write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
+    write("text", "a letter to my aunt, long enough to be no database\n");
+    write("empty", "");
+    fs::create_directory(folder / "folder");
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    fs::create_symlink("nowhere", folder / "dangling");
+    std::string const set = content("set.db");
+    char const* const cases[][2] = {{"text", "no SQLite database; it is left as it is"},
+                                    {"folder", "no regular file"},
+                                    {"fifo", "no regular file"},
+                                    {"dangling", "No such file"},
+                                    {"missing/new.db", "No such file"}};
+    for (auto const& [file, reason] : cases) {
+        std::string const before = std::string(file) == "text" ? content(file) : "";
+        EXPECT_EQ(run(std::string("import list ") + file + " --force"), 1);
+        EXPECT_THAT(err, HasSubstr(reason)) << file;
+        EXPECT_TRUE(before.empty() || content(file) == before);
+    }
+    EXPECT_EQ(run("import list empty --force"), 0) << err;
+    ChannelDatabase other((folder / "set.db").string());
+    other.run("BEGIN IMMEDIATE");
+    EXPECT_EQ(run("import list set.db --force"), 1);
+    EXPECT_THAT(err, HasSubstr("set.db is locked by another process; nothing is written"));
+    EXPECT_EQ(content("set.db"), set);
+    std::set<std::string> files;
+    for (auto const& entry : fs::directory_iterator(folder))
+        files.insert(entry.path().filename());
+    EXPECT_THAT(files, testing::ElementsAre("bin", "dangling", "empty", "err", "fifo", "folder",
+                                            "list", "out", "set.db", "text"));
 }
 
 // What the database keeps of a channel comes back: the same tuning URIs, names and flags.

@@ -12,9 +12,10 @@ namespace channel_database {
 /// std::runtime_error when the file cannot be read.
 ChannelsConf readChannelsConf(std::string const& path);
 
-/// Makes a channel database. It is written beside the target and renamed at the end, so that a
-/// failure (a list without channels, too), which throws std::runtime_error, leaves no half database
-/// and an old one as it was. An existing file is replaced only with `replace`.
+/// Makes a channel database in a temporary place of SQLite's, and puts it into the file `path` (see
+/// database_content.h): a new file appears whole, and with `replace` the content of an existing
+/// database is replaced as a whole. A failure (a list without channels, too) throws
+/// std::runtime_error and leaves everything as it was.
 void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
                       ImportProgress const& progress = {});
 

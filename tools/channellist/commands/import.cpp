@@ -100,7 +100,7 @@ void addImportCommand(CommandLine& line) {
         .argument("CHANNELS.CONF", options->list, "the channel list")
         .optionalArgument("DATABASE", options->database,
                           "the database to make, or to write favourites to")
-        .flag("--force", options->force, "replace an existing database")
+        .flag("--force", options->force, "replace the content of an existing database")
         .flag("--favourites", options->favourites,
               "write FAV1 to FAV4 from the groups of these names")
         .option("--list", options->favList, "write all channels to this FAV list")

@@ -1,0 +1,30 @@
+/// Puts a whole database into a file. A database in use is never replaced, its content is.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+
+namespace channel_database {
+
+/// Throws std::runtime_error, which names the reason, unless `path` is a regular file, a symbolic
+/// link to one too, and a SQLite database or empty.
+void checkReplaceable(std::string const& path);
+
+/// Gives the database at `path`, which checkReplaceable accepts, the content of `source`, which no
+/// one else writes to. SQLite's backup interface does it in one transaction: the locks of other
+/// processes are waited for, up to ten seconds, an unfinished journal or write-ahead log is settled
+/// first, and the file itself stays, with its owner, mode and links. Journal mode and page size
+/// stay as well. Throws std::runtime_error; the content is the old one then.
+void replaceContent(sqlite3* source, std::string const& path);
+
+/// Makes the file `path` with the content of `source`. It has no name until it is whole and flushed
+/// (on file systems that cannot do so: a name of its own beside it), and replaces nothing. Throws
+/// std::runtime_error, also when `path` exists.
+void writeNewFile(sqlite3* source, std::string const& path);
+
+/// The page size of the database at `path`, which checkReplaceable accepts; SQLite's default for an
+/// empty file.
+int pageSize(std::string const& path);
+
+}  // namespace channel_database
