@@ -1,7 +1,9 @@
 // channellist edit LIST OPERATION...
 #include <channellist-access/db_access.h>
 
+#include <fstream>
 #include <iostream>
+#include <iterator>
 
 #include "commands/commands.h"
 #include "database/list_naming.h"
@@ -11,6 +13,7 @@
 #include "edit/operations.h"
 #include "edit/request.h"
 #include "edit/reserved_numbers.h"
+#include "edit/text_order.h"
 #include "failure.h"
 
 namespace tool {
@@ -19,6 +22,7 @@ namespace {
 struct Options {
     std::string list;
     std::vector<std::string> words;
+    std::string from;  // file of the text, "-" for standard input
     bool dryRun = false;
     bool renumber = false;
     bool json = false;
@@ -83,31 +87,71 @@ void report(Options const& options, std::vector<Change> const& changes, std::str
     std::cout << result << "\n";
 }
 
-int run(std::string const& database, Options const& options) {
-    std::vector<Operation> const operations = parseOperations(options.words);
-    if (operations.empty() && !options.renumber)
-        throw Failure("edit needs an operation or --renumber", kUsage);
-    Session session(database, options.dryRun ? Access::Read : Access::Write);
-    List const list = findList(options.list);
-    checkVerbs(list, operations);
-    std::vector<Entry> const before = storedEntries(list);
-    ListContent content(displayName(list), before, reservedNumbers(list));
-    apply(operations, addableServices(operations), content);
+// Brings the list to its new content, in one request.
+void write(Session& session, Options const& options, List const& list,
+           std::vector<Entry> const& before, std::vector<Entry> const& after) {
     bool const renumberList = options.renumber && list.favIndex != 0;
-    if (content.entries() == before && !renumberList) {
+    if (after == before && !renumberList) {
         report(options, {}, "Nothing to change.");
-        return kSuccess;
+        return;
     }
     noteUndelivered(list, before.size());
     if (options.dryRun)
         session.continueOnCopy();
     Snapshot const stored = takeSnapshot(list);
-    int const code = submit(
-        list.favIndex != 0 ? favListRequest(list, content.entries())
-                           : otherListRequest(list, before, content.entries(), options.renumber));
+    int const code =
+        submit(list.favIndex != 0 ? favListRequest(list, after)
+                                  : otherListRequest(list, before, after, options.renumber));
     if (renumberList)
         renumber(list);
     report(options, differences(stored, takeSnapshot(list)), explain(options, code));
+}
+
+std::string readText(std::string const& file) {
+    std::ifstream stored;
+    if (file != "-")
+        stored.open(file);
+    std::istream& in = file == "-" ? std::cin : stored;
+    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (!in.good() && !in.eof())
+        throw Failure("cannot read " + file);
+    return text;
+}
+
+std::vector<Entry> joiningServices(List const& list) {
+    return list.favIndex != 0 ? readEntries(findList("all").uuid).entries : std::vector<Entry>();
+}
+
+std::vector<Entry> contentOfText(List const& list, std::vector<Entry> const& before,
+                                 Options const& options) {
+    TextOrder order = orderByText(list, before, joiningServices(list), reservedNumbers(list),
+                                  parseList(readText(options.from)));
+    if (!order.errors.empty()) {
+        throw Failure("nothing is written:\n" +
+                      explainErrors(options.from == "-" ? "input" : options.from, order.errors));
+    }
+    for (std::string const& note : order.notes)
+        std::cerr << "channellist: " << note << "\n";
+    return std::move(order.entries);
+}
+
+int run(std::string const& database, Options const& options) {
+    std::vector<Operation> const operations = parseOperations(options.words);
+    if (!operations.empty() && !options.from.empty())
+        throw Failure("edit takes operations or --from, not both", kUsage);
+    if (operations.empty() && options.from.empty() && !options.renumber)
+        throw Failure("edit needs an operation, --from or --renumber", kUsage);
+    Session session(database, options.dryRun ? Access::Read : Access::Write);
+    List const list = findList(options.list);
+    checkVerbs(list, operations);
+    std::vector<Entry> const before = storedEntries(list);
+    if (!options.from.empty()) {
+        write(session, options, list, before, contentOfText(list, before, options));
+        return kSuccess;
+    }
+    ListContent content(displayName(list), before, reservedNumbers(list));
+    apply(operations, addableServices(operations), content);
+    write(session, options, list, before, content.entries());
     return kSuccess;
 }
 
@@ -118,6 +162,7 @@ void addEditCommand(CommandLine& line) {
     line.add("edit", "Changes a list")
         .argument("LIST", options->list, "uuid, or a name that only one list has")
         .arguments("OPERATION", options->words, 0, kAnyNumber, "what to do, see below")
+        .option("--from", options->from, "bring the list to what this file says, - for the input")
         .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")
         .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
         .json(options->json)
@@ -130,11 +175,14 @@ void addEditCommand(CommandLine& line) {
             "  restore SERVICE          takes the mark off\n"
             "A SERVICE is its channel number in the list, its name or uuid, or id:N for the\n"
             "database key. --renumber closes the gaps in the list when it is FAV1 to FAV4, else\n"
-            "in those of them that hold a service that is hidden or restored.\n\n"
+            "in those of them that hold a service that is hidden or restored.\n"
+            "--from takes a text as \"channellist list\" prints it, edited: its comments explain\n"
+            "how. Everything wrong in it is told at once, and nothing is written then.\n\n"
             "Examples:\n"
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"
-            "  channellist edit all hide id:21 --renumber")
+            "  channellist edit all hide id:21 --renumber\n"
+            "  channellist list FAV1 > mine.txt; channellist edit FAV1 --from mine.txt")
         .action([options](std::string const& database) { return run(database, *options); });
 }
 
