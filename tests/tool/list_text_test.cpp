@@ -98,4 +98,39 @@ TEST_F(ToolTest, TellsEverythingWrongInATextAtOnce) {
     EXPECT_EQ(content("set.db"), before);
 }
 
+// The editor is a script; what it does in its first run, and in the second.
+TEST_F(ToolTest, OpensAListInTheEditorUntilItIsRight) {
+    const struct {
+        char const* first;
+        char const* second;
+        int code;
+        char const* out;
+        char const* err;
+        char const* fav1;
+    } cases[] = {
+        {"true", "", 0, "Nothing to change.", "", "1 1;2 2;3 3;5 5"},
+        {": >\"$1\"", "", 0, "Nothing to change.", "", "1 1;2 2;3 3;5 5"},
+        {"sed -i /VOX/d \"$1\"", "", 0, "FAV1  removed       3", "", "1 1;2 2;5 5"},
+        {"echo CNN >>\"$1\"",
+         "grep -q '^#! no service fits' \"$1\" && sed -i '/^CNN/d;/VOX/d' \"$1\"", 0, "removed", "",
+         "1 1;2 2;5 5"},
+        {"echo CNN >\"$1\"", "true", 1, "", "text:1: no service fits 'CNN'", "1 1;2 2;3 3;5 5"},
+        {"false", "", 1, "", "failed; nothing is written", "1 1;2 2;3 3;5 5"},
+        {"sed -i /VOX/d \"$1\"; " TOOL " --db set.db edit FAV1 hide Jazz >/dev/null", "", 1, "",
+         "FAV1 has changed in the database meanwhile", "1 1;2 2;3 3;5 5 deleted"},
+    };
+    std::string const before = content("set.db");
+    for (auto const& c : cases) {
+        write("ed", "if [ -e again ]; then :\n" + std::string(c.second) + "\nelse\n>again\n" +
+                        c.first + "\nfi\n");
+        EXPECT_EQ(run("--db set.db edit FAV1", "TMPDIR=$PWD VISUAL= EDITOR='sh ./ed'"), c.code);
+        EXPECT_THAT(out, HasSubstr(c.out)) << c.first;
+        EXPECT_THAT(err, HasSubstr(c.err)) << c.first;
+        EXPECT_EQ(err.find("your text is kept in ") != std::string::npos, c.code != 0) << err;
+        EXPECT_EQ(fav(1), c.fav1) << c.first;
+        write("set.db", before);
+        std::filesystem::remove(folder / "again");
+    }
+}
+
 }  // namespace

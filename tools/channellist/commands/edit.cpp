@@ -1,9 +1,7 @@
-// channellist edit LIST OPERATION...
+// channellist edit LIST [OPERATION...]
 #include <channellist-access/db_access.h>
 
-#include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include "commands/commands.h"
 #include "database/list_naming.h"
@@ -13,7 +11,7 @@
 #include "edit/operations.h"
 #include "edit/request.h"
 #include "edit/reserved_numbers.h"
-#include "edit/text_order.h"
+#include "edit/text_edit.h"
 #include "failure.h"
 
 namespace tool {
@@ -107,51 +105,41 @@ void write(Session& session, Options const& options, List const& list,
     report(options, differences(stored, takeSnapshot(list)), explain(options, code));
 }
 
-std::string readText(std::string const& file) {
-    std::ifstream stored;
-    if (file != "-")
-        stored.open(file);
-    std::istream& in = file == "-" ? std::cin : stored;
-    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (!in.good() && !in.eof())
-        throw Failure("cannot read " + file);
-    return text;
+// An unchanged text, and a "no", leave everything as it is.
+void editInEditor(Session& session, Options const& options, List const& list,
+                  std::vector<Entry> const& before) {
+    EditorFile file;
+    auto const after = contentFromEditor(list, before, file);
+    if (!after || *after == before)
+        report(options, {}, "Nothing to change.");
+    else if (options.dryRun || options.json || confirm(list, before, *after))
+        write(session, options, list, before, *after);
+    else
+        throw Failure("nothing is written");
+    file.remove();
 }
 
-std::vector<Entry> joiningServices(List const& list) {
-    return list.favIndex != 0 ? readEntries(findList("all").uuid).entries : std::vector<Entry>();
-}
-
-std::vector<Entry> contentOfText(List const& list, std::vector<Entry> const& before,
-                                 Options const& options) {
-    TextOrder order = orderByText(list, before, joiningServices(list), reservedNumbers(list),
-                                  parseList(readText(options.from)));
-    if (!order.errors.empty()) {
-        throw Failure("nothing is written:\n" +
-                      explainErrors(options.from == "-" ? "input" : options.from, order.errors));
-    }
-    for (std::string const& note : order.notes)
-        std::cerr << "channellist: " << note << "\n";
-    return std::move(order.entries);
+void checkUsage(Options const& options, std::vector<Operation> const& operations) {
+    if (!operations.empty() && !options.from.empty())
+        throw Failure("edit takes operations or --from, not both", kUsage);
 }
 
 int run(std::string const& database, Options const& options) {
     std::vector<Operation> const operations = parseOperations(options.words);
-    if (!operations.empty() && !options.from.empty())
-        throw Failure("edit takes operations or --from, not both", kUsage);
-    if (operations.empty() && options.from.empty() && !options.renumber)
-        throw Failure("edit needs an operation, --from or --renumber", kUsage);
+    checkUsage(options, operations);
     Session session(database, options.dryRun ? Access::Read : Access::Write);
     List const list = findList(options.list);
     checkVerbs(list, operations);
     std::vector<Entry> const before = storedEntries(list);
     if (!options.from.empty()) {
-        write(session, options, list, before, contentOfText(list, before, options));
-        return kSuccess;
+        write(session, options, list, before, contentFromFile(list, before, options.from));
+    } else if (operations.empty() && !options.renumber) {
+        editInEditor(session, options, list, before);
+    } else {
+        ListContent content(displayName(list), before, reservedNumbers(list));
+        apply(operations, addableServices(operations), content);
+        write(session, options, list, before, content.entries());
     }
-    ListContent content(displayName(list), before, reservedNumbers(list));
-    apply(operations, addableServices(operations), content);
-    write(session, options, list, before, content.entries());
     return kSuccess;
 }
 
@@ -167,7 +155,8 @@ void addEditCommand(CommandLine& line) {
         .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
         .json(options->json)
         .footer(
-            "Operations, done one after the other:\n"
+            "Without an operation the list is opened in $VISUAL, $EDITOR or else vi, and what the\n"
+            "editor made of it is written. Operations, done one after the other:\n"
             "  add SERVICE [at NUMBER]  to FAV1 to FAV4, from the list of all services\n"
             "  remove SERVICE           from FAV1 to FAV4\n"
             "  move SERVICE to NUMBER   those between the old and the new number close up\n"
@@ -182,6 +171,7 @@ void addEditCommand(CommandLine& line) {
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"
             "  channellist edit all hide id:21 --renumber\n"
+            "  channellist edit FAV1\n"
             "  channellist list FAV1 > mine.txt; channellist edit FAV1 --from mine.txt")
         .action([options](std::string const& database) { return run(database, *options); });
 }
