@@ -80,7 +80,6 @@ TEST_F(ToolTest, KeepsTheNumbersOfOttChannelsFree) {
 
 TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
     Invocation const runs[] = {
-        {"edit FAV1", 2, nullptr, "edit needs an operation or --renumber"},
         {"edit FAV1 frobnicate 1", 2, nullptr, "'frobnicate' is none of add, remove"},
         {"edit FAV1 remove", 2, nullptr, "remove needs a service"},
         {"edit FAV1 move 1", 2, nullptr, "move needs \"to\" and a channel number"},

@@ -5,9 +5,9 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr char const* kCommands[] = {"folders", "services", "attributes", "edit",
-                                     "anchor",  "scramble", "biss",       "ott",
-                                     "check",   "driver",   "import",     "export"};
+constexpr char const* kCommands[] = {"folders",  "services", "attributes", "edit",  "anchor",
+                                     "scramble", "biss",     "ott",        "check", "driver",
+                                     "import",   "export",   "list"};
 
 TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
     std::string const manual = content(TOOL_SOURCE "/channellist.1");

@@ -11,8 +11,8 @@ int runTool(int argc, char** argv) {
     CommandLine line;
     for (auto const add :
          {addFoldersCommand, addServicesCommand, addAttributesCommand, addEditCommand,
-          addAnchorCommand, addScrambleCommand, addBissCommand, addOttCommand, addCheckCommand,
-          addDriverCommand, addImportCommand, addExportCommand})
+          addListCommand, addAnchorCommand, addScrambleCommand, addBissCommand, addOttCommand,
+          addCheckCommand, addDriverCommand, addImportCommand, addExportCommand})
         add(line);
     std::optional<int> const done = line.parse(argc, argv);
     return done ? *done : line.run();

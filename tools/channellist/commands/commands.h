@@ -20,6 +20,7 @@ void addEditCommand(CommandLine& line);
 void addAnchorCommand(CommandLine& line);
 void addScrambleCommand(CommandLine& line);
 void addBissCommand(CommandLine& line);
+void addListCommand(CommandLine& line);
 void addOttCommand(CommandLine& line);
 void addCheckCommand(CommandLine& line);
 void addDriverCommand(CommandLine& line);

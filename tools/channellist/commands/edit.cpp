@@ -1,4 +1,4 @@
-// channellist edit LIST OPERATION...
+// channellist edit LIST [OPERATION...]
 #include <channellist-access/db_access.h>
 
 #include <iostream>
@@ -11,6 +11,7 @@
 #include "edit/operations.h"
 #include "edit/request.h"
 #include "edit/reserved_numbers.h"
+#include "edit/text_edit.h"
 #include "failure.h"
 
 namespace tool {
@@ -19,6 +20,7 @@ namespace {
 struct Options {
     std::string list;
     std::vector<std::string> words;
+    std::string from;  // file of the text, "-" for standard input
     bool dryRun = false;
     bool renumber = false;
     bool json = false;
@@ -83,31 +85,61 @@ void report(Options const& options, std::vector<Change> const& changes, std::str
     std::cout << result << "\n";
 }
 
-int run(std::string const& database, Options const& options) {
-    std::vector<Operation> const operations = parseOperations(options.words);
-    if (operations.empty() && !options.renumber)
-        throw Failure("edit needs an operation or --renumber", kUsage);
-    Session session(database, options.dryRun ? Access::Read : Access::Write);
-    List const list = findList(options.list);
-    checkVerbs(list, operations);
-    std::vector<Entry> const before = storedEntries(list);
-    ListContent content(displayName(list), before, reservedNumbers(list));
-    apply(operations, addableServices(operations), content);
+// Brings the list to its new content, in one request.
+void write(Session& session, Options const& options, List const& list,
+           std::vector<Entry> const& before, std::vector<Entry> const& after) {
     bool const renumberList = options.renumber && list.favIndex != 0;
-    if (content.entries() == before && !renumberList) {
+    if (after == before && !renumberList) {
         report(options, {}, "Nothing to change.");
-        return kSuccess;
+        return;
     }
     noteUndelivered(list, before.size());
     if (options.dryRun)
         session.continueOnCopy();
     Snapshot const stored = takeSnapshot(list);
-    int const code = submit(
-        list.favIndex != 0 ? favListRequest(list, content.entries())
-                           : otherListRequest(list, before, content.entries(), options.renumber));
+    int const code =
+        submit(list.favIndex != 0 ? favListRequest(list, after)
+                                  : otherListRequest(list, before, after, options.renumber));
     if (renumberList)
         renumber(list);
     report(options, differences(stored, takeSnapshot(list)), explain(options, code));
+}
+
+// An unchanged text, and a "no", leave everything as it is.
+void editInEditor(Session& session, Options const& options, List const& list,
+                  std::vector<Entry> const& before) {
+    EditorFile file;
+    auto const after = contentFromEditor(list, before, file);
+    if (!after || *after == before)
+        report(options, {}, "Nothing to change.");
+    else if (options.dryRun || options.json || confirm(list, before, *after))
+        write(session, options, list, before, *after);
+    else
+        throw Failure("nothing is written");
+    file.remove();
+}
+
+void checkUsage(Options const& options, std::vector<Operation> const& operations) {
+    if (!operations.empty() && !options.from.empty())
+        throw Failure("edit takes operations or --from, not both", kUsage);
+}
+
+int run(std::string const& database, Options const& options) {
+    std::vector<Operation> const operations = parseOperations(options.words);
+    checkUsage(options, operations);
+    Session session(database, options.dryRun ? Access::Read : Access::Write);
+    List const list = findList(options.list);
+    checkVerbs(list, operations);
+    std::vector<Entry> const before = storedEntries(list);
+    if (!options.from.empty()) {
+        write(session, options, list, before, contentFromFile(list, before, options.from));
+    } else if (operations.empty() && !options.renumber) {
+        editInEditor(session, options, list, before);
+    } else {
+        ListContent content(displayName(list), before, reservedNumbers(list));
+        apply(operations, addableServices(operations), content);
+        write(session, options, list, before, content.entries());
+    }
     return kSuccess;
 }
 
@@ -118,11 +150,13 @@ void addEditCommand(CommandLine& line) {
     line.add("edit", "Changes a list")
         .argument("LIST", options->list, "uuid, or a name that only one list has")
         .arguments("OPERATION", options->words, 0, kAnyNumber, "what to do, see below")
+        .option("--from", options->from, "bring the list to what this file says, - for the input")
         .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")
         .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
         .json(options->json)
         .footer(
-            "Operations, done one after the other:\n"
+            "Without an operation the list is opened in $VISUAL, $EDITOR or else vi, and what the\n"
+            "editor made of it is written. Operations, done one after the other:\n"
             "  add SERVICE [at NUMBER]  to FAV1 to FAV4, from the list of all services\n"
             "  remove SERVICE           from FAV1 to FAV4\n"
             "  move SERVICE to NUMBER   those between the old and the new number close up\n"
@@ -130,11 +164,15 @@ void addEditCommand(CommandLine& line) {
             "  restore SERVICE          takes the mark off\n"
             "A SERVICE is its channel number in the list, its name or uuid, or id:N for the\n"
             "database key. --renumber closes the gaps in the list when it is FAV1 to FAV4, else\n"
-            "in those of them that hold a service that is hidden or restored.\n\n"
+            "in those of them that hold a service that is hidden or restored.\n"
+            "--from takes a text as \"channellist list\" prints it, edited: its comments explain\n"
+            "how. Everything wrong in it is told at once, and nothing is written then.\n\n"
             "Examples:\n"
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"
-            "  channellist edit all hide id:21 --renumber")
+            "  channellist edit all hide id:21 --renumber\n"
+            "  channellist edit FAV1\n"
+            "  channellist list FAV1 > mine.txt; channellist edit FAV1 --from mine.txt")
         .action([options](std::string const& database) { return run(database, *options); });
 }
 

@@ -104,7 +104,7 @@ Favourites collect(List const& list, std::vector<Channel const*> const& channels
                                           std::to_string(channel->line) + ")");
         } else if (auto const id = numberIn(*service, SERVICE_FIELD_PID); taken.insert(id).second) {
             content.add({std::nullopt, static_cast<unsigned int>(id), false,
-                         (*service)[SERVICE_FIELD_CAPTION], (*service)[SERVICE_FIELD_UUID]},
+                         (*service)[SERVICE_FIELD_CAPTION], (*service)[SERVICE_FIELD_UUID], ""},
                         std::nullopt);
         }
     }

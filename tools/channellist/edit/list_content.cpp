@@ -20,6 +20,13 @@ std::optional<std::int64_t> channelNumber(std::string const& text) {
     return number && *number >= kSmallest && *number <= kLargest ? number : std::nullopt;
 }
 
+std::string tripletOf(ResultRow const& service) {
+    std::string const triplet = service[SERVICE_FIELD_ORIGINAL_NETWORK_ID] + "-" +
+                                service[SERVICE_FIELD_TRANSPORT_STREAM_ID] + "-" +
+                                service[SERVICE_FIELD_SERVICE_ID];
+    return triplet == "0-0-0" || triplet == "--" ? "" : triplet;
+}
+
 bool isAt(Entry const& entry, std::int64_t number) {
     return !entry.deleted && entry.number == number;
 }
@@ -38,7 +45,8 @@ Entries readEntries(std::string const& listUuid) {
         auto const id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
         result.entries.push_back({channelNumber(service[SERVICE_FIELD_CHANNEL_NUMBER]),
                                   static_cast<unsigned int>(id), isDeleted(service),
-                                  service[SERVICE_FIELD_CAPTION], service[SERVICE_FIELD_UUID]});
+                                  service[SERVICE_FIELD_CAPTION], service[SERVICE_FIELD_UUID],
+                                  tripletOf(service)});
     }
     return result;
 }

@@ -16,6 +16,7 @@ struct Entry {
     bool deleted = false;  // its row stays, but it is not shown
     std::string name;
     std::string uuid;
+    std::string triplet;  // "1-1019-10301", network, stream and service; "" without one
 };
 
 inline bool operator==(Entry const& a, Entry const& b) {

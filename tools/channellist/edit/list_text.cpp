@@ -1,0 +1,155 @@
+#include "edit/list_text.h"
+
+#include <algorithm>
+#include <limits>
+#include <sstream>
+
+#include "output/json_text.h"
+#include "output/text_table.h"
+
+namespace tool {
+namespace {
+
+constexpr char kExplanation[] =
+    "# A line is an entry: number, shown or hidden, name, DVB triplet (network-stream-service), "
+    "key.\n"
+    "# Move lines to bring the list into their order; the numbers are dealt out again in it.\n"
+    "# A line without a number takes the next one after the line above; another number is kept.\n"
+    "# Write hidden for shown, or shown for hidden; in FAV1 to FAV4 also delete and add lines:\n"
+    "# a key (id:21), a triplet or a name is enough for a service that it alone fits.\n";
+constexpr char kBlanks[] = " \t\r";
+constexpr std::size_t kMarkWidth = 6;
+
+std::string padded(std::string const& text, std::size_t width) {
+    std::size_t const columns = displayWidth(text);
+    return text + std::string(width > columns ? width - columns : 0, ' ');
+}
+
+bool isTriplet(std::string const& word) {
+    return std::count(word.begin(), word.end(), '-') == 2 && word.front() != '-' &&
+           word.back() != '-' && word.find("--") == std::string::npos &&
+           word.find_first_not_of("0123456789-") == std::string::npos;
+}
+
+std::string trimmed(std::string const& text) {
+    auto const first = text.find_first_not_of(kBlanks);
+    return first == std::string::npos
+               ? std::string()
+               : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::string firstWord(std::string const& text) {
+    return text.substr(0, text.find_first_of(kBlanks));
+}
+
+std::string lastWord(std::string const& text) {
+    auto const blank = text.find_last_of(kBlanks);
+    return blank == std::string::npos ? text : text.substr(blank + 1);
+}
+
+void dropFirst(std::string& text, std::string const& word) {
+    text = trimmed(text.substr(word.size()));
+}
+
+void dropLast(std::string& text, std::string const& word) {
+    text = trimmed(text.substr(0, text.size() - word.size()));
+}
+
+// Takes number and mark off the beginning; false when the number is too large. A name may be a
+// number, so what stands alone is no number.
+bool takeFront(std::string& rest, TextLine& line) {
+    std::string const word = firstWord(rest);
+    auto const number = wholeNumber(word);
+    bool const isNumber =
+        !word.empty() &&
+        word.find_first_not_of("0123456789", word[0] == '-' ? 1 : 0) == std::string::npos &&
+        word != "-";
+    if (isNumber && word.size() < rest.size()) {
+        if (!number || *number > std::numeric_limits<std::int32_t>::max() ||
+            *number < std::numeric_limits<std::int32_t>::min())
+            return false;
+        line.number = number;
+        dropFirst(rest, word);
+    }
+    std::string const mark = firstWord(rest);
+    line.hidden = mark == "hidden";
+    if (line.hidden || mark == "shown")
+        dropFirst(rest, mark);
+    return true;
+}
+
+void takeBack(std::string& rest, TextLine& line) {
+    std::string word = lastWord(rest);
+    if (word.compare(0, 3, "id:") == 0) {
+        line.key = wholeNumber(word.substr(3));
+        if (!line.key)
+            return;
+        dropLast(rest, word);
+        word = lastWord(rest);
+        if (word == "-")  // of services without a triplet
+            dropLast(rest, word);
+    }
+    if (!word.empty() && isTriplet(word)) {
+        line.triplet = word;
+        dropLast(rest, word);
+    }
+}
+
+}  // namespace
+
+std::string formatList(std::string const& listName, std::vector<Entry> const& entries) {
+    std::size_t numbers = 0, names = 0, triplets = 1;
+    for (Entry const& entry : entries) {
+        numbers = std::max(numbers, numberText(entry).size());
+        names = std::max(names, displayWidth(displayText(entry.name)));
+        triplets = std::max(triplets, entry.triplet.size());
+    }
+    std::ostringstream text;
+    text << "# " << displayText(listName) << ": " << entries.size() << " entries\n" << kExplanation;
+    for (Entry const& entry : entries) {
+        std::string const number = numberText(entry);
+        text << std::string(numbers - number.size(), ' ') << number << "  "
+             << padded(entry.deleted ? "hidden" : "shown", kMarkWidth) << "  "
+             << padded(displayText(entry.name), names) << "  "
+             << padded(entry.triplet.empty() ? "-" : entry.triplet, triplets)
+             << "  id:" << entry.serviceId << "\n";
+    }
+    return text.str();
+}
+
+ListText parseList(std::string const& text) {
+    ListText result;
+    std::istringstream lines(text);
+    int count = 0;
+    for (std::string content; std::getline(lines, content);) {
+        TextLine line;
+        line.line = ++count;
+        std::string rest = trimmed(content);
+        if (rest.empty() || rest[0] == '#')
+            continue;
+        if (!takeFront(rest, line)) {
+            result.errors.push_back({count, "the channel number is too large"});
+            continue;
+        }
+        takeBack(rest, line);
+        line.name = rest;
+        if (line.name.empty() && line.triplet.empty() && !line.key)
+            result.errors.push_back({count, "the line names no service"});
+        else
+            result.lines.push_back(std::move(line));
+    }
+    return result;
+}
+
+std::string explainErrors(std::string const& file, std::vector<TextError> errors) {
+    std::stable_sort(errors.begin(), errors.end(),
+                     [](TextError const& a, TextError const& b) { return a.line < b.line; });
+    std::string text;
+    for (TextError const& error : errors) {
+        text += (text.empty() ? "" : "\n") + file + ":" + std::to_string(error.line) + ": " +
+                error.sentence;
+    }
+    return text;
+}
+
+}  // namespace tool
