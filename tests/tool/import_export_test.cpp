@@ -74,11 +74,49 @@ TEST_F(ToolTest, SettlesAHotJournalBeforeItReplaces) {
             _exit(0);
         }
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        ASSERT_TRUE(fs::exists(folder / (*mode == 'W' ? "set.db-wal" : "set.db-journal")));
+        std::string const left = *mode == 'W' ? "set.db-wal" : "set.db-journal";
+        ASSERT_TRUE(fs::exists(folder / left));
+        fs::copy_file(folder / "set.db", folder / "other.db", fs::copy_options::overwrite_existing);
+        fs::copy_file(folder / left, folder / ("other" + left.substr(3)));
+        EXPECT_EQ(run("services all --db other.db"), 0) << err;
+        EXPECT_THAT(out, testing::Not(HasSubstr("xxx")));
         EXPECT_EQ(run("import list set.db --force"), 0) << err;
         EXPECT_EQ(rows("PRAGMA integrity_check"), "ok");
         EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3"), "A");
     }
+}
+
+TEST_F(ToolTest, BringsABackupBackWhole) {
+    std::string const tables[] = {"Service", "FavoriteList", "FavoriteItem", "Lcn", "Tuner"};
+    auto const everything = [&](std::string const& file) {
+        std::string all;
+        for (std::string const& table : tables)
+            all += rows("SELECT * FROM " + table, file) + "\n";
+        return all;
+    };
+    std::string const before = everything("set.db");
+    output("backup copy.db");
+    EXPECT_EQ(out, "copy.db: 7 lists, 7 services of set.db\n");
+    EXPECT_EQ(everything("copy.db"), before);
+    output("backup copy.db", 1);
+    EXPECT_THAT(err, HasSubstr("File exists"));
+    change(
+        "UPDATE Service SET Name = 'x' WHERE Pid = 1; DELETE FROM Service WHERE Pid = 2;"
+        "DELETE FROM FavoriteItem WHERE ServiceId = 3; DELETE FROM FavoriteList WHERE Pid = 21;"
+        "INSERT INTO FavoriteList (Uuid, Name) VALUES ('new', 'new')");
+    std::string const changed = everything("set.db");
+    constexpr char kChanges[] =
+        "1 lists added, 1 lists removed, 3 lists changed, 1 services added, 0 services removed, 1"
+        " services changed\n";
+    expect({"restore copy.db --dry-run", 0, kChanges, nullptr});
+    EXPECT_EQ(everything("set.db"), changed);
+    expect({"restore copy.db", 0, "Written, and flushed to the disk", nullptr});
+    EXPECT_EQ(everything("set.db"), before);
+    expect({"restore copy.db", 0, "0 lists added, 0 lists removed, 0 lists changed, 0", nullptr});
+    expect({"restore set.db", 1, nullptr, "is the database itself"});
+    write("text", "no database, but a text of some length");
+    expect({"restore text", 1, nullptr, "text is no SQLite database"});
+    EXPECT_EQ(everything("set.db"), before);
 }
 
 TEST_F(ToolTest, ReplacesNothingButADatabaseThatIsFree) {

@@ -26,5 +26,7 @@ void addCheckCommand(CommandLine& line);
 void addDriverCommand(CommandLine& line);
 void addImportCommand(CommandLine& line);
 void addExportCommand(CommandLine& line);
+void addBackupCommand(CommandLine& line);
+void addRestoreCommand(CommandLine& line);
 
 }  // namespace tool

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 #include <utility>
 
 #include "database/query.h"
@@ -27,7 +28,9 @@ void checkFile(std::string const& path) {
     }
     if (S_ISDIR(file.st_mode))
         throw Failure(path + " is a directory, not a database");
-    if (S_ISREG(file.st_mode) && file.st_size == 0)
+    if (!S_ISREG(file.st_mode))
+        throw Failure(path + " is no regular file, and so no database");
+    if (file.st_size == 0)
         throw Failure(path + " is empty: it holds no channel database");
 }
 
@@ -58,6 +61,31 @@ void close(sqlite3*& connection) {
     connection = nullptr;
 }
 
+// What a process that died has left unfinished can be settled only by a connection that may write.
+// Nothing else is ever written for a reading command.
+void settle(std::string const& path) {
+    constexpr char kRead[] = "SELECT count(*) FROM sqlite_master";
+    sqlite3* connection = nullptr;
+    auto const read = [&](int flags) {
+        close(connection);
+        openChecked(path, flags, connection);
+        return sqlite3_exec(connection, kRead, nullptr, nullptr, nullptr);
+    };
+    int code = read(SQLITE_OPEN_READONLY);
+    bool const isUnfinished = code == SQLITE_READONLY || code == SQLITE_CANTOPEN;
+    if (isUnfinished)
+        code = read(SQLITE_OPEN_READWRITE);
+    close(connection);
+    if (!isUnfinished)
+        return;
+    if (code == SQLITE_READONLY || code == SQLITE_CANTOPEN)
+        throw Failure("an interrupted write lies beside " + path +
+                      ", and this user may not settle it: run the command once as a user who may"
+                      " write the file and its folder");
+    if (code == SQLITE_OK)
+        std::cerr << "channellist: settled an interrupted write that lay beside " << path << "\n";
+}
+
 }  // namespace
 
 OttSession::OttSession() {
@@ -84,6 +112,8 @@ OttSession::~OttSession() { close(db_zentova); }
 Session::Session(std::string const& path, Access access) {
     checkFile(path);
     try {
+        if (access == Access::Read)
+            settle(path);
         openChecked(path, access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE,
                     db);
         checkContent(path, sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr,
