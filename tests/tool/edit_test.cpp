@@ -23,6 +23,8 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
         {"hide 2 --renumber", "1 1;2 2 deleted;2 3;3 5"},
         {"hide 2 move VOX to 2", "1 1;2 2 deleted;2 3;5 5"},
         {"hide 2 move VOX to 2 move Jazz to 9 restore 'ZDF HD'", "1 1;2 2;3 3;9 5"},
+        {"hide 2 move 3 to 2 restore 2 move 5 to 9", "1 1;2 2;3 3;9 5"},
+        {"hide 2 move 3 to 2 move 2 to 7", "1 1;2 2 deleted;5 5;7 3"},
         {"remove 1 remove 2 remove 3 remove 5", ""},
         {"--renumber", "1 1;2 2;3 3;4 5"},
     };
@@ -89,7 +91,7 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit all add VOX", 2, nullptr, "added to and removed from FAV1 to FAV4 only"},
         {"edit FAV1 remove CNN", 1, nullptr, "FAV1 holds no service 'CNN'"},
         {"edit FAV1 add VOX", 1, nullptr, "FAV1 already holds id:3 (VOX, number 3)"},
-        {"edit FAV2 add VOX", 1, nullptr, "number 1), hidden: restore it"},
+        {"edit FAV2 add VOX", 1, nullptr, "number 1, hidden); restore it"},
         {"edit FAV3 add 'ZDF HD'", 1, nullptr, "id:2 (ZDF HD, number 2), id:6 (ZDF HD, number 6)"},
     };
     std::string const before = content("set.db");

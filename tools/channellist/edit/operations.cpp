@@ -42,7 +42,14 @@ bool isMeant(Entry const& entry, std::string const& word) {
 
 std::string describe(Entry const& entry) {
     return "id:" + std::to_string(entry.serviceId) + " (" + entry.name + ", number " +
-           numberText(entry) + ")";
+           numberText(entry) + (entry.deleted ? ", hidden)" : ")");
+}
+
+// Of a hidden and a shown entry that one word means, such as a number that both hold.
+void keepOnly(bool hidden, std::vector<Entry> const& entries, std::vector<std::size_t>& found) {
+    auto const isOther = [&](std::size_t i) { return entries[i].deleted != hidden; };
+    if (!std::all_of(found.begin(), found.end(), isOther))
+        found.erase(std::remove_if(found.begin(), found.end(), isOther), found.end());
 }
 
 void addService(Operation const& operation, std::vector<Entry> const& all, ListContent& content) {
@@ -53,7 +60,7 @@ void addService(Operation const& operation, std::vector<Entry> const& all, ListC
     });
     if (stored != entries.end()) {
         throw Failure(content.listName() + " already holds " + describe(*stored) +
-                      (stored->deleted ? ", hidden: restore it" : ""));
+                      (stored->deleted ? "; restore it" : ""));
     }
     entry.deleted = false;
     content.add(std::move(entry), operation.number);
@@ -64,7 +71,8 @@ void applyOne(Operation const& operation, std::vector<Entry> const& all, ListCon
         addService(operation, all, content);
         return;
     }
-    std::size_t const index = findEntry(content.entries(), operation.service, content.listName());
+    std::size_t const index = findEntry(content.entries(), operation.service, content.listName(),
+                                        operation.verb == Verb::Restore);
     switch (operation.verb) {
         case Verb::Remove:
             content.remove(index);
@@ -109,11 +117,12 @@ std::vector<Operation> parseOperations(std::vector<std::string> const& words) {
 }
 
 std::size_t findEntry(std::vector<Entry> const& entries, std::string const& word,
-                      std::string const& listName) {
+                      std::string const& listName, bool hidden) {
     std::vector<std::size_t> found;
     for (std::size_t i = 0; i < entries.size(); ++i)
         if (isMeant(entries[i], word))
             found.push_back(i);
+    keepOnly(hidden, entries, found);
     if (found.empty())
         throw Failure(listName + " holds no service '" + word + "'");
     if (found.size() > 1) {

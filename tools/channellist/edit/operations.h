@@ -22,10 +22,11 @@ struct Operation {
 std::vector<Operation> parseOperations(std::vector<std::string> const& words);
 
 // The place in `entries` of the service that `word` means: digits are a channel number, "id:N" is
-// the database key, anything else a uuid or name. Throws Failure, naming the candidates when there
-// are several.
+// the database key, anything else a uuid or name. When hidden and shown entries are meant alike, it
+// is the hidden ones if `hidden`, else the shown ones. Throws Failure, naming the candidates when
+// there are several.
 std::size_t findEntry(std::vector<Entry> const& entries, std::string const& word,
-                      std::string const& listName);
+                      std::string const& listName, bool hidden = false);
 
 // Does the operations one after the other; `all` holds the services that can be added.
 void apply(std::vector<Operation> const& operations, std::vector<Entry> const& all,
