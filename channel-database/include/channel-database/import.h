@@ -12,17 +12,18 @@ namespace channel_database {
 /// Called after each channel with the number written and the number of all.
 using ImportProgress = std::function<void(std::size_t done, std::size_t total)>;
 
+// clang-format off
 /// Writes the list into an empty database, in one transaction:
 ///
-/// | List            | Creator                             | Uuid            | Holds |
-/// |-----------------|-------------------------------------|-----------------|----------------------|
-/// | All             | tamun.sl2.servicelist$all           | all             | every channel | | AV
-/// | tamun.sl2.servicelist$av            | av              | the external inputs  | | FAV1 to FAV4
-/// | User.tvFAV1 ...                     | fav1 ...        | the first four groups| | one a
-/// delivery  | servicelist://tamun.dvbt, dvbc, dvbs| dvbt, dvbc, dvbs| its channels         | |
-/// Astra 19.2°E    | servicelist://tamun.Astra 19.2°E    | astra-19.2e     | channels from 19.2E  |
-/// | each group's TV | User.tv.N (N counts the groups)     | user-tv-N       | its TV channels | |
-/// ... and radio   | User.radio.N                        | user-radio-N    | its radio channels   |
+/// | List               | Creator                              | Uuid             | Holds                   |
+/// |--------------------|--------------------------------------|------------------|-------------------------|
+/// | All                | tamun.sl2.servicelist$all            | all              | every channel           |
+/// | AV                 | tamun.sl2.servicelist$av             | av               | the external inputs     |
+/// | FAV1 to FAV4       | User.tvFAV1 ...                      | fav1 ...         | the first four groups   |
+/// | one a delivery     | servicelist://tamun.dvbt, dvbc, dvbs | dvbt, dvbc, dvbs | its channels            |
+/// | Astra 19.2°E       | servicelist://tamun.Astra 19.2°E     | astra-19.2e      | channels from 19.2E     |
+/// | each group's TV    | User.tv.N (N counts the groups)      | user-tv-N        | its TV channels         |
+/// | ... and radio      | User.radio.N                         | user-radio-N     | its radio channels      |
 ///
 /// The delivery lists, the Astra list and the user lists are there when they hold a channel.
 /// All, the delivery lists and the Astra list keep the channel numbers of the file; the FAV and
@@ -31,6 +32,7 @@ using ImportProgress = std::function<void(std::size_t done, std::size_t total)>;
 ///
 /// Throws std::runtime_error and leaves the database as it was when it holds lists already or a
 /// write fails.
+// clang-format on
 void importChannels(ChannelDatabase& database, ChannelsConf const& list,
                     ImportProgress const& progress = {});
 
