@@ -8,13 +8,14 @@
 //     #5000                   cuts the file off
 //
 // A name that is no column's counts as that of some column. An input that begins as an SQLite file
-// does is taken for the whole file.
+// does is taken for the whole file. The last byte chooses the request that meets the content.
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
+#include <iterator>
 
 #include "fuzz_database.h"
 
@@ -99,24 +100,28 @@ void spoil(std::vector<std::string> const& orders) {
     }
 }
 
-void callEverything() {
-    dbaccess::select_Folders();
-    fuzz::expectLibraryAtRest();
-    for (char const* list : {"all", "list-6"}) {
-        dbaccess::get_dbservices(list);
-        fuzz::expectLibraryAtRest();
-    }
-    std::string uuid;
-    dbaccess::getAstraAnchorService(uuid);
-    int flag = 0;
-    dbaccess::checkAstraScrambleService(flag);
-    dbaccess::getBissKeyFromService("service-1");
-    fuzz::expectLibraryAtRest();
-    dbaccess::onServiceListEdit({"fav1", "0", "1", "3", "1", "2", "4", "0", "3", "77"});
-    fuzz::expectLibraryAtRest();
-    dbaccess::onServiceListEdit({"all", "61", "1", "3", "62", "2", "4"});
-    fuzz::expectLibraryAtRest();
-}
+void edit(std::vector<std::string> arguments) { dbaccess::onServiceListEdit(std::move(arguments)); }
+
+constexpr void (*kRequests[])() = {
+    [] { dbaccess::select_Folders(); },
+    [] { dbaccess::get_dbservices("all"); },
+    [] { dbaccess::get_dbservices("list-6"); },
+    [] {
+        std::string uuid;
+        dbaccess::getAstraAnchorService(uuid);
+    },
+    [] {
+        int flag = 0;
+        dbaccess::checkAstraScrambleService(flag);
+    },
+    [] { dbaccess::getBissKeyFromService("service-1"); },
+    [] {
+        edit({"fav1", "0", "1", "3", "1", "2", "4", "0", "3", "77"});
+    },
+    [] {
+        edit({"all", "61", "1", "3", "62", "2", "4"});
+    },
+};
 
 }  // namespace
 
@@ -129,6 +134,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         orders.erase(std::remove(orders.begin(), orders.end(), ""), orders.end());
         spoil(orders);
     }
-    callEverything();
+    kRequests[size == 0 ? 0 : data[size - 1] % std::size(kRequests)]();
+    fuzz::expectLibraryAtRest();
     return 0;
 }

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "sqlite_pool.h"
+
 namespace fuzz {
 namespace {
 
@@ -14,6 +16,10 @@ using channel_database::ChannelDatabase;
 using channel_database::Delivery;
 using channel_database::List;
 using channel_database::Service;
+
+#if !__has_feature(address_sanitizer)
+[[maybe_unused]] bool const pooled = (poolSqliteMemory(), true);
+#endif
 
 std::string imageOf(sqlite3* connection) {
     sqlite3_int64 size = 0;

@@ -26,7 +26,7 @@ std::string contents() {
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     fuzz::openDatabase(fuzz::databaseImage());
-    std::string const before = contents();
+    static std::string const before = contents();
     int const code =
         dbaccess::onServiceListEdit(fuzz::lines({reinterpret_cast<char const*>(data), size}));
     fuzz::expectLibraryAtRest();
