@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <memory>
 #include <new>
+#include <tuple>
 
 #include "entry_points.h"
 #include "failing_memory.h"
@@ -25,13 +27,9 @@ constexpr Strike kStrikes[] = {
     {FaultKind::SqliteMemory, "failures of SQLite's allocator"},
 };
 
-class Faults : public testing::TestWithParam<EntryPoint> {
+class Faults : public testing::TestWithParam<std::tuple<Journal, EntryPoint>> {
   protected:
-    static void SetUpTestSuite() {
-        memory::install();
-        workshop = new Workshop();
-    }
-    static void TearDownTestSuite() { delete workshop; }
+    static void SetUpTestSuite() { memory::install(); }
 
     void SetUp() override;
     bool runStruck(Strike const& strike, bool lasting, unsigned at);
@@ -39,15 +37,14 @@ class Faults : public testing::TestWithParam<EntryPoint> {
     void checkFile(bool failed) const;
     void checkNextCall() const;
 
-    static EntryPoint const& entry() { return GetParam(); }
-    static Workshop* workshop;
+    static Journal journal() { return std::get<Journal>(GetParam()); }
+    static EntryPoint const& entry() { return std::get<EntryPoint>(GetParam()); }
+    std::unique_ptr<Workshop> workshop_;
     Contents before_, after_;
     Answer right_;
     bool raised_ = false;
     unsigned struck_ = 0;
 };
-
-Workshop* Faults::workshop = nullptr;
 
 void openIfNeeded(EntryPoint const& entry) {
     if (!entry.opens && db == nullptr)
@@ -55,12 +52,12 @@ void openIfNeeded(EntryPoint const& entry) {
 }
 
 void Faults::SetUp() {
-    workshop->renew();
-    before_ = workshop->contents();
+    workshop_ = std::make_unique<Workshop>(journal());
+    before_ = workshop_->contents();
     openIfNeeded(entry());
     right_ = entry().call();
     ASSERT_FALSE(right_.failed);
-    after_ = workshop->contents();
+    after_ = workshop_->contents();
     ASSERT_EQ(before_.tables + before_.favNumbers == after_.tables + after_.favNumbers,
               entry().writes == Writes::Nothing);
 }
@@ -73,9 +70,9 @@ void Faults::checkAnswer(Answer const& answer) const {
 }
 
 void Faults::checkFile(bool failed) const {
-    if (entry().writes == Writes::Nothing && workshop->isUntouched())
+    if (entry().writes == Writes::Nothing && workshop_->isUntouched())
         return;
-    Contents const now = workshop->contents();
+    Contents const now = workshop_->contents();
     EXPECT_EQ(now.integrity, "ok|\n");
     for (std::size_t list = 0; list < now.tags.size(); ++list)
         EXPECT_TRUE(now.tags[list] == before_.tags[list] || now.tags[list] == after_.tags[list]);
@@ -110,16 +107,16 @@ void Faults::checkNextCall() const {
     Answer const next = entry().call();
     EXPECT_FALSE(next.failed);
     EXPECT_EQ(next.text, right_.text);
-    if (entry().writes == Writes::Nothing && workshop->isUntouched())
+    if (entry().writes == Writes::Nothing && workshop_->isUntouched())
         return;
-    Contents const now = workshop->contents();
+    Contents const now = workshop_->contents();
     EXPECT_EQ(now.tables, after_.tables);
     EXPECT_EQ(now.favNumbers, after_.favNumbers);
 }
 
 // False once the call has too few operations for the fault to strike.
 bool Faults::runStruck(Strike const& strike, bool lasting, unsigned at) {
-    workshop->renew();
+    workshop_->renew();
     long const blocks = memory::liveBlocks();
     {
         openIfNeeded(entry());
@@ -147,20 +144,22 @@ bool Faults::runStruck(Strike const& strike, bool lasting, unsigned at) {
     return fault.struck() > 0;
 }
 
-// SQLite parses with thousands of allocations: the first runs strike each, the others, which differ
-// in how the call ends, and all under a sanitizer, which is slow, strike some.
-unsigned step(Strike const& strike, bool lasting) {
+// SQLite parses with thousands of allocations: the first runs strike each. The others, which differ
+// in how the call ends, those in WAL mode and all under a sanitizer, which is slow, strike some.
+unsigned step(Strike const& strike, bool some) {
 #ifdef __SANITIZE_ADDRESS__
-    lasting = true;
+    some = true;
 #endif
-    return strike.kind == FaultKind::SqliteMemory && lasting ? 11 : 1;
+    return strike.kind == FaultKind::SqliteMemory && some ? 11 : 1;
 }
 
 TEST_P(Faults, LeaveTheDatabaseWholeAndTheLibraryWorking) {
+    bool const isWal = journal() == Journal::Wal;
     for (Strike const& strike : kStrikes) {
         struck_ = 0;
         for (bool const lasting : {false, true})
-            for (unsigned at = 1; runStruck(strike, lasting, at); at += step(strike, lasting))
+            for (unsigned at = 1; runStruck(strike, lasting, at);
+                 at += step(strike, lasting || isWal))
                 ASSERT_FALSE(HasFailure()) << strike.name << ": " << at << (lasting ? " on" : "");
         std::printf("figure: %u %s\n", struck_, strike.name);
     }
@@ -194,12 +193,8 @@ TEST(Snapshot, ChangesAsAWholeOrNotAtAllWithoutMemory) {
     EXPECT_GT(at, 8U) << "a text took no room";
 }
 
-INSTANTIATE_TEST_SUITE_P(EntryPoints, Faults, testing::ValuesIn(kEntryPoints),
-                         [](auto const& instance) {
-                             std::string name = instance.param.name;
-                             for (char& c : name)
-                                 c = c == ' ' ? '_' : c;
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(EntryPoints, Faults,
+                         testing::Combine(testing::Values(Journal::Rollback, Journal::Wal),
+                                          testing::ValuesIn(kEntryPoints)));
 
 }  // namespace

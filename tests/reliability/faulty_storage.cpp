@@ -67,6 +67,21 @@ int lockFile(sqlite3_file* file, int level) {
     return fault.strikes(FaultKind::StorageBusy) ? SQLITE_BUSY : realOf(file)->xLock(file, level);
 }
 
+int mapSharedMemory(sqlite3_file* file, int page, int size, int extend, void volatile** memory) {
+    return errorStrikes() ? SQLITE_IOERR_SHMMAP
+                          : realOf(file)->xShmMap(file, page, size, extend, memory);
+}
+
+int lockSharedMemory(sqlite3_file* file, int offset, int count, int flags) {
+    if ((flags & SQLITE_SHM_LOCK) == 0)
+        return realOf(file)->xShmLock(file, offset, count, flags);
+    if (errorStrikes())
+        return SQLITE_IOERR_SHMLOCK;
+    return fault.strikes(FaultKind::StorageBusy)
+               ? SQLITE_BUSY
+               : realOf(file)->xShmLock(file, offset, count, flags);
+}
+
 int checkReservedLock(sqlite3_file* file, int* isReserved) {
     return errorStrikes() ? SQLITE_IOERR_CHECKRESERVEDLOCK
                           : realOf(file)->xCheckReservedLock(file, isReserved);
@@ -78,13 +93,15 @@ Operations const* struck(sqlite3_io_methods const* operations) {
     auto const [entry, isNew] = all.try_emplace(operations, Operations{*operations, operations});
     if (isNew) {
         Operations& ours = entry->second;
-        ours.iVersion = 1;  // without shared memory and memory maps, which would bypass the faults
+        ours.iVersion = 2;  // without memory maps, which would bypass the faults
         ours.xRead = readFile;
         ours.xWrite = writeFile;
         ours.xTruncate = truncateFile;
         ours.xSync = syncFile;
         ours.xFileSize = fileSize;
         ours.xLock = lockFile;
+        ours.xShmMap = mapSharedMemory;
+        ours.xShmLock = lockSharedMemory;
         ours.xCheckReservedLock = checkReservedLock;
     }
     return &entry->second;

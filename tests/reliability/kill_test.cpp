@@ -16,7 +16,7 @@
 
 namespace {
 
-class Killed : public testing::TestWithParam<EntryPoint> {};
+class Killed : public testing::TestWithParam<std::tuple<Journal, EntryPoint>> {};
 
 // Whole: the writes of one transaction are there, its update tags among them. The tag of the edited
 // list alone, which is advanced before, may be ahead.
@@ -34,17 +34,19 @@ void expectWholeOrAbsent(Contents const& now, Contents const& before, Contents c
 }
 
 TEST_P(Killed, AtEachWriteLeavesTheEditWholeOrAbsent) {
-    Workshop workshop;
-    EntryPoint const& edit = GetParam();
+    auto const& [journal, edit] = GetParam();
+    Workshop workshop(journal);
     Contents const before = workshop.contents();
     ASSERT_FALSE(edit.call().failed);
     Contents const after = workshop.contents();
     unsigned kills = 0;
     for (int signal = SIGKILL; signal != 0 && !HasFailure(); ++kills) {
         workshop.renew();
-        signal = endOf(startChild([&] {
+        signal = endOf(startChild([&, &edit = edit] {
             fault = {FaultKind::Kill, kills + 1, false};
             edit.call();
+            FaultWindow const window;
+            forgetLibraryState();  // writes a WAL into the file
         }));
         expectWholeOrAbsent(workshop.contents(), before, after);
         EXPECT_FALSE(edit.call().failed);
@@ -62,7 +64,9 @@ std::vector<EntryPoint> edits() {
     return found;
 }
 
-INSTANTIATE_TEST_SUITE_P(EntryPoints, Killed, testing::ValuesIn(edits()));
+INSTANTIATE_TEST_SUITE_P(EntryPoints, Killed,
+                         testing::Combine(testing::Values(Journal::Rollback, Journal::Wal),
+                                          testing::ValuesIn(edits())));
 
 int edited(unsigned int stamp) {
     return dbaccess::onServiceListEdit(
@@ -71,9 +75,11 @@ int edited(unsigned int stamp) {
 
 std::string editOf(unsigned int stamp) { return listing(servicesFor(stamp * 100), stamp * 100); }
 
-TEST(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
-    constexpr int kRounds = 150;
-    Workshop workshop;
+class KilledAtRandom : public testing::TestWithParam<Journal> {};
+
+TEST_P(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
+    constexpr int kRounds = 500;
+    Workshop workshop(GetParam());
     auto& done = sharedValue<std::atomic<unsigned>>();
     ASSERT_GE(edited(0), 0);
     forgetLibraryState();
@@ -102,5 +108,8 @@ TEST(KilledAtRandom, LosesNoEditThatWasReportedAsDone) {
     std::printf("figure: %d kills at a random moment\n", kRounds);
     std::printf("figure: %u edits between them\n", done.load());
 }
+
+INSTANTIATE_TEST_SUITE_P(Journals, KilledAtRandom, testing::Values(Journal::Rollback, Journal::Wal),
+                         testing::PrintToStringParamName());
 
 }  // namespace

@@ -53,7 +53,7 @@ void editAndRead(std::string const& list, unsigned first) {
 
 TEST(Threads, MayCallTheLockedEntryPointsAtOnce) {
     constexpr unsigned kRounds = 40;
-    Workshop workshop;
+    Workshop workshop(Journal::Rollback);
     std::vector<std::function<void()>> calls;
     for (int thread = 0; thread < kThreads; ++thread)
         calls.push_back([list = "list-own-" + std::to_string(thread % kOwnLists + 1), thread] {
@@ -85,7 +85,7 @@ TEST(Threads, MayRaceToOpen) {
             EXPECT_EQ(dbaccess::getOttFav4List(positions), 0);
         },
     };
-    Workshop workshop;
+    Workshop workshop(Journal::Rollback);
     auto const memory = sqlite3_memory_used();
     for (int round = 0; round < kRounds && !HasFailure(); ++round) {
         forgetLibraryState();

@@ -77,13 +77,17 @@ void makeDatabases(std::string const& file, std::string const& directory) {
 
 }  // namespace
 
-Workshop::Workshop(bool realTime) {
+Workshop::Workshop(Journal journal, bool realTime) {
     std::string name = (std::filesystem::temp_directory_path() / "reliability-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr)
         throw std::runtime_error("no directory for the test");
     directory_ = name;
     file_ = directory_ + "/servicelist.db";
+    beside_ = file_ + (journal == Journal::Wal ? "-wal" : "-journal");
     makeDatabases(file_, directory_);
+    char const* const mode = journal == Journal::Wal ? "wal" : "delete";
+    EXPECT_EQ(rows((std::string("PRAGMA journal_mode = ") + mode).c_str()),
+              std::string(mode) + "|\n");
     made_ = bytesOf(file_);
     storage::install(file_, realTime);
 }
@@ -97,12 +101,16 @@ void Workshop::renew() {
     forgetLibraryState();
     if (isUntouched())
         return;
-    std::filesystem::remove(file_ + "-journal");
+    std::filesystem::remove(beside_);
+    std::filesystem::remove(file_ + "-shm");
     std::ofstream(file_, std::ios::binary) << made_;
 }
 
 bool Workshop::isUntouched() const {
-    return !std::filesystem::exists(file_ + "-journal") && bytesOf(file_) == made_;
+    // Readers of a database in WAL mode leave an empty log.
+    std::error_code absent;
+    auto const size = std::filesystem::file_size(beside_, absent);
+    return (absent || size == 0) && bytesOf(file_) == made_;
 }
 
 std::string Workshop::rows(char const* sql) const {

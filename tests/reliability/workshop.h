@@ -1,12 +1,13 @@
 // The database that the tests here call the library on.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
 constexpr int kServices = 12;
 constexpr int kFavServices = 6;  ///< services 1 to 6 are in each FAV list at first
-constexpr int kOwnLists = 4;     ///< "list-own-1" and so on, with every service
+constexpr int kOwnLists = 6;     ///< "list-own-1" and so on, with every service
 
 /// A database file as another process would find it, read around the faults.
 struct Contents {
@@ -16,10 +17,16 @@ struct Contents {
     std::string integrity;   // "ok"
 };
 
+enum class Journal { Rollback, Wal };
+
+inline std::ostream& operator<<(std::ostream& out, Journal journal) {
+    return out << (journal == Journal::Wal ? "Wal" : "Rollback");
+}
+
 /// A directory with both databases, where the library finds them; removed at the end.
 class Workshop {
   public:
-    explicit Workshop(bool realTime = false);
+    explicit Workshop(Journal journal, bool realTime = false);
     ~Workshop();
     Workshop(Workshop const&) = delete;
     Workshop& operator=(Workshop const&) = delete;
@@ -35,7 +42,8 @@ class Workshop {
   private:
     std::string directory_;
     std::string file_;
-    std::string made_;  // the file's bytes
+    std::string beside_;  // what is beside it while it has a journal
+    std::string made_;    // the file's bytes
 };
 
 /// Closes the library's connections, which must hold no statement, and empties its globals.
