@@ -4,6 +4,7 @@
 #include <charconv>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "utf8.h"
 
@@ -13,6 +14,8 @@ namespace {
 constexpr int kAutomatic = 999;
 constexpr int kAutomaticQam = 998;
 constexpr std::string_view kPolarizations = "HVLR";
+constexpr std::string_view kOwnComment = "#channellist ";
+constexpr std::string_view kHidden = " hidden ";
 
 /// A parameter's letter and the values it may have; any up to 65535 when none is named.
 struct ParameterRule {
@@ -169,32 +172,73 @@ std::string hexadecimal(int number) {
     return std::string(digits, end);
 }
 
+/// The number at the beginning of "5 hidden ..."; nothing when the text begins otherwise.
+std::optional<int> takeHidden(std::string_view& text) {
+    std::string_view rest = text;
+    auto const number = leadingNumber(rest);
+    if (!number || rest.substr(0, kHidden.size()) != kHidden)
+        return std::nullopt;
+    text = rest.substr(kHidden.size());
+    return number;
+}
+
 /// Gathers a list line by line.
 struct ListReader {
     void read(std::string_view line, int lineNumber) {
         if (line.empty())
             return;
-        if (line[0] == ':') {
+        if (line[0] == ':')
             readGroup(line.substr(1));
-            return;
-        }
+        else if (line.substr(0, kOwnComment.size()) == kOwnComment)
+            readComment(line.substr(kOwnComment.size()), lineNumber);
+        else
+            readChannel(line, lineNumber);
+    }
+
+    void readChannel(std::string_view line, int lineNumber) {
         try {
-            Channel channel = parseChannel(std::string(line));
+            Channel& channel = add(parseChannel(std::string(line)), lineNumber);
             channel.number = nextNumber++;
-            channel.group = static_cast<int>(list.groups.size()) - 1;
-            channel.line = lineNumber;
-            list.channels.push_back(std::move(channel));
+            channel.mark = std::exchange(mark, 0);
         } catch (LineError const& error) {
             if (line[0] != '#')
                 list.rejected.push_back({lineNumber, error.what()});
         }
     }
 
+    void readComment(std::string_view text, int lineNumber) {
+        std::string_view line = text;
+        auto const number = takeHidden(line);
+        try {
+            if (number) {
+                Channel& channel = add(parseChannel(std::string(line)), lineNumber);
+                channel.hidden = true;
+                channel.mark = *number;
+                // Alone it has the number of the whole list, in a group that of the group.
+                channel.number = channel.group < 0 ? *number : nextNumber++;
+                return;
+            }
+        } catch (LineError const&) {  // a hidden entry that is no channel
+        }
+        list.others.push_back({currentGroup(), lineNumber, std::string(text)});
+    }
+
+    Channel& add(Channel channel, int lineNumber) {
+        channel.group = currentGroup();
+        channel.line = lineNumber;
+        list.channels.push_back(std::move(channel));
+        return list.channels.back();
+    }
+
+    int currentGroup() const { return static_cast<int>(list.groups.size()) - 1; }
+
     void readGroup(std::string_view text) {
+        int number = 0;
         if (text.substr(0, 1) == "@") {
             std::string_view behind = text.substr(1);
-            if (auto const number = leadingNumber(behind)) {
-                nextNumber = std::max(nextNumber, *number);
+            if (auto const found = leadingNumber(behind)) {
+                number = *found;
+                nextNumber = std::max(nextNumber, number);
                 text = behind;
             }
         }
@@ -203,10 +247,13 @@ struct ListReader {
             std::replace(name.begin(), name.end(), '|', ':');
             list.groups.push_back(std::move(name));
         }
+        if (number != 0 || !name.empty())
+            mark = number;
     }
 
     ChannelsConf list;
     int nextNumber = 1;
+    int mark = 0;  // that waits for its channel
 };
 
 }  // namespace
@@ -286,6 +333,12 @@ std::string formatChannel(Channel const& channel) {
 }
 
 std::string formatGroup(std::string const& name) { return ":" + withBars(name); }
+
+std::string formatHidden(Channel const& channel, int number) {
+    return formatOther(std::to_string(number) + std::string(kHidden) + formatChannel(channel));
+}
+
+std::string formatOther(std::string const& text) { return std::string(kOwnComment) + text; }
 
 Delivery Channel::delivery() const {
     bool const second = parameter('S') == 1;

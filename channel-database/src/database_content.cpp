@@ -151,4 +151,8 @@ void writeNewFile(sqlite3* source, std::string const& path) {
     file.linkTo(path);
 }
 
+void copyToNewFile(std::string const& path, std::string const& file) {
+    writeNewFile(openSettled(path).get(), file);
+}
+
 }  // namespace channel_database

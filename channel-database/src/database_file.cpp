@@ -45,7 +45,8 @@ ChannelsConf readChannelsConf(std::string const& path) {
 }
 
 void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
-                      ImportProgress const& progress) {
+                      ImportProgress const& progress,
+                      std::function<void()> const& beforeReplacing) {
     struct stat file;
     bool const exists = lstat(path.c_str(), &file) == 0;
     if (exists && !replace)
@@ -57,6 +58,8 @@ void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool re
     Connection const temporary = openTemporary(exists ? pageSize(path) : kDefaultPageSize);
     ChannelDatabase database(temporary.get());
     importChannels(database, list, progress);
+    if (exists && beforeReplacing)
+        beforeReplacing();
     (exists ? replaceContent : writeNewFile)(temporary.get(), path);
 }
 

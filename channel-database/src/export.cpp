@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <string_view>
 
@@ -36,6 +37,8 @@ std::string satelliteSource(int number) {
     std::string const fraction = tenths % 10 == 0 ? "" : "." + std::to_string(tenths % 10);
     return "S" + std::to_string(tenths / 10) + fraction + (position < 0 ? "W" : "E");
 }
+
+int toMHz(int kHz) { return std::max(1, static_cast<int>((std::int64_t{kHz} + 500) / 1000)); }
 
 std::string oneLine(std::string text) {
     for (char& c : text)
@@ -94,9 +97,10 @@ std::optional<Channel> channelOf(StoredService const& service) {
         return std::nullopt;
     Channel channel;
     channel.name = oneLine(service.name);
-    channel.frequency = numbers["frequency"];
     channel.symbolRate = numbers["symbolrate"];
     setSource(numbers, delivery, channel);
+    channel.frequency =
+        channel.source[0] == 'S' ? toMHz(numbers["frequency"]) : numbers["frequency"];
     setParameters(numbers, delivery, channel);
     channel.videoPid = service.radio ? "0" : "8191";
     channel.audioPids = "0";

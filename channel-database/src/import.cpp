@@ -50,16 +50,42 @@ class Importer {
 
     void addChannel(Channel const& channel) {
         Service service = makeService(channel);
+        services_.emplace(channelId(channel), service);
         Id const delivery = deliveryList(channel);
-        database_.put(delivery, service, channel.number);
-        database_.put(all_, service, channel.number).original(delivery);
+        database_.put(delivery, service, channel.number).deleted(channel.hidden);
+        database_.put(all_, service, channel.number).original(delivery).deleted(channel.hidden);
         if (channel.orbitalPosition() == kAstraPosition) {
             Id const astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
                                     "astra-19.2e", kAstraNetwork);
-            database_.put(astra, service, channel.number);
+            database_.put(astra, service, channel.number).deleted(channel.hidden);
         }
-        if (channel.group >= 0)
+        if (channel.group >= 0 && favIndexOf(channel) == 0)
             addToGroup(channel, service, delivery);
+    }
+
+    /// A channel that stands elsewhere in the list, too, is one service.
+    void addFavourite(Channel const& channel) {
+        if (services_.count(channelId(channel)) == 0) {
+            Channel shown = channel;
+            shown.hidden = false;
+            addChannel(shown);
+        }
+        int const index = favIndexOf(channel);
+        Id const fav = lists_.at("fav" + std::to_string(index));
+        Service& service = services_.at(channelId(channel));
+        Id const number = channel.mark != 0 ? channel.mark : counts_[fav] + 1;
+        if (!channel.hidden)
+            counts_[fav] = number;
+        database_.put(fav, service, number).original(deliveryList(channel)).deleted(channel.hidden);
+        service.favTag(index);
+    }
+
+    /// 1 for a channel of the group "FAV1"; 0 for those of others.
+    int favIndexOf(Channel const& channel) const {
+        for (int i = 1; channel.group >= 0 && i <= kFavLists; ++i)
+            if (groupOf(channel) == "FAV" + std::to_string(i))
+                return i;
+        return 0;
     }
 
     void finish() {
@@ -97,14 +123,13 @@ class Importer {
     void addToGroup(Channel const& channel, Service& service, Id delivery) {
         std::string const kind = channel.isRadio() ? "radio" : "tv";
         std::string const number = std::to_string(channel.group + 1);
-        std::string const& name = list_.groups[static_cast<std::size_t>(channel.group)];
-        Id const user = listOf("User." + kind + "." + number, name, "user-" + kind + "-" + number);
-        database_.put(user, service, ++counts_[user]).original(delivery);
-        if (channel.group < kFavLists) {
-            Id const fav = lists_.at("fav" + number);
-            database_.put(fav, service, ++counts_[fav]).original(delivery);
-            service.favTag(channel.group + 1);
-        }
+        Id const user =
+            listOf("User." + kind + "." + number, groupOf(channel), "user-" + kind + "-" + number);
+        database_.put(user, service, ++counts_[user]).original(delivery).deleted(channel.hidden);
+    }
+
+    std::string const& groupOf(Channel const& channel) const {
+        return list_.groups[static_cast<std::size_t>(channel.group)];
     }
 
     Service makeService(Channel const& channel) {
@@ -169,8 +194,7 @@ class Importer {
         }
     }
 
-    /// The channel id; "#2" and so on behind it when the list names the channel again.
-    std::string newUuid(Channel const& channel) {
+    static std::string channelId(Channel const& channel) {
         // Lists without ids know a transponder by its frequency alone.
         bool const hasIds = channel.networkId != 0 || channel.transportStreamId != 0;
         int const transponder =
@@ -179,14 +203,21 @@ class Importer {
                          std::to_string(transponder) + "-" + std::to_string(channel.serviceId);
         if (channel.radioId != 0)
             id += "-" + std::to_string(channel.radioId);
+        return id;
+    }
+
+    /// The channel id; "#2" and so on behind it when the list names the channel again.
+    std::string newUuid(Channel const& channel) {
+        std::string const id = channelId(channel);
         int const occurrence = ++uuids_[id];
         return occurrence == 1 ? id : id + "#" + std::to_string(occurrence);
     }
 
     ChannelDatabase& database_;
     ChannelsConf const& list_;
-    std::map<std::string, Id> lists_;   // by uuid
-    std::map<std::string, Id> tuners_;  // by transponder
+    std::map<std::string, Id> lists_;          // by uuid
+    std::map<std::string, Id> tuners_;         // by transponder
+    std::map<std::string, Service> services_;  // by channel id, the first of each
     std::map<std::string, int> uuids_;
     std::map<Id, Id> counts_;  // of the items of the lists that count from 1
     Id all_;
@@ -203,10 +234,14 @@ void importChannels(ChannelDatabase& database, ChannelsConf const& list,
     Importer importer(database, list);
     importer.addInputs();
     std::size_t done = 0;
-    for (Channel const& channel : list.channels) {
-        importer.addChannel(channel);
-        if (progress)
-            progress(++done, list.channels.size());
+    for (bool const isFavourite : {false, true}) {
+        for (Channel const& channel : list.channels) {
+            if ((importer.favIndexOf(channel) != 0) != isFavourite)
+                continue;
+            isFavourite ? importer.addFavourite(channel) : importer.addChannel(channel);
+            if (progress)
+                progress(++done, list.channels.size());
+        }
     }
     importer.finish();
     transaction.commit();

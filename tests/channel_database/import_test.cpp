@@ -25,16 +25,21 @@ char const kSmallList[] =
     ":@10 Second\n"
     "T2:474166670:B8M256P3S1T32:T:0:5=27:0:0:0:17472:9018:16515:0\n"
     "T2:474166670:B8M256P3S1T32:T:0:5=27:0:0:0:17472:9018:16515:0\n"
-    "West:12515:VC56M2S0:S1W:22000:5=2:0:0:0:3:2:1:0\n";
+    "West:12515:VC56M2S0:S1W:22000:5=2:0:0:0:3:2:1:0\n"
+    ":FAV2\n"
+    "Astra HD,AHD:11493:HC23M5O35P0S1:S19.2E:22000:5101=27:0:0:0:10301:1:1019:0\n"
+    ":@7\n"
+    "West:12515:VC56M2S0:S1W:22000:5=2:0:0:0:3:2:1:0\n"
+    "#channellist 3 hidden Radio:12603:LC56M2S0:S19.2E:22000:0:101:0:0:7289:1:1111:0\n";
 
 TEST(Import, MakesTheLists) {
     ChannelDatabase d(":memory:");
     std::vector<std::size_t> steps;
     importChannels(d, parsed(kSmallList), [&](std::size_t done, std::size_t total) {
         steps.push_back(done);
-        EXPECT_EQ(total, 6U);
+        EXPECT_EQ(total, 9U);
     });
-    EXPECT_THAT(steps, ElementsAre(1, 2, 3, 4, 5, 6));
+    EXPECT_THAT(steps, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9));
     EXPECT_EQ(
         d.rows("SELECT Creator, Name, Uuid, NetworkId, MaxChannelNumber,"
                " (SELECT group_concat(ChannelNum || s.Name, ' ') FROM FavoriteItem"
@@ -43,8 +48,8 @@ TEST(Import, MakesTheLists) {
         (Rows{{"User.radio.1", "First", "user-radio-1", "-1", "1", "1Radio"},
               {"User.tv.1", "First", "user-tv-1", "-1", "1", "1Astra HD"},
               {"User.tv.2", "Second", "user-tv-2", "-1", "3", "1T2 2T2 3West"},
-              {"User.tvFAV1", "FAV1", "fav1", "-1", "2", "1Astra HD 2Radio"},
-              {"User.tvFAV2", "FAV2", "fav2", "-1", "3", "1T2 2T2 3West"},
+              {"User.tvFAV1", "FAV1", "fav1", "-1", "0", "NULL"},
+              {"User.tvFAV2", "FAV2", "fav2", "-1", "7", "1Astra HD 3Radio 7West"},
               {"User.tvFAV3", "FAV3", "fav3", "-1", "0", "NULL"},
               {"User.tvFAV4", "FAV4", "fav4", "-1", "0", "NULL"},
               {"servicelist://tamun.Astra 19.2°E", "Astra 19.2°E", "astra-19.2e", "1", "3",

@@ -37,7 +37,7 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
         output("edit FAV1 " + std::string(c.operations));
         EXPECT_EQ(out.substr(0, out.find("Written")), table) << c.operations;
         EXPECT_EQ(fav(1), c.fav1) << c.operations;
-        EXPECT_TRUE(synced());
+        EXPECT_EQ(synced(), c.operations[0] != '-') << "an edit's sync; of no edit, SQLite's own";
         EXPECT_NE(rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 11"), "0");
         write("set.db", before);
     }
@@ -56,7 +56,7 @@ TEST_F(ToolTest, ShowsWhatAnEditChanges) {
     EXPECT_EQ(rows("SELECT Pid, FavTag FROM Service WHERE Pid IN (1, 4, 5)"), "1|1;4|1;5|0");
     expect({"edit FAV1 move 3 to 9 --json", 0, "\"change\": [\n        \"moved\"\n", nullptr});
     expect({"edit FAV1 move ZDF\\ HD to 9", 0, "Nothing to change.", nullptr});
-    expect({"edit FAV1 move ZDF\\ HD to 8", 0, "Written: no service joined or left", nullptr});
+    expect({"edit FAV1 move ZDF\\ HD to 8", 0, "Written, and flushed to the disk.", nullptr});
 }
 
 TEST_F(ToolTest, HidesInOtherListsAndInTheFavListsWithThem) {

@@ -147,8 +147,8 @@ TEST_F(ToolTest, ReplacesNothingButADatabaseThatIsFree) {
     std::set<std::string> files;
     for (auto const& entry : fs::directory_iterator(folder))
         files.insert(entry.path().filename());
-    EXPECT_THAT(files, testing::ElementsAre("bin", "dangling", "empty", "err", "fifo", "folder",
-                                            "list", "out", "set.db", "text"));
+    EXPECT_THAT(files, testing::ElementsAre(".local", "bin", "dangling", "empty", "err", "fifo",
+                                            "folder", "list", "out", "set.db", "text"));
 }
 
 // What the database keeps of a channel comes back: the same tuning URIs, names and flags.
@@ -174,14 +174,63 @@ TEST_F(ToolTest, WritesGroupsGapsAndMarksOfAList) {
         "UPDATE Service SET Visible = 1 WHERE Pid = 5");
     EXPECT_EQ(output("export FAV1 FAV2 av"),
               ":FAV1\n"
-              "A, B| C,:12604000:HC34M2S0:S19.2E:27500:8191:0:0:0:10301:1:1019:0\n"
-              "ZDF HD:11493750:HC23M5S1:S19.2E:22000:8191:0:0:0:11110:1:1011:0\n"
-              "VOX:11953500:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
+              "A, B| C,:12604:HC34M2S0:S19.2E:27500:8191:0:0:0:10301:1:1019:0\n"
+              "ZDF HD:11494:HC23M5S1:S19.2E:22000:8191:0:0:0:11110:1:1011:0\n"
+              "VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
               ":@5\n"
               "Jazz:394000:M256:C:6900:0:0:0:0:10:3:8:0\n"
               ":FAV2\n"
-              ":$av\n");
-    EXPECT_THAT(err, HasSubstr("FAV2: left out 1 services that are deleted or no DVB service"));
+              "#channellist 1 hidden VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
+              ":$av\n"
+              "#channellist 1  shown   HDMI 1  -  id:7\n");
+}
+
+// Gaps, hidden entries, inputs, services that are alike in all, and what an OTT channel pushed on.
+TEST_F(ToolTest, BringsBackEveryListThatItExported) {
+    change(
+        "INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum, isDeleted) VALUES"
+        " (6, 13, 40, 0), (1, 13, 7, 1), (7, 13, 8, 0), (7, 14, 3, 1), (2, 14, 2, 0);"
+        "UPDATE DvbService SET Oid = 1, Tid = 1011 WHERE ServiceId = 6;"
+        "UPDATE Service SET FavTag4 = 1 WHERE Pid = 2");
+    change("UPDATE FavoriteItem SET Id = Id + 1000");
+    ott({4, 6});
+    write("favourites", output("export FAV1 FAV2 FAV3 FAV4"));
+    auto const lists = [&] { return fav(1) + "/" + fav(2) + "/" + fav(3) + "/" + fav(4); };
+    std::string const before = content("set.db");
+    std::string const stored = lists();
+    expect({"import --favourites favourites", 0, "Nothing to change.", nullptr});
+    EXPECT_EQ(content("set.db"), before);
+    output("edit FAV3 hide 40 move 8 to 1");
+    output("edit FAV2 remove VOX");
+    output("edit FAV1 remove 5");
+    std::string const tag = rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 14");
+    expect({"import --favourites favourites", 0, "Written, and flushed", nullptr});
+    EXPECT_EQ(lists(), stored);
+    EXPECT_EQ(rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 14"), tag);
+
+    change("UPDATE DvbService SET Tid = 4711, Sid = Sid + 1");
+    expect({"import --favourites favourites --dry-run", 0, "FAV1: 3 services, 1 not found",
+            "FAV1: Das Erste (line 2) is found by name\n"});
+    EXPECT_THAT(err, HasSubstr("FAV1: the database has no service for ZDF HD (line 3)"));
+    change("UPDATE Service SET Name = 'new ' || Name");
+    std::string const kept = fav(1);
+    expect({"import --favourites favourites", 0, "FAV1: 4 services, 4 not found", "list stays"});
+    EXPECT_EQ(fav(1), kept);
+}
+
+// What was one service in several lists is one again, with its numbers and marks.
+TEST_F(ToolTest, MakesADatabaseOfItsOwnExport) {
+    write("list", output("export FAV1 FAV2 all"));
+    ASSERT_EQ(run("import list new.db"), 0);
+    for (char const* creator : {"User.tvFAV1", "User.tvFAV2", "tamun.sl2.servicelist$all"}) {
+        std::string const entries =
+            "SELECT ChannelNum, s.Name, Encrypted, isDeleted FROM FavoriteItem JOIN Service s ON"
+            " s.Pid = ServiceId WHERE FavoriteId = (SELECT Pid FROM FavoriteList WHERE Creator ="
+            " '" +
+            std::string(creator) + "') ORDER BY 1, 2";
+        EXPECT_EQ(rows(entries, "new.db"), rows(entries)) << creator;
+    }
+    ASSERT_EQ(run("services FAV1 --db new.db"), 0) << err;
 }
 
 TEST_F(ToolTest, FindsFavouritesAgainInANewScan) {
@@ -207,8 +256,8 @@ TEST_F(ToolTest, FindsFavouritesAgainInANewScan) {
     EXPECT_EQ(fav(4), "1 1;2 6;3 5");
     write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
     write("favourites", ":Sport\nJazz:394:M256:C:6900:0:0:0:0:10:3:8:0\n");
-    expect({"import --favourites favourites", 1, nullptr, "no list has the uuid or name 'Sport'"});
-    expect({"import --favourites list", 2, nullptr, "A stands in no group; --list names"});
+    expect({"import --favourites favourites", 1, nullptr,
+            "the file has none of the groups FAV1 to FAV4"});
     expect({"import --favourites favourites --list Astra", 2, nullptr, "is none of FAV1 to FAV4"});
 }
 

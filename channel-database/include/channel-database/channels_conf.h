@@ -8,7 +8,11 @@
 /// or, with a colon in front, the name of the group of channels that follows; `:@n name` also
 /// goes on counting the channels at n. A `|` in a name stands for a colon. Older lists leave out
 /// the ids at the end, and even the teletext pid. An empty line is nothing, and a line that
-/// begins with `#` and is no channel is a comment.
+/// begins with `#` and is no channel is a comment. Two comments of our own carry what the format
+/// has no line for: a hidden channel, and an entry that is no DVB service:
+///
+///     #channellist 5 hidden Jazz:394000:M256:C:6900:0:0:0:0:10:3:8:0
+///     #channellist 7 shown HDMI 1  -  id:7
 #pragma once
 
 #include <channel-database/builder.h>
@@ -41,6 +45,8 @@ struct Channel {
     int radioId = 0;
 
     int number = 0;  ///< position in the whole list
+    int mark = 0;    ///< the n of the `:@n` in front of it, or of a hidden one's comment; 0 without
+    bool hidden = false;
     int group = -1;  ///< index in ChannelsConf::groups; -1 in front of the first
     int line = 0;    ///< counted from 1
 
@@ -70,9 +76,17 @@ struct RejectedLine {
     std::string reason;
 };
 
+/// An entry of a group that is no channel: the text of its comment.
+struct OtherEntry {
+    int group;
+    int line;
+    std::string text;  ///< "7 shown HDMI 1  -  id:7"
+};
+
 /// A whole channel list.
 struct ChannelsConf {
     std::vector<Channel> channels;
+    std::vector<OtherEntry> others;
     std::vector<std::string> groups;
     std::vector<RejectedLine> rejected;
 };
@@ -85,5 +99,8 @@ ChannelsConf parseChannelsConf(std::istream& text);
 std::string formatChannel(Channel const& channel);
 /// The line that begins a group.
 std::string formatGroup(std::string const& name);
+/// The comment for a hidden channel, or with a text of its own for an entry that is no channel.
+std::string formatHidden(Channel const& channel, int number);
+std::string formatOther(std::string const& text);
 
 }  // namespace channel_database

@@ -23,6 +23,10 @@ void replaceContent(sqlite3* source, std::string const& path);
 /// std::runtime_error, also when `path` exists.
 void writeNewFile(sqlite3* source, std::string const& path);
 
+/// Makes the file `file` with one state of the database at `path`, as writeNewFile does. Others may
+/// use the database meanwhile.
+void copyToNewFile(std::string const& path, std::string const& file);
+
 /// The page size of the database at `path`, which checkReplaceable accepts; SQLite's default for an
 /// empty file.
 int pageSize(std::string const& path);

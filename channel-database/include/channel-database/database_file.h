@@ -15,8 +15,10 @@ ChannelsConf readChannelsConf(std::string const& path);
 /// Makes a channel database in a temporary place of SQLite's, and puts it into the file `path` (see
 /// database_content.h): a new file appears whole, and with `replace` the content of an existing
 /// database is replaced as a whole. A failure (a list without channels, too) throws
-/// std::runtime_error and leaves everything as it was.
+/// std::runtime_error and leaves everything as it was. `beforeReplacing` is called when all is
+/// ready to replace a content.
 void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
-                      ImportProgress const& progress = {});
+                      ImportProgress const& progress = {},
+                      std::function<void()> const& beforeReplacing = {});
 
 }  // namespace channel_database

@@ -19,15 +19,16 @@ using ImportProgress = std::function<void(std::size_t done, std::size_t total)>;
 /// |--------------------|--------------------------------------|------------------|-------------------------|
 /// | All                | tamun.sl2.servicelist$all            | all              | every channel           |
 /// | AV                 | tamun.sl2.servicelist$av             | av               | the external inputs     |
-/// | FAV1 to FAV4       | User.tvFAV1 ...                      | fav1 ...         | the first four groups   |
+/// | FAV1 to FAV4       | User.tvFAV1 ...                      | fav1 ...         | the groups of this name |
 /// | one a delivery     | servicelist://tamun.dvbt, dvbc, dvbs | dvbt, dvbc, dvbs | its channels            |
 /// | Astra 19.2°E       | servicelist://tamun.Astra 19.2°E     | astra-19.2e      | channels from 19.2E     |
-/// | each group's TV    | User.tv.N (N counts the groups)      | user-tv-N        | its TV channels         |
+/// | other groups' TV   | User.tv.N (N counts the groups)      | user-tv-N        | its TV channels         |
 /// | ... and radio      | User.radio.N                         | user-radio-N     | its radio channels      |
 ///
 /// The delivery lists, the Astra list and the user lists are there when they hold a channel.
-/// All, the delivery lists and the Astra list keep the channel numbers of the file; the FAV and
-/// user lists count from 1. A service's uuid is its channel id in VDR's form,
+/// All, the delivery lists and the Astra list keep the channel numbers of the file; the FAV lists
+/// count from 1 or from the `:@n` in them, the user lists from 1. A channel in one of FAV1 to FAV4
+/// and elsewhere in the file is one service. A service's uuid is its channel id in VDR's form,
 /// "S19.2E-1-1019-10301", so that the same file always gives the same database.
 ///
 /// Throws std::runtime_error and leaves the database as it was when it holds lists already or a

@@ -67,6 +67,10 @@ Command& Command::flag(std::string const& names, bool& value, std::string const&
 
 Command& Command::json(bool& value) { return flag("--json", value, "print JSON, for scripts"); }
 
+Command& Command::noUndo(bool& value) {
+    return flag("--no-undo", value, "keep no copy that \"undo\" could bring back");
+}
+
 Command& Command::needs(std::string const& name, std::string const& other) {
     app_.get_option(name)->needs(app_.get_option(other));
     return *this;

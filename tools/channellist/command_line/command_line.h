@@ -36,6 +36,8 @@ class Command {
     Command& flag(std::string const& names, bool& value, std::string const& help);
     // "--json", as every command that has it describes it.
     Command& json(bool& value);
+    // "--no-undo", of the commands that write.
+    Command& noUndo(bool& value);
     // `name` makes sense beside `other` only.
     Command& needs(std::string const& name, std::string const& other);
     // What follows the options in the help.

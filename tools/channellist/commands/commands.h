@@ -28,5 +28,6 @@ void addImportCommand(CommandLine& line);
 void addExportCommand(CommandLine& line);
 void addBackupCommand(CommandLine& line);
 void addRestoreCommand(CommandLine& line);
+void addUndoCommand(CommandLine& line);
 
 }  // namespace tool

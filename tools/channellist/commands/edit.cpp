@@ -13,6 +13,7 @@
 #include "edit/reserved_numbers.h"
 #include "edit/text_edit.h"
 #include "failure.h"
+#include "undo/undo_store.h"
 
 namespace tool {
 namespace {
@@ -24,6 +25,8 @@ struct Options {
     bool dryRun = false;
     bool renumber = false;
     bool json = false;
+    bool noUndo = false;
+    std::string database;
 };
 
 // Only FAV lists gain and lose services; in the others an edit changes numbers and hides.
@@ -67,42 +70,43 @@ void noteUndelivered(List const& list, std::size_t delivered) {
     }
 }
 
-std::string explain(Options const& options, int code) {
-    if (options.dryRun)
-        return "Dry run: nothing is written.";
-    return code == 0 ? "Written: no service joined or left the list."
-                     : "Written, and flushed to the disk.";
-}
-
-void report(Options const& options, std::vector<Change> const& changes, std::string const& result) {
+void report(Options const& options, std::vector<Change> const& changes) {
+    std::string const result = changes.empty()  ? "Nothing to change."
+                               : options.dryRun ? "Dry run: nothing is written."
+                                                : "Written, and flushed to the disk.";
     if (options.json) {
         printJson({{"written", !options.dryRun && !changes.empty()},
                    {"result", result},
                    {"changes", differencesJson(changes)}});
         return;
     }
-    printDifferences(changes);
+    if (!changes.empty())
+        printDifferences(changes);
     std::cout << result << "\n";
 }
 
 // Brings the list to its new content, in one request.
 void write(Session& session, Options const& options, List const& list,
            std::vector<Entry> const& before, std::vector<Entry> const& after) {
-    bool const renumberList = options.renumber && list.favIndex != 0;
-    if (after == before && !renumberList) {
-        report(options, {}, "Nothing to change.");
-        return;
-    }
-    noteUndelivered(list, before.size());
+    bool const isFav = list.favIndex != 0;
     if (options.dryRun)
         session.continueOnCopy();
     Snapshot const stored = takeSnapshot(list);
-    int const code =
-        submit(list.favIndex != 0 ? favListRequest(list, after)
-                                  : otherListRequest(list, before, after, options.renumber));
-    if (renumberList)
+    UndoStore undo(options.database, !options.dryRun && !options.noUndo);
+    if (after != before) {
+        noteUndelivered(list, before.size());
+        undo.keepLists("edit " + displayName(list), stored);
+        submit(isFav ? favListRequest(list, after)
+                     : otherListRequest(list, before, after, options.renumber));
+    }
+    if (isFav && options.renumber) {
+        if (after == before)
+            undo.keepLists("edit " + displayName(list) + " --renumber", stored);
         renumber(list);
-    report(options, differences(stored, takeSnapshot(list)), explain(options, code));
+    }
+    Snapshot const written = takeSnapshot(list);
+    undo.keepOnlyChanged(written);
+    report(options, differences(stored, written));
 }
 
 // An unchanged text, and a "no", leave everything as it is.
@@ -111,7 +115,7 @@ void editInEditor(Session& session, Options const& options, List const& list,
     EditorFile file;
     auto const after = contentFromEditor(list, before, file);
     if (!after || *after == before)
-        report(options, {}, "Nothing to change.");
+        report(options, {});
     else if (options.dryRun || options.json || confirm(list, before, *after))
         write(session, options, list, before, *after);
     else
@@ -153,6 +157,7 @@ void addEditCommand(CommandLine& line) {
         .option("--from", options->from, "bring the list to what this file says, - for the input")
         .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")
         .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
+        .noUndo(options->noUndo)
         .json(options->json)
         .footer(
             "Without an operation the list is opened in $VISUAL, $EDITOR or else vi, and what the\n"
@@ -173,7 +178,10 @@ void addEditCommand(CommandLine& line) {
             "  channellist edit all hide id:21 --renumber\n"
             "  channellist edit FAV1\n"
             "  channellist list FAV1 > mine.txt; channellist edit FAV1 --from mine.txt")
-        .action([options](std::string const& database) { return run(database, *options); });
+        .action([options](std::string const& database) {
+            options->database = database;
+            return run(database, *options);
+        });
 }
 
 }  // namespace tool

@@ -2,13 +2,17 @@
 #include <channel-database/export.h>
 #include <channellist-access/db_access.h>
 
+#include <algorithm>
 #include <iostream>
 
 #include "commands/commands.h"
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "database/session.h"
+#include "edit/list_content.h"
+#include "edit/list_text.h"
 #include "failure.h"
+#include "output/text_table.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 
@@ -23,43 +27,42 @@ std::string tuningUri(Query& uris, std::string const& servicePid) {
     return uris.next() ? uris.text(0) : std::string();
 }
 
-// The numbers count on through all lists; a gap inside a list is written as ":@N".
-void writeList(List const& list, int& nextNumber) {
+std::string lineOf(ResultRow const& service, std::string const& uri, std::int64_t& nextNumber) {
+    Entry const entry = entryOf(service);
+    bool const encrypted = (attributesOf(service) & kScrambled) != 0;
+    auto const channel = channelOf({entry.name, uri, kindOf(service) == "radio", encrypted});
+    if (!channel || entry.number.value_or(0) < 1)
+        return formatOther(formatEntry(entry));
+    if (entry.deleted)
+        return formatHidden(*channel, static_cast<int>(*entry.number));
+    std::string const mark = *entry.number == nextNumber ? "" : ":@" + numberText(entry) + "\n";
+    nextNumber = *entry.number + 1;
+    return mark + formatChannel(*channel);
+}
+
+// Each list counts from 1; where a number is not the next one, ":@N" says so.
+void writeList(List const& list) {
     Rows const services = readServices(list.uuid);
     Query uris(db, "SELECT Uri FROM UriView WHERE Pid = ?");
     if (!isAllList(list))  // of which every channel is, whatever its group
-        std::cout << formatGroup(displayName(list)) << "\n";
-    int skipped = 0;
-    for (ResultRow const& service : services.rows) {
-        bool const encrypted = (attributesOf(service) & kScrambled) != 0;
-        auto const channel =
-            channelOf({service[SERVICE_FIELD_CAPTION], tuningUri(uris, service[SERVICE_FIELD_PID]),
-                       kindOf(service) == "radio", encrypted});
-        if (!channel || isDeleted(service)) {
-            ++skipped;
-            continue;
-        }
-        int const number = std::atoi(service[SERVICE_FIELD_CHANNEL_NUMBER].c_str());
-        if (number > nextNumber) {
-            std::cout << ":@" << number << "\n";
-            nextNumber = number;
-        }
-        ++nextNumber;
-        std::cout << formatChannel(*channel) << "\n";
-    }
-    if (skipped != 0) {
-        std::cerr << "channellist: " << displayName(list) << ": left out " << skipped
-                  << " services that are deleted or no DVB service\n";
-    }
+        std::cout << formatGroup(displayText(displayName(list))) << "\n";
+    std::int64_t nextNumber = 1;
+    for (ResultRow const& service : services.rows)
+        std::cout << lineOf(service, tuningUri(uris, service[SERVICE_FIELD_PID]), nextNumber)
+                  << "\n";
     if (!services.complete)
         throw Failure("not all services could be read; \"channellist check\" tells why");
 }
 
 int run(std::string const& database, std::vector<std::string> const& words) {
     Session const session(database);
-    int nextNumber = 1;
+    std::vector<List> lists;
     for (std::string const& word : words)
-        writeList(findList(word), nextNumber);
+        lists.push_back(findList(word));
+    // Nothing but the next group ends one, so what stands in none comes first.
+    std::stable_partition(lists.begin(), lists.end(), isAllList);
+    for (List const& list : lists)
+        writeList(list);
     return kSuccess;
 }
 
@@ -70,8 +73,13 @@ void addExportCommand(CommandLine& line) {
     line.add("export", "Prints lists as a VDR channel list, one group a list")
         .arguments("LIST", *lists, 1, kAnyNumber, "uuids, or names that only one list has")
         .footer(
-            "The database keeps no pids and no access systems: TV services get the video pid 8191\n"
-            "(none), scrambled ones the access id FFFF.\n"
+            "\"import --favourites\" brings lists back as they were. Hidden entries, and those "
+            "that are\n"
+            "no DVB service, stand in comments that begin with \"#channellist\". What the format, "
+            "or\n"
+            "the database, cannot carry: pids and access systems (TV services get the video pid\n"
+            "8191, none, scrambled ones the access id FFFF), and fractions of a satellite's "
+            "MHz.\n\n"
             "Examples:\n"
             "  channellist export FAV1 FAV2 FAV3 FAV4 > favourites.conf\n"
             "  channellist export all > channels.conf")

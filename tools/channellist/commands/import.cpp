@@ -10,6 +10,8 @@
 #include "edit/favourites.h"
 #include "edit/request.h"
 #include "failure.h"
+#include "output/text_table.h"
+#include "undo/undo_store.h"
 
 namespace tool {
 namespace {
@@ -23,6 +25,7 @@ struct Options {
     bool force = false;
     bool favourites = false;
     bool dryRun = false;
+    bool noUndo = false;
 };
 
 // Shows how far a long import is, on a terminal only.
@@ -45,18 +48,69 @@ class Progress {
     bool shown_ = false;
 };
 
+constexpr std::size_t kScreenful = 20;
+
+// A file of another kind would be named line by line.
 void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
-    for (RejectedLine const& rejected : list.rejected)
-        std::cerr << path << ":" << rejected.line << ": skipped: " << rejected.reason << "\n";
+    bool const isOther = list.channels.empty() && list.rejected.size() > kScreenful;
+    for (std::size_t i = 0; i < list.rejected.size() && (!isOther || i < kScreenful); ++i) {
+        RejectedLine const& rejected = list.rejected[i];
+        std::cerr << path << ":" << rejected.line << ": skipped: " << displayText(rejected.reason)
+                  << "\n";
+    }
+    if (isOther)
+        throw Failure(path + ": this is no VDR channel list");
 }
 
 void makeDatabase(ChannelsConf const& list, Options const& options) {
+    for (OtherEntry const& other : list.others)
+        std::cerr << options.list << ":" << other.line
+                  << ": skipped: no DVB service; only --favourites finds it again\n";
+    UndoStore undo(options.database, options.force && !options.noUndo);
     {
         Progress progress;
-        makeDatabaseFile(list, options.database, options.force, std::ref(progress));
+        makeDatabaseFile(list, options.database, options.force, std::ref(progress),
+                         [&] { undo.keepDatabase("import --force"); });
     }
+    undo.confirm();
     std::cout << options.database << ": " << list.channels.size() << " channels, "
-              << list.groups.size() << " groups, " << list.rejected.size() << " lines skipped\n";
+              << list.groups.size() << " groups, " << list.rejected.size() + list.others.size()
+              << " lines skipped\n";
+}
+
+// The lists that change; a failure in one leaves those before it written, and tells so.
+void submitChanged(std::vector<Favourites> const& all, UndoStore& undo) {
+    Snapshot const before = takeSnapshot(List());
+    undo.keepLists("import --favourites", before);
+    try {
+        for (Favourites const& favourites : all)
+            if (isChanged(favourites))
+                submitFavList(favourites.list, favourites.before, favourites.entries);
+    } catch (...) {
+        Snapshot const now = takeSnapshot(List());
+        undo.keepOnlyChanged(now);
+        if (auto const written = differences(before, now); !written.empty()) {
+            std::cerr << "channellist: written before the failure:\n";
+            printDifferences(written);
+        }
+        throw;
+    }
+    undo.keepOnlyChanged(takeSnapshot(List()));
+}
+
+void tell(std::vector<Favourites> const& all) {
+    for (Favourites const& favourites : all) {
+        std::string const start = "channellist: " + displayName(favourites.list) + ": ";
+        for (std::string const& note : favourites.notes)
+            std::cerr << start << displayText(note) << "\n";
+        for (std::string const& channel : favourites.notFound)
+            std::cerr << start << "the database has no service for " << displayText(channel)
+                      << "\n";
+    }
+    for (Favourites const& favourites : all) {
+        std::cout << displayName(favourites.list) << ": " << favourites.entries.size()
+                  << " services, " << favourites.notFound.size() << " not found\n";
+    }
 }
 
 void writeFavourites(ChannelsConf const& list, Options const& options) {
@@ -65,19 +119,15 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
         session.continueOnCopy();
     std::vector<Favourites> const all = findFavourites(list, options.favList);
     Snapshot const before = takeSnapshot(List());
-    for (Favourites const& favourites : all) {
-        submit(favListRequest(favourites.list, favourites.entries));
-        for (std::string const& channel : favourites.notFound) {
-            std::cerr << "channellist: " << displayName(favourites.list)
-                      << ": the database has no service for " << channel << "\n";
-        }
-    }
-    printDifferences(differences(before, takeSnapshot(List())));
-    for (Favourites const& favourites : all) {
-        std::cout << displayName(favourites.list) << ": " << favourites.entries.size()
-                  << " services, " << favourites.notFound.size() << " not found\n";
-    }
-    std::cout << (options.dryRun ? "Dry run: nothing is written.\n" : "Written.\n");
+    UndoStore undo(options.database, !options.dryRun && !options.noUndo);
+    submitChanged(all, undo);
+    std::vector<Change> const changes = differences(before, takeSnapshot(List()));
+    if (!changes.empty())
+        printDifferences(changes);
+    tell(all);
+    std::cout << (changes.empty()  ? "Nothing to change.\n"
+                  : options.dryRun ? "Dry run: nothing is written.\n"
+                                   : "Written, and flushed to the disk.\n");
 }
 
 int run(std::string const& setDatabase, Options options) {
@@ -107,10 +157,17 @@ void addImportCommand(CommandLine& line) {
         .needs("--list", "--favourites")
         .flag("-n,--dry-run", options->dryRun, "show what --favourites would change")
         .needs("--dry-run", "--favourites")
+        .noUndo(options->noUndo)
         .footer(
-            "Lines that cannot be read are named and skipped. --favourites writes to an existing\n"
+            "Lines that cannot be read are named and skipped. The groups FAV1 to FAV4 become "
+            "these\n"
+            "lists, other groups lists of their own names. --favourites writes to an existing\n"
             "database, that of --db when none is named, and finds each channel there by its DVB\n"
-            "triplet: original network, transport stream and service id.\n\n"
+            "triplet (original network, transport stream and service id), or else by name and "
+            "kind\n"
+            "where one alone fits. Numbers come from \":@N\" lines; what the list holds already "
+            "stays\n"
+            "as it is. What \"channellist export\" prints is taken back whole.\n\n"
             "Examples:\n"
             "  channellist import channels.conf servicelist.db\n"
             "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"

@@ -46,7 +46,10 @@ void compare(std::string const& listName, std::vector<Entry> const& before,
         std::string const number = numberText(*entry);
         auto const old = olds.find(key);
         if (old == olds.end()) {
-            changes.push_back({listName, {"added"}, "", number, entry->name, entry->serviceId});
+            std::vector<std::string> words = {"added"};
+            if (entry->deleted)
+                words.emplace_back("hidden");
+            changes.push_back({listName, words, "", number, entry->name, entry->serviceId});
         } else if (!(*old->second == *entry)) {
             changes.push_back({listName, wordsFor(*old->second, *entry), numberText(*old->second),
                                number, entry->name, entry->serviceId});
@@ -61,7 +64,8 @@ Snapshot takeSnapshot(List const& edited) {
     for (List const& list : allLists()) {
         if (list.pid != edited.pid && list.favIndex == 0)
             continue;
-        snapshot.push_back({displayName(list), readEntries(list.uuid).entries});
+        snapshot.push_back(
+            {list.uuid, displayName(list), readEntries(list.uuid).entries, list.favIndex != 0});
     }
     return snapshot;
 }

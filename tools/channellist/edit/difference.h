@@ -12,8 +12,10 @@
 namespace tool {
 
 struct ListEntries {
+    std::string uuid;
     std::string listName;
     std::vector<Entry> entries;
+    bool isFav = true;
 };
 
 // The edited list, if one has its key, and the FAV lists.

@@ -37,17 +37,22 @@ std::string numberText(Entry const& entry) {
     return entry.number ? std::to_string(*entry.number) : std::string();
 }
 
+Entry entryOf(ResultRow const& service) {
+    auto const id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
+    return {channelNumber(service[SERVICE_FIELD_CHANNEL_NUMBER]),
+            static_cast<unsigned int>(id),
+            isDeleted(service),
+            service[SERVICE_FIELD_CAPTION],
+            service[SERVICE_FIELD_UUID],
+            tripletOf(service)};
+}
+
 Entries readEntries(std::string const& listUuid) {
     Rows const services = readServices(listUuid);
     Entries result;
     result.complete = services.complete;
-    for (ResultRow const& service : services.rows) {
-        auto const id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
-        result.entries.push_back({channelNumber(service[SERVICE_FIELD_CHANNEL_NUMBER]),
-                                  static_cast<unsigned int>(id), isDeleted(service),
-                                  service[SERVICE_FIELD_CAPTION], service[SERVICE_FIELD_UUID],
-                                  tripletOf(service)});
-    }
+    for (ResultRow const& service : services.rows)
+        result.entries.push_back(entryOf(service));
     return result;
 }
 

@@ -1,6 +1,8 @@
 // The content of a list while it is edited.
 #pragma once
 
+#include <channellist-access/db_access.h>
+
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -31,6 +33,8 @@ struct Entries {
     bool complete = true;  // see Rows
 };
 Entries readEntries(std::string const& listUuid);
+// The entry of a row of readServices.
+Entry entryOf(ResultRow const& service);
 
 // Places entries at numbers. No number is held twice that was not before, but by deleted entries,
 // which hold none. `reserved` numbers are those of OTT channels: nothing is placed there.

@@ -95,25 +95,35 @@ void takeBack(std::string& rest, TextLine& line) {
     }
 }
 
+struct Widths {
+    std::size_t number = 0, name = 0, triplet = 1;
+};
+
+std::string formatLine(Entry const& entry, Widths const& widths) {
+    std::string const number = numberText(entry);
+    std::size_t const blanks = widths.number - std::min(widths.number, number.size());
+    return std::string(blanks, ' ') + number + "  " +
+           padded(entry.deleted ? "hidden" : "shown", kMarkWidth) + "  " +
+           padded(displayText(entry.name), widths.name) + "  " +
+           padded(entry.triplet.empty() ? "-" : entry.triplet, widths.triplet) +
+           "  id:" + std::to_string(entry.serviceId);
+}
+
 }  // namespace
 
+std::string formatEntry(Entry const& entry) { return formatLine(entry, Widths()); }
+
 std::string formatList(std::string const& listName, std::vector<Entry> const& entries) {
-    std::size_t numbers = 0, names = 0, triplets = 1;
+    Widths widths;
     for (Entry const& entry : entries) {
-        numbers = std::max(numbers, numberText(entry).size());
-        names = std::max(names, displayWidth(displayText(entry.name)));
-        triplets = std::max(triplets, entry.triplet.size());
+        widths.number = std::max(widths.number, numberText(entry).size());
+        widths.name = std::max(widths.name, displayWidth(displayText(entry.name)));
+        widths.triplet = std::max(widths.triplet, entry.triplet.size());
     }
     std::ostringstream text;
     text << "# " << displayText(listName) << ": " << entries.size() << " entries\n" << kExplanation;
-    for (Entry const& entry : entries) {
-        std::string const number = numberText(entry);
-        text << std::string(numbers - number.size(), ' ') << number << "  "
-             << padded(entry.deleted ? "hidden" : "shown", kMarkWidth) << "  "
-             << padded(displayText(entry.name), names) << "  "
-             << padded(entry.triplet.empty() ? "-" : entry.triplet, triplets)
-             << "  id:" << entry.serviceId << "\n";
-    }
+    for (Entry const& entry : entries)
+        text << formatLine(entry, widths) << "\n";
     return text.str();
 }
 

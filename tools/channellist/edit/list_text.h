@@ -33,6 +33,9 @@ struct ListText {
 // The entries in their order, under comments that explain the format.
 std::string formatList(std::string const& listName, std::vector<Entry> const& entries);
 
+// One such line, not aligned.
+std::string formatEntry(Entry const& entry);
+
 // The lines of a text that are no comments.
 ListText parseList(std::string const& text);
 

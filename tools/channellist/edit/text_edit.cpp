@@ -104,7 +104,8 @@ std::optional<std::vector<Entry>> contentFromEditor(List const& list,
 bool confirm(List const& list, std::vector<Entry> const& before, std::vector<Entry> const& after) {
     if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0)
         return true;
-    printDifferences(differences({{displayName(list), before}}, {{displayName(list), after}}));
+    printDifferences(differences({{list.uuid, displayName(list), before}},
+                                 {{list.uuid, displayName(list), after}}));
     std::cout.flush();
     std::cerr << "Write this to " << displayName(list) << "? [y/N] ";
     std::string answer;

@@ -1,0 +1,96 @@
+#include "database/replacement.h"
+
+#include <channel-database/database_content.h>
+#include <channellist-access/db_access.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "database/query.h"
+#include "database/session.h"
+#include "failure.h"
+#include "undo/undo_store.h"
+
+namespace tool {
+namespace {
+
+struct Count {
+    char const* what;
+    char const* sql;  // `old` is what the database holds, `main` the copy
+};
+
+// A list is changed when its name or its entries are; services are told by their uuid.
+constexpr Count kCounts[] = {
+    {"lists added",
+     "SELECT count(*) FROM main.FavoriteList WHERE Uuid NOT IN (SELECT Uuid FROM old.FavoriteList"
+     " WHERE Uuid NOT NULL)"},
+    {"lists removed",
+     "SELECT count(*) FROM old.FavoriteList WHERE Uuid NOT IN (SELECT Uuid FROM main.FavoriteList"
+     " WHERE Uuid NOT NULL)"},
+    {"lists changed",
+     "WITH now(Uuid, Name, Service, Number, Deleted) AS (SELECT l.Uuid, l.Name, s.Uuid, ChannelNum,"
+     " isDeleted FROM main.FavoriteList l LEFT JOIN main.FavoriteItem i ON i.FavoriteId = l.Pid"
+     " LEFT JOIN main.Service s ON s.Pid = i.ServiceId),"
+     " before AS (SELECT l.Uuid, l.Name, s.Uuid, ChannelNum, isDeleted FROM old.FavoriteList l"
+     " LEFT JOIN old.FavoriteItem i ON i.FavoriteId = l.Pid"
+     " LEFT JOIN old.Service s ON s.Pid = i.ServiceId)"
+     " SELECT count(DISTINCT Uuid) FROM (SELECT * FROM (SELECT * FROM now EXCEPT SELECT * FROM"
+     " before) UNION SELECT * FROM (SELECT * FROM before EXCEPT SELECT * FROM now))"
+     " WHERE Uuid IN (SELECT Uuid FROM main.FavoriteList)"
+     " AND Uuid IN (SELECT Uuid FROM old.FavoriteList)"},
+    {"services added",
+     "SELECT count(*) FROM main.Service WHERE Uuid NOT IN (SELECT Uuid FROM old.Service WHERE Uuid"
+     " NOT NULL)"},
+    {"services removed",
+     "SELECT count(*) FROM old.Service WHERE Uuid NOT IN (SELECT Uuid FROM main.Service WHERE Uuid"
+     " NOT NULL)"},
+    {"services changed",
+     "SELECT count(*) FROM (SELECT * FROM main.Service EXCEPT SELECT * FROM old.Service)"
+     " WHERE Uuid IN (SELECT Uuid FROM old.Service)"},
+};
+
+// What the database holds may be what is broken: a copy is restored all the same.
+void tellChanges(std::string const& database) {
+    try {
+        Query attach(db, "ATTACH ? AS old");
+        attach.bind(database).next();
+        std::string separator;
+        for (Count const& count : kCounts) {
+            std::cout << separator << queryNumber(db, count.sql) << " " << count.what;
+            separator = ", ";
+        }
+        std::cout << "\n";
+    } catch (Failure const& failure) {
+        std::cout << "What " << database << " holds now cannot be compared: " << failure.what()
+                  << "\n";
+    }
+    sqlite3_exec(db, "DETACH old", nullptr, nullptr, nullptr);
+}
+
+}  // namespace
+
+void bringBack(std::string const& file, std::string const& database,
+               Replacement const& replacement) {
+    struct stat found;
+    bool const exists = lstat(database.c_str(), &found) == 0;
+    if (exists)
+        channel_database::checkReplaceable(database);
+    if (std::error_code ignored; std::filesystem::equivalent(database, file, ignored))
+        throw Failure(file + " is the database itself");
+    Session const session(file);
+    if (exists)
+        tellChanges(database);
+    if (replacement.dryRun) {
+        std::cout << "Dry run: nothing is written.\n";
+        return;
+    }
+    UndoStore undo(database, exists && !replacement.command.empty());
+    undo.keepDatabase(replacement.command);
+    (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
+    undo.confirm();
+    std::cout << "Written, and flushed to the disk: " << database << " holds what " << file
+              << " holds.\n";
+}
+
+}  // namespace tool
