@@ -1,4 +1,6 @@
 // Wrong usage, and files that are no channel database.
+#include <sys/stat.h>
+
 #include "tool_process.h"
 
 using testing::HasSubstr;
@@ -28,7 +30,12 @@ TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
 }
 
 TEST_F(ToolTest, RefusesWrongUsage) {
+    std::string letter;
+    for (int line = 1; line <= 30; ++line)
+        letter += "Dear aunt, this is line " + std::to_string(line) + "\n";
+    write("letter", letter);
     Invocation const runs[] = {
+        {"import letter new.db", 1, nullptr, "letter: this is no VDR channel list"},
         {"", 2, nullptr, "A subcommand is required"},
         {"frobnicate", 2, nullptr, "required"},
         {"services", 2, nullptr, "LIST is required"},
@@ -76,9 +83,37 @@ TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
 }
 
 TEST_F(ToolTest, SaysThatADatabaseIsLocked) {
+    std::string const before = content("set.db");
     channel_database::ChannelDatabase other((folder / "set.db").string());
-    other.rows("BEGIN EXCLUSIVE");
+    other.rows("BEGIN EXCLUSIVE");  // until this process closes any descriptor of the file
     expect({"folders", 1, nullptr, "channellist: set.db is locked by another process\n"});
+    std::string const terminal = "cd '" + folder.string() + "' && script -qec '" TOOL;
+    system((terminal + " folders --db set.db' /dev/null >out </dev/null").c_str());
+    EXPECT_EQ(content("out"),
+              "channellist: waiting for another process that uses set.db (Ctrl-C to stop)\r\n"
+              "channellist: set.db is locked by another process\r\n");
+    EXPECT_EQ(run("edit --db set.db FAV1 move 1 to 9", "timeout -s INT --preserve-status 0.2"),
+              130);
+    other.rows("ROLLBACK");
+    EXPECT_TRUE(content("set.db") == before);
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    EXPECT_EQ(run("folders --db fifo"), 1);
+    EXPECT_THAT(err, HasSubstr("fifo is no regular file"));
+}
+
+// The library's errors are told where the command fails, and never beside an answer.
+TEST_F(ToolTest, ShowsTheLibrarysErrorsWhereTheCommandFails) {
+    change(
+        "CREATE TRIGGER t BEFORE UPDATE ON FavoriteItem BEGIN SELECT RAISE(ABORT, 'no'); END;"
+        "UPDATE Service SET Encrypted = 'x' WHERE Pid = 2; DELETE FROM FavoriteItem WHERE "
+        "FavoriteId"
+        " = 21");
+    expect({"edit FAV1 hide 1", 1, nullptr,
+            "channellist: the library says: sqlite3_step failed:19, hint:"});
+    EXPECT_THAT(err, testing::Not(HasSubstr(".cpp:")));
+    expect({"services FAV1", 0, "ZDF HD", nullptr});
+    output("services FAV1 --trace 3000");
+    EXPECT_THAT(err, HasSubstr(".cpp:"));
 }
 
 TEST_F(ToolTest, ReportsWhenItsOutputCannotBeWritten) {

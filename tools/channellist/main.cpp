@@ -3,6 +3,7 @@
 
 #include "commands/commands.h"
 #include "failure.h"
+#include "library_messages/library_messages.h"
 
 namespace {
 
@@ -28,10 +29,12 @@ int main(int argc, char** argv) {
     } catch (tool::Failure const& failure) {
         std::cout.flush();
         std::cerr << "channellist: " << failure.what() << "\n";
+        tool::explainByMessages();
         code = failure.code();
     } catch (std::exception const& error) {
         std::cout.flush();
         std::cerr << "channellist: " << error.what() << "\n";
+        tool::explainByMessages();
         code = tool::kFailure;
     }
     if (!std::cout.flush()) {

@@ -1,11 +1,11 @@
 #include "command_line/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <sstream>
 
 #include "database/session.h"
 #include "failure.h"
+#include "library_messages/library_messages.h"
 
 namespace tool {
 namespace {
@@ -98,9 +98,10 @@ CommandLine::CommandLine()
         ->type_name("FILE")
         ->take_last()
         ->capture_default_str();
-    app_->add_option("--trace", trace_,
-                     "write the library's own messages of this level to standard error:"
-                     " 1, 3000, 4000, 5000 or all; MODULE:LEVEL for one module")
+    app_->add_option(
+            "--trace", trace_,
+            "write the library's errors, and its messages of this level, to standard error:"
+            " 1, 3000, 4000, 5000 or all; MODULE:LEVEL for one module")
         ->type_name("LEVEL")
         ->take_last()
         ->check(CLI::Validator(checkTrace, ""));
@@ -123,7 +124,7 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
 
 int CommandLine::run() const {
     if (!trace_.empty())
-        setenv("ORV_DEBUG", trace_.c_str(), 1);  // before the library asks for the first time
+        traceMessages(trace_);
     return action_(database_);
 }
 

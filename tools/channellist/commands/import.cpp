@@ -6,6 +6,7 @@
 
 #include "commands/commands.h"
 #include "database/session.h"
+#include "database/waiting.h"
 #include "edit/difference.h"
 #include "edit/favourites.h"
 #include "edit/request.h"
@@ -66,6 +67,7 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
     for (OtherEntry const& other : list.others)
         std::cerr << options.list << ":" << other.line
                   << ": skipped: no DVB service; only --favourites finds it again\n";
+    tellWaitsFor(options.database);
     UndoStore undo(options.database, options.force && !options.noUndo);
     {
         Progress progress;

@@ -9,6 +9,7 @@
 
 #include "database/query.h"
 #include "database/session.h"
+#include "database/waiting.h"
 #include "failure.h"
 #include "undo/undo_store.h"
 
@@ -86,6 +87,7 @@ void bringBack(std::string const& file, std::string const& database,
         return;
     }
     UndoStore undo(database, exists && !replacement.command.empty());
+    tellWaitsFor(database);
     undo.keepDatabase(replacement.command);
     (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
     undo.confirm();

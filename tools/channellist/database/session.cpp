@@ -2,6 +2,7 @@
 
 #include <channellist-access/db_access.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "database/query.h"
+#include "database/waiting.h"
 #include "failure.h"
 
 namespace tool {
@@ -51,14 +53,38 @@ void checkContent(std::string const& path, int code) {
 }
 
 void openChecked(std::string const& path, int flags, sqlite3*& connection) {
-    if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK)
-        throw Failure("cannot open " + path + ": " + sqlite3_errmsg(connection));
+    if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) {
+        int const reason = sqlite3_system_errno(connection);
+        throw Failure("cannot open " + path + ": " +
+                      (reason != 0 ? std::strerror(reason) : sqlite3_errmsg(connection)));
+    }
     sqlite3_busy_timeout(connection, kBusyTimeoutMilliseconds);
 }
 
 void close(sqlite3*& connection) {
     sqlite3_close(connection);
     connection = nullptr;
+}
+
+std::string whyUnsettled(std::string const& path) {
+    struct stat file;
+    bool const isInterrupted =
+        stat((path + "-journal").c_str(), &file) == 0 || stat((path + "-wal").c_str(), &file) == 0;
+    return isInterrupted
+               ? "an interrupted write lies beside " + path + ", and this user may not settle it"
+               : path +
+                     " is in WAL mode, and this user may not make the files that SQLite needs"
+                     " beside it";
+}
+
+// SQLite would fail in the middle of the edit.
+void checkFolder(std::string const& path) {
+    auto const slash = path.rfind('/');
+    std::string const folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    if (access(folder.c_str(), W_OK | X_OK) != 0) {
+        throw Failure("cannot write " + path + ": SQLite needs a journal beside it, and " + folder +
+                      " cannot be written: " + std::strerror(errno));
+    }
 }
 
 // What a process that died has left unfinished can be settled only by a connection that may write.
@@ -79,9 +105,9 @@ void settle(std::string const& path) {
     if (!isUnfinished)
         return;
     if (code == SQLITE_READONLY || code == SQLITE_CANTOPEN)
-        throw Failure("an interrupted write lies beside " + path +
-                      ", and this user may not settle it: run the command once as a user who may"
-                      " write the file and its folder");
+        throw Failure(whyUnsettled(path) +
+                      ": run the command as a user who may write it and its"
+                      " folder");
     if (code == SQLITE_OK)
         std::cerr << "channellist: settled an interrupted write that lay beside " << path << "\n";
 }
@@ -111,9 +137,12 @@ OttSession::~OttSession() { close(db_zentova); }
 
 Session::Session(std::string const& path, Access access) {
     checkFile(path);
+    tellWaitsFor(path);
     try {
         if (access == Access::Read)
             settle(path);
+        else
+            checkFolder(path);
         openChecked(path, access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE,
                     db);
         checkContent(path, sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr,
