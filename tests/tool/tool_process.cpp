@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 using namespace channel_database;
@@ -96,7 +97,10 @@ void ToolTest::change(std::string const& sql) {
 }
 
 std::string ToolTest::rows(std::string const& sql, std::string const& file) {
-    ChannelDatabase database((folder / file).string(), Indexes::PrimaryKeysOnly);
+    sqlite3* opened = nullptr;  // the file keeps its journal mode
+    sqlite3_open((folder / file).c_str(), &opened);
+    std::unique_ptr<sqlite3, int (*)(sqlite3*)> const connection(opened, sqlite3_close_v2);
+    ChannelDatabase database(opened, Indexes::PrimaryKeysOnly);
     std::string text;
     for (auto const& row : database.rows(sql)) {
         text += text.empty() ? "" : ";";
