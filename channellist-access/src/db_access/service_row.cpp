@@ -11,6 +11,9 @@
 #include "support/number_text.h"
 #include "support/text.h"
 
+#include <memory>
+#include <new>
+
 namespace channellist {
 namespace {
 
@@ -22,7 +25,7 @@ constexpr unsigned int kItemTypeBits = 0x1 | 0x2 | 0x4 | 0x8 | 0x10 | 0x20 | 0x1
 // A parameter of the tuning URI as a number; empty without it.
 std::string uriNumber(TuningUri const& uri, TuningKey key) {
     std::optional<std::string_view> const value = uri.value(key);
-    return value ? numberText(leadingNumber(*value)) : std::string();
+    return value ? leadingNumberText(*value) : std::string();
 }
 
 unsigned int completedAttributes(TuningUri const& uri) {
@@ -156,14 +159,13 @@ void logBadColumn(RawServiceRow const& row, ServiceColumn column) {
                   serviceColumnName(column).data(), row.cText(column));
 }
 
-// Nothing when memory runs out.
-std::optional<RawServiceRow> newRawRow(int count, char** values) noexcept {
-    try {
-        return RawServiceRow(count, values, logBadColumn);
-    } catch (std::exception const&) {
-        return std::nullopt;
-    }
-}
+// Converts where the column's string is made: moving one costs as much as making it.
+struct FieldText {
+    int field;
+    TuningUri const& uri;
+    CallSite const& site;
+    operator std::string() const { return fieldText(field, uri, site); }
+};
 
 // Appends the result row of the snapshot.
 int appendResultRow(CallSite const& site, ResultSet* out) {
@@ -174,7 +176,7 @@ int appendResultRow(CallSite const& site, ResultSet* out) {
     }
     TuningUri const uri(sv.locator);
     for (int const field : m_svfield)
-        row->push_back(fieldText(field, uri, site));
+        row->emplace_back(FieldText{field, uri, site});
     out->push_back(row);
     return 0;
 }
@@ -214,7 +216,9 @@ int dbaccess::service_callback(void* data, int argc, char** values, char** names
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    std::optional<RawServiceRow> const svrow = newRawRow(argc, values);
+    // On the heap, so that a process without memory is found out before the row is converted.
+    std::unique_ptr<RawServiceRow const> const svrow(new (std::nothrow)
+                                                         RawServiceRow(argc, values, logBadColumn));
     if (!svrow) {
         LOG_TEXT(Error, "malloc error of svrow !!");
         return kStopQuery;

@@ -36,8 +36,7 @@ class TuningUri {
     // The value of `key`: of the first "&key=", or without one of the first "?key=", up to the next
     // "&". Keys are case-sensitive; the value may be empty.
     std::optional<std::string_view> value(TuningKey key) const {
-        std::optional<std::string_view> const& rest = rests_[static_cast<std::size_t>(key)];
-        return rest ? rest->substr(0, rest->find('&')) : rest;
+        return values_[static_cast<std::size_t>(key)];
     }
 
   private:
@@ -46,13 +45,12 @@ class TuningUri {
     // Keeps what follows this beginning of a parameter unless `key` has one. Inline, so that the
     // beginning is compared as a constant.
     void keep(TuningKey key, std::string_view beginning, std::string_view parameter) {
-        std::optional<std::string_view>& rest = rests_[static_cast<std::size_t>(key)];
-        if (!rest && startsWith(parameter, beginning))
-            rest = parameter.substr(beginning.size());
+        std::optional<std::string_view>& value = values_[static_cast<std::size_t>(key)];
+        if (!value && startsWith(parameter, beginning))
+            value = parameter.substr(beginning.size());
     }
 
-    // The rest of the URI from the value of each key on.
-    std::array<std::optional<std::string_view>, kTuningKeyCount> rests_;
+    std::array<std::optional<std::string_view>, kTuningKeyCount> values_;
 };
 
 }  // namespace channellist

@@ -4,7 +4,6 @@
 #include <channellist-access/item_info.h>
 
 #include <stdexcept>
-#include <utility>
 
 #include "dbservice_query_result/input_sources.h"
 #include "dbservice_query_result/service_attributes.h"
@@ -99,31 +98,31 @@ void completeItem(ServiceItem& item, RawServiceRow const& row, unsigned int attr
     item.nitId = row.text(ServiceColumn::NITId);
 }
 
-struct SnapshotText {
-    std::string ServiceSnapshot::*text;
-    std::string_view ServiceItem::*source;
-};
+// Every text of the snapshot with its source.
+template <typename Use>
+void forEachText(ServiceItem const& item, Use use) {
+    use(sv.caption, item.caption);
+    use(sv.locator, item.locator);
+    use(sv.userIndex, item.userIndex);
+    use(sv.uuid, item.uuid);
+    use(sv.originalAncestor, item.originalAncestor);
+    use(sv.originalUuid, item.originalUuid);
+    use(sv.tunerUuid, item.tunerUuid);
+    use(sv.originalLcn, item.originalLcn);
+    use(sv.nitId, item.nitId);
+}
 
-constexpr SnapshotText kSnapshotTexts[] = {
-    {&ServiceSnapshot::caption, &ServiceItem::caption},
-    {&ServiceSnapshot::locator, &ServiceItem::locator},
-    {&ServiceSnapshot::userIndex, &ServiceItem::userIndex},
-    {&ServiceSnapshot::uuid, &ServiceItem::uuid},
-    {&ServiceSnapshot::originalAncestor, &ServiceItem::originalAncestor},
-    {&ServiceSnapshot::originalUuid, &ServiceItem::originalUuid},
-    {&ServiceSnapshot::tunerUuid, &ServiceItem::tunerUuid},
-    {&ServiceSnapshot::originalLcn, &ServiceItem::originalLcn},
-    {&ServiceSnapshot::nitId, &ServiceItem::nitId},
-};
-
-// All texts are copied before the first of them changes the snapshot: what follows cannot fail, so
-// the snapshot changes as a whole or not at all. Most texts find the room that earlier ones left.
+// Room for all texts is made before the first of them changes the snapshot: what follows cannot
+// fail, so the snapshot changes as a whole or not at all. Most texts find the room that earlier
+// ones left.
 void copyIntoSnapshot(ServiceItem const& item) {
-    static ServiceSnapshot next = {};
-    for (SnapshotText const& rule : kSnapshotTexts)
-        next.*rule.text = item.*rule.source;
-    for (SnapshotText const& rule : kSnapshotTexts)
-        sv.*rule.text = std::move(next.*rule.text);
+    forEachText(
+        item,
+        [](std::string& text, std::string_view source) {
+            if (text.capacity() < source.size())
+                text.reserve(source.size());
+        });
+    forEachText(item, [](std::string& text, std::string_view source) { text = source; });
     sv.previewPage = item.previewPage;
     sv.subtitlePage = item.subtitlePage;
     sv.attributes = static_cast<int>(item.attributes);

@@ -1,5 +1,6 @@
 #include "support/number_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -66,6 +67,15 @@ std::int32_t leadingNumber(std::string_view text) {
     if (error == std::errc::result_out_of_range || size > largest)
         return negative ? Limits::min() : Limits::max();
     return negative ? -static_cast<std::int32_t>(size) : static_cast<std::int32_t>(size);
+}
+
+std::string leadingNumberText(std::string_view text) {
+    // Digits without a leading zero, and too few to saturate.
+    constexpr std::size_t kMostDigits = std::numeric_limits<std::int32_t>::digits10;
+    bool const isPlain =
+        !text.empty() && text.size() <= kMostDigits && (text[0] != '0' || text.size() == 1) &&
+        std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return isPlain ? std::string(text) : numberText(leadingNumber(text));
 }
 
 std::string numberText(std::int32_t number) { return decimal(number); }

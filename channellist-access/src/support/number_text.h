@@ -20,6 +20,9 @@ std::optional<std::uint32_t> unsignedNumber(std::string_view text);
 // read, the rest is ignored; no digits give 0, and the result saturates.
 std::int32_t leadingNumber(std::string_view text);
 
+// numberText(leadingNumber(text)), for the price of a copy where that is the text itself.
+std::string leadingNumberText(std::string_view text);
+
 std::string numberText(std::int32_t number);
 std::string numberText(std::uint32_t number);
 
