@@ -1,10 +1,7 @@
-// The field-id lists that name the columns of result rows, and the attribute word of a list.
+// The field-id lists that name the columns of result rows.
 #include <channellist-access/field_ids.h>
 
 #include <iterator>
-#include <string_view>
-
-#include "support/text.h"
 
 int srv[16] = {
     SERVICE_FIELD_CHANNEL_NUMBER,
@@ -33,32 +30,3 @@ int fl[8] = {
 
 std::vector<int> m_svfield(std::begin(srv), std::end(srv));
 std::vector<int> m_flfield(std::begin(fl), std::end(fl));
-
-namespace {
-
-// What a creator's text says of its list; the first row that fits counts.
-struct CreatorFlags {
-    std::string_view creator;
-    bool whole;  // the whole text, not its beginning alone
-    unsigned int flags;
-};
-
-constexpr CreatorFlags kCreatorFlags[] = {
-    {"User.tv", false, 0x05},
-    {"User.radio", false, 0x09},
-    {"servicelist://tamun.analog", true, 0x140},
-    {"servicelist://tamun.dvb.65536", false, 0x42},
-    {"servicelist:", false, 0x40},
-    {"tamun.sl2.servicelist$all", false, 0x10},
-    {"tamun.sl2.servicelist$av", false, 0x20},
-};
-
-}  // namespace
-
-unsigned int attr(std::string const& creator, unsigned int attributes) {
-    unsigned int const word = attributes << 16;
-    for (CreatorFlags const& rule : kCreatorFlags)
-        if (rule.whole ? creator == rule.creator : channellist::startsWith(creator, rule.creator))
-            return word + rule.flags;
-    return word;
-}

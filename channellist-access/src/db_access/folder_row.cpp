@@ -1,24 +1,25 @@
 // One row of the folder query, from SQLite's column texts to a finished result row.
 #include <channellist-access/db_access.h>
-#include <channellist-access/item_info.h>
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 
+#include <memory>
+#include <new>
 #include <typeinfo>
 
 #include "db_access/callback_value.h"
-#include "db_access/folder_icon.h"
+#include "db_access/creator_flags.h"
+#include "db_access/folder_query.h"
 #include "db_access/result_row.h"
 #include "db_access/session.h"
 #include "support/number_text.h"
+#include "support/raw_row.h"
 
 namespace channellist {
 namespace {
 
 constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 
-// The columns of the folder query, in its order.
-enum FolderColumn : std::size_t { Pid, Uuid, Name, Creator, Attributes, NetworkId, UpdateTag };
-constexpr std::size_t kFolderColumnCount = UpdateTag + 1;
+using RawFolderRow = RawRow<FolderColumn>;
 
 // Numbers of the translated names of the All list and the external inputs.
 constexpr std::int32_t kAllListName = 3052;
@@ -26,24 +27,36 @@ constexpr std::int32_t kAvListName = 3051;
 
 constexpr char kIconDirectory[] = "/data/servicelist/icons/";
 
-void describeFolder(FolderItemInfo& item, ResultRow const& row) {
-    item.setTitle(row[Name]);
-    std::optional<std::int32_t> const attributes = signedNumber(row[Attributes]);
+// The folder item of a list, for as long as its row: its texts view the row.
+struct FolderItem {
+    std::string_view caption;
+    std::string_view uuid;
+    std::string_view creator;
+    std::int32_t attributes;
+    std::string_view originalAncestor;
+    std::string_view updateTag;
+};
+
+FolderItem folderItem(RawFolderRow const& row) {
+    std::string_view const creator = row.text(FolderColumn::Creator);
+    std::optional<std::int32_t> const attributes = signedNumber(row.text(FolderColumn::Attributes));
     if (!attributes)
         throw boost::bad_lexical_cast(typeid(std::string), typeid(int));
-    unsigned int const word = attr(row[Creator], static_cast<unsigned int>(*attributes));
-    item.setAttributes(static_cast<int>(word));
-    item.setOriginalAncestor(row[NetworkId]);
-    item.setUpdateTag(row[UpdateTag]);
-    item.setThumbURL(folderIcon(row[Creator]));
+    unsigned int const word = attributeWord(creator, static_cast<unsigned int>(*attributes));
+    return {row.text(FolderColumn::Name),
+            row.text(FolderColumn::Uuid),
+            creator,
+            static_cast<std::int32_t>(word),
+            row.text(FolderColumn::NetworkId),
+            row.text(FolderColumn::UpdateTag)};
 }
 
-std::string captionText(std::string const& caption) {
+std::string captionText(std::string_view caption) {
     if (caption == "$all")
         return "#" + numberText(kAllListName);
     if (caption == "$av")
         return "#" + numberText(kAvListName);
-    return caption;
+    return std::string(caption);
 }
 
 // What a client may do with the list; the first rule that fits counts.
@@ -62,60 +75,67 @@ std::string capabilityCode(std::int32_t attributes, CallSite const& site) {
     return (attributes & kBit4) != 0 ? "18" : "50";
 }
 
-std::string favName(std::string const& creator) {
+std::string favName(std::string_view creator) {
     std::size_t const at = creator.find("FAV");
-    return at == std::string::npos ? std::string() : creator.substr(at);
+    return at == std::string_view::npos ? std::string() : std::string(creator.substr(at));
 }
 
-std::string fieldText(int field, FolderItemInfo const& item, std::string const& creator,
-                      CallSite const& site) {
+std::string fieldText(int field, FolderItem const& item, CallSite const& site) {
     switch (field) {
         case FOLDER_FIELD_CAPTION:
-            return captionText(item.getCaption());
+            return captionText(item.caption);
         case FOLDER_FIELD_UUID:
-            return item.getUUID();
+            return std::string(item.uuid);
         case FOLDER_FIELD_FLAGS:
-            return numberText(static_cast<unsigned int>(item.getAttributes()) & 0xFFFF);
+            return numberText(static_cast<unsigned int>(item.attributes) & 0xFFFF);
         case FOLDER_FIELD_CAPABILITY:
-            return capabilityCode(item.getAttributes(), site);
+            return capabilityCode(item.attributes, site);
         case FOLDER_FIELD_NETWORK_ID:
-            return item.getOriginalAncestor();
+            return std::string(item.originalAncestor);
         case FOLDER_FIELD_ICON_DIRECTORY:
             return kIconDirectory;
         case FOLDER_FIELD_ZERO:
             return "0";
         case FOLDER_FIELD_UPDATE_TAG:
-            return item.getUpdateTag();
+            return std::string(item.updateTag);
         case FOLDER_FIELD_FAV_NAME:
-            return favName(creator);
+            return favName(item.creator);
         case FOLDER_FIELD_EMPTY:
         default:
             return std::string();
     }
 }
 
-// Fills the empty `row` with the texts of `count` columns, a NULL as the empty string. False when
-// memory runs out.
-bool copyRawRow(int count, char** values, ResultRow& row) noexcept {
-    try {
-        row.reserve(count > 0 ? static_cast<std::size_t>(count) : 0);
-        for (int column = 0; column < count; ++column)
-            row.emplace_back(values[column] != nullptr ? values[column] : "");
-    } catch (std::exception const&) {
-        return false;
+// dbaccess::computeFolder of a raw row.
+int computeFolder(int argc, RawFolderRow const& flrow, ResultSet* out) {
+    CallSite const site = CALL_SITE_OF("computeFolder");
+    if (static_cast<unsigned int>(argc) > flrow.size() || flrow.size() < kFolderColumnCount) {
+        LOG_FORMAT_AT(site, kLogModule, Error, "flrow.size is wrong %d",
+                      static_cast<int>(flrow.size()));
+        return kMalformed;
     }
-    return true;
+    FolderItem const item = folderItem(flrow);
+    boost::shared_ptr<ResultRow> const row = newResultRow(m_flfield.size());
+    if (!row) {
+        LOG_TEXT_AT(site, kLogModule, Error, "new memory failed!");
+        return kMalformed;
+    }
+    for (int const field : m_flfield)
+        appendInPlace(*row, [&] { return fieldText(field, item, site); });
+    out->push_back(row);
+    return 0;
 }
 
 // Converts the row without letting an exception through to SQLite. A list whose attribute word does
 // not convert is left out, and the query goes on.
-int computeFolderGuarded(CallSite const& site, int count, ResultRow const& row, ResultSet* out) {
+int computeFolderGuarded(CallSite const& site, int count, RawFolderRow const& row, ResultSet* out) {
     try {
-        return dbaccess::computeFolder(count, row, out);
+        return computeFolder(count, row, out);
     } catch (boost::bad_lexical_cast const&) {
         LOG_FORMAT_AT(site, kLogModule, Error,
                       "list %s (uuid %s) left out: column Attributes holds no number: '%s'",
-                      row[Name].c_str(), row[Uuid].c_str(), row[Attributes].c_str());
+                      row.cText(FolderColumn::Name), row.cText(FolderColumn::Uuid),
+                      row.cText(FolderColumn::Attributes));
         return kContinueQuery;
     } catch (std::exception const& error) {
         LOG_FORMAT_AT(site, kLogModule, Error, "folder row not converted: %s", error.what());
@@ -136,13 +156,14 @@ int dbaccess::folder_callback(void* data, int argc, char** values, char** names)
         LOG_TEXT(Error, "names or values NULL !!");
         return kStopQuery;
     }
-    ResultRow flrow;
-    if (!copyRawRow(argc, values, flrow)) {
+    // On the heap, so that a process without memory is found out before the row is converted.
+    std::unique_ptr<RawFolderRow const> const flrow(new (std::nothrow) RawFolderRow(argc, values));
+    if (!flrow) {
         LOG_TEXT(Error, "malloc error of flrow !!");
         return kStopQuery;
     }
-    LOG_FORMAT(Row, "flrow->size():%d", static_cast<int>(flrow.size()));
-    if (computeFolderGuarded(CALL_SITE, argc, flrow, static_cast<ResultSet*>(data)) != 0) {
+    LOG_FORMAT(Row, "flrow->size():%d", static_cast<int>(flrow->size()));
+    if (computeFolderGuarded(CALL_SITE, argc, *flrow, static_cast<ResultSet*>(data)) != 0) {
         LOG_TEXT(Error, "folder_callback Failed!!");
         return kStopQuery;
     }
@@ -150,19 +171,5 @@ int dbaccess::folder_callback(void* data, int argc, char** values, char** names)
 }
 
 int dbaccess::computeFolder(int argc, std::vector<std::string> const& flrow, ResultSet* out) {
-    if (static_cast<unsigned int>(argc) > flrow.size() || flrow.size() < kFolderColumnCount) {
-        LOG_FORMAT(Error, "flrow.size is wrong %d", static_cast<int>(flrow.size()));
-        return kMalformed;
-    }
-    FolderItemInfo item(flrow[Name], flrow[Uuid]);
-    describeFolder(item, flrow);
-    boost::shared_ptr<ResultRow> const row = newResultRow(m_flfield.size());
-    if (!row) {
-        LOG_TEXT(Error, "new memory failed!");
-        return kMalformed;
-    }
-    for (int const field : m_flfield)
-        row->push_back(fieldText(field, item, flrow[Creator], CALL_SITE));
-    out->push_back(row);
-    return 0;
+    return channellist::computeFolder(argc, RawFolderRow(flrow), out);
 }

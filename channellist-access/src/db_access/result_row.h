@@ -20,6 +20,17 @@ inline boost::shared_ptr<ResultRow> newResultRow(std::size_t count) noexcept {
     }
 }
 
+// Appends the column that `makeText` gives. Its string is made where it stays: moving a text costs
+// as much as making it.
+template <typename MakeText>
+void appendInPlace(ResultRow& row, MakeText const& makeText) {
+    struct Text {
+        MakeText const& make;
+        operator std::string() const { return make(); }
+    };
+    row.emplace_back(Text{makeText});
+}
+
 }  // namespace channellist
 
 #endif

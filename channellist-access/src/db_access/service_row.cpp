@@ -159,14 +159,6 @@ void logBadColumn(RawServiceRow const& row, ServiceColumn column) {
                   serviceColumnName(column).data(), row.cText(column));
 }
 
-// Converts where the column's string is made: moving one costs as much as making it.
-struct FieldText {
-    int field;
-    TuningUri const& uri;
-    CallSite const& site;
-    operator std::string() const { return fieldText(field, uri, site); }
-};
-
 // Appends the result row of the snapshot.
 int appendResultRow(CallSite const& site, ResultSet* out) {
     boost::shared_ptr<ResultRow> const row = newResultRow(m_svfield.size());
@@ -176,7 +168,7 @@ int appendResultRow(CallSite const& site, ResultSet* out) {
     }
     TuningUri const uri(sv.locator);
     for (int const field : m_svfield)
-        row->emplace_back(FieldText{field, uri, site});
+        appendInPlace(*row, [&] { return fieldText(field, uri, site); });
     out->push_back(row);
     return 0;
 }

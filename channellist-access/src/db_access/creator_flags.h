@@ -1,0 +1,14 @@
+// What a creator's text says of its list.
+#ifndef CHANNELLIST_DB_ACCESS_CREATOR_FLAGS_H
+#define CHANNELLIST_DB_ACCESS_CREATOR_FLAGS_H
+
+#include <string_view>
+
+namespace channellist {
+
+// attr() of a text that is no string.
+unsigned int attributeWord(std::string_view creator, unsigned int attributes);
+
+}  // namespace channellist
+
+#endif
