@@ -32,19 +32,18 @@ void collectRenumberRequests(EditEntry const& entry, std::vector<unsigned int> c
             requests[j] = favListIds[j];
 }
 
-// Returns the status of the last step; a failing step has logged itself.
-int writeEntry(EditEntry const& entry, unsigned int favoriteListId, Statement& itemUpdate,
-               Statement& favListFlags) {
+// False after a failing step, which has logged itself.
+bool writeEntry(EditEntry const& entry, unsigned int favoriteListId, Statement& itemUpdate,
+                Statement& favListFlags) {
     int const isDeleted = (entry.flag & kEditDeleted) != 0 ? 1 : 0;
     LOG_FORMAT(Verbose, "serviceId=%u,isDeleted=%d,channelnumber:%d,flag=%d,restoreEdit:%d.",
                entry.serviceId, isDeleted, static_cast<int>(entry.channelnumber),
                static_cast<int>(entry.flag), (entry.flag & kEditRestore) != 0 ? 1 : 0);
     itemUpdate.rebind(entry.channelnumber, isDeleted, favoriteListId, entry.serviceId);
-    int const status = itemUpdate.step("Update All list in the case of All list edit.");
-    if (status != SQLITE_DONE)
-        return status;
+    if (itemUpdate.step("Update All list in the case of All list edit.") != SQLITE_DONE)
+        return false;
     favListFlags.rebind(isDeleted, entry.serviceId);
-    return favListFlags.step("Update FAV list in the case of All list edit.");
+    return favListFlags.step("Update FAV list in the case of All list edit.") == SQLITE_DONE;
 }
 
 // The results are not looked at: both have logged their failures, and the edit itself stands. But
@@ -69,27 +68,26 @@ bool renumber(RenumberRequests const& requests) {
 
 }  // namespace
 
-int writeAllListEdit(unsigned int favoriteListId, std::vector<unsigned int> const& favListIds,
-                     std::vector<std::string> const& arguments, Statement& itemUpdate) {
+EditOutcome writeAllListEdit(unsigned int favoriteListId,
+                             std::vector<unsigned int> const& favListIds,
+                             std::vector<std::string> const& arguments, Statement& itemUpdate) {
     RenumberRequests requests = {};
-    int status = SQLITE_DONE;
     {
         Statement favListFlags;
         if (prepareForEdit(CALL_SITE, favListFlagUpdate(favListIds).c_str(), favListFlags) !=
             SQLITE_OK)
-            return kFailed;
+            return EditOutcome::Failed;
         for (std::size_t index = 0; index < entryCount(arguments); ++index) {
             std::optional<EditEntry> const entry = convertEntry(arguments, index);
             if (!entry)
-                return kMalformed;
+                return EditOutcome::Malformed;
             collectRenumberRequests(*entry, favListIds, requests);
-            status = writeEntry(*entry, favoriteListId, itemUpdate, favListFlags);
-            if (status != SQLITE_DONE)
-                return kFailed;
+            if (!writeEntry(*entry, favoriteListId, itemUpdate, favListFlags))
+                return EditOutcome::Failed;
         }
         itemUpdate.finalize();
     }
-    return renumber(requests) ? status : kFailed;
+    return renumber(requests) ? EditOutcome::Done : EditOutcome::Failed;
 }
 
 }  // namespace channellist

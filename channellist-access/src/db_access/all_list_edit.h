@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "db_access/edit_outcome.h"
 #include "db_access/statement.h"
 
 namespace channellist {
@@ -12,10 +13,10 @@ namespace channellist {
 inline constexpr std::size_t kFavListCount = 4;
 
 // Writes every entry inside the open transaction, then renumbers the FAV lists asked for.
-// `favListIds` holds four keys. Returns the status of the last step (101), kMalformed when a number
-// does not convert, or kFailed: the caller rolls back.
-int writeAllListEdit(unsigned int favoriteListId, std::vector<unsigned int> const& favListIds,
-                     std::vector<std::string> const& arguments, Statement& itemUpdate);
+// `favListIds` holds four keys. Done, Malformed or Failed: then the caller rolls back.
+EditOutcome writeAllListEdit(unsigned int favoriteListId,
+                             std::vector<unsigned int> const& favListIds,
+                             std::vector<std::string> const& arguments, Statement& itemUpdate);
 
 }  // namespace channellist
 

@@ -103,25 +103,26 @@ void planEntries(std::vector<unsigned int> const& stored, std::vector<EditEntry>
     }
 }
 
-int writeUpdates(unsigned int favoriteListId, FavListPlan const& plan, Statement& itemUpdate) {
+// These three: false after a failure, which has logged itself.
+bool writeUpdates(unsigned int favoriteListId, FavListPlan const& plan, Statement& itemUpdate) {
     if (plan.updates.empty()) {
         LOG_TEXT(Verbose, "No services to be updated!");
-        return SQLITE_DONE;
+        return true;
     }
     LOG_FORMAT(Verbose, "Update (count: %d) existed Services to FAV list.",
                static_cast<int>(plan.updates.size()));
     for (FavListPlan::Update const& update : plan.updates) {
         itemUpdate.rebind(update.channelnumber, update.deleted, favoriteListId, update.serviceId);
         if (itemUpdate.step("Update FAV Services.") != SQLITE_DONE)
-            return kFailed;
+            return false;
     }
-    return SQLITE_DONE;
+    return true;
 }
 
-int writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
+bool writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
     if (plan.additions.empty()) {
         LOG_TEXT(Verbose, "No services to be added!");
-        return SQLITE_DONE;
+        return true;
     }
     LOG_FORMAT(Verbose, "Add (count: %d) new Services to FAV list.",
                static_cast<int>(plan.additions.size()));
@@ -130,77 +131,73 @@ int writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
                        "INSERT INTO FavoriteItem (ServiceId, ChannelNum, FavoriteId, "
                        "OriginalFavoriteId) VALUES (?, ?, ?, ?);",
                        insert) != SQLITE_OK)
-        return kFailed;
+        return false;
     for (FavListPlan::Addition const& added : plan.additions) {
         insert.rebind(added.serviceId, added.channelnumber, favoriteListId, favoriteListId);
         if (insert.step("Add FAV Services.") != SQLITE_DONE)
-            return kFailed;
+            return false;
     }
-    return SQLITE_DONE;
+    return true;
 }
 
-int writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
+bool writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
     if (plan.removals.empty()) {
         LOG_TEXT(Verbose, "No services to be removed!");
-        return SQLITE_DONE;
+        return true;
     }
     LOG_FORMAT(Verbose, "Remove (count: %d) unreceivable Services from FAV list.",
                static_cast<int>(plan.removals.size()));
     Statement remove;
     if (prepareForEdit(CALL_SITE, "DELETE FROM FavoriteItem WHERE FavoriteId= ? AND serviceId= ?;",
                        remove) != SQLITE_OK)
-        return kFailed;
+        return false;
     for (std::uint32_t const serviceId : plan.removals) {
         remove.rebind(favoriteListId, serviceId);
         if (remove.step("Remove unreceivable FAV Services.") != SQLITE_DONE)
-            return kFailed;
+            return false;
     }
-    return SQLITE_DONE;
+    return true;
 }
 
-// Returns the status of the last step, 0 when there was none.
-int writeFavTags(unsigned int favIndex, FavListPlan const& plan) {
+EditOutcome writeFavTags(unsigned int favIndex, FavListPlan const& plan) {
     Statement tag;
     if (prepareForEdit(CALL_SITE, kFavTagUpdates[favIndex - 1], tag) != SQLITE_OK)
-        return kFailed;
-    int status = 0;
+        return EditOutcome::Failed;
     for (FavListPlan::Addition const& added : plan.additions) {
         tag.rebind(1, added.serviceId);
-        status = tag.step("Update FavTag in Service Table.(Added FAV services)");
-        if (status != SQLITE_DONE)
-            return kFailed;
+        if (tag.step("Update FavTag in Service Table.(Added FAV services)") != SQLITE_DONE)
+            return EditOutcome::Failed;
     }
     for (std::uint32_t const serviceId : plan.removals) {
         tag.rebind(0, serviceId);
-        status = tag.step("Update FavTag in Service Table.(Removed FAV services)");
-        if (status != SQLITE_DONE)
-            return kFailed;
+        if (tag.step("Update FavTag in Service Table.(Removed FAV services)") != SQLITE_DONE)
+            return EditOutcome::Failed;
     }
-    return status;
+    bool const isSame = plan.additions.empty() && plan.removals.empty();
+    return isSame ? EditOutcome::SameServices : EditOutcome::Done;
 }
 
 }  // namespace
 
-int planFavListEdit(unsigned int favoriteListId, std::vector<std::string> const& arguments,
-                    FavListPlan& plan) {
+EditOutcome planFavListEdit(unsigned int favoriteListId, std::vector<std::string> const& arguments,
+                            FavListPlan& plan) {
     std::vector<unsigned int> stored;
     if (readStoredServices(favoriteListId, stored) != SQLITE_OK)
-        return kFailed;
+        return EditOutcome::Failed;
     std::vector<EditEntry> entries;
     if (!convertEntries(arguments, entries))
-        return kMalformed;
+        return EditOutcome::Malformed;
     planRemovals(stored, entries, plan);
     planEntries(stored, entries, plan);
-    return 0;
+    return EditOutcome::Done;
 }
 
-int writeFavListEdit(unsigned int favoriteListId, unsigned int favIndex, FavListPlan const& plan,
-                     Statement& itemUpdate) {
-    int const updated = writeUpdates(favoriteListId, plan, itemUpdate);
+EditOutcome writeFavListEdit(unsigned int favoriteListId, unsigned int favIndex,
+                             FavListPlan const& plan, Statement& itemUpdate) {
+    bool const isUpdated = writeUpdates(favoriteListId, plan, itemUpdate);
     itemUpdate.finalize();
-    if (updated != SQLITE_DONE || writeAdditions(favoriteListId, plan) != SQLITE_DONE ||
-        writeRemovals(favoriteListId, plan) != SQLITE_DONE)
-        return kFailed;
+    if (!isUpdated || !writeAdditions(favoriteListId, plan) || !writeRemovals(favoriteListId, plan))
+        return EditOutcome::Failed;
     return writeFavTags(favIndex, plan);
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "db_access/edit_outcome.h"
 #include "db_access/statement.h"
 
 namespace channellist {
@@ -27,15 +28,15 @@ struct FavListPlan {
     std::vector<std::uint32_t> removals;  // stored services that no entry names, in stored order
 };
 
-// Reads the stored items and converts the entries; writes nothing. Returns 0, kFailed when the
-// items cannot be read, or kMalformed when a number does not convert.
-int planFavListEdit(unsigned int favoriteListId, std::vector<std::string> const& arguments,
-                    FavListPlan& plan);
+// Reads the stored items and converts the entries; writes nothing. Done, Failed when the items
+// cannot be read, or Malformed.
+EditOutcome planFavListEdit(unsigned int favoriteListId, std::vector<std::string> const& arguments,
+                            FavListPlan& plan);
 
-// Writes the plan inside the open transaction. `favIndex` is 1 to 4. Returns the status of the last
-// FavTag step, 0 when there was none, or kFailed: the caller rolls back.
-int writeFavListEdit(unsigned int favoriteListId, unsigned int favIndex, FavListPlan const& plan,
-                     Statement& itemUpdate);
+// Writes the plan inside the open transaction. `favIndex` is 1 to 4. Done, SameServices, or Failed:
+// the caller rolls back.
+EditOutcome writeFavListEdit(unsigned int favoriteListId, unsigned int favIndex,
+                             FavListPlan const& plan, Statement& itemUpdate);
 
 }  // namespace channellist
 

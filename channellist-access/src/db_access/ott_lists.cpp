@@ -11,6 +11,7 @@ constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 // The owner's commits are waited out: without the numbers of OTT channels, services would be put on
 // them.
 constexpr int kBusyTimeoutMilliseconds = 1000;
+constexpr int kSearchFailed = -1;
 
 // Opens `db_zentova` if it is null; false after a failure, which is logged for the search.
 bool openOttDatabase(CallSite const& site) {
@@ -51,11 +52,11 @@ using namespace channellist;
 
 int dbaccess::searchOTTdb(char const* statement, std::vector<unsigned int>& values) {
     if (!openOttDatabase(CALL_SITE))
-        return kMalformed;
+        return kSearchFailed;
     if (sqlite3_exec(db_zentova, statement, positionCallback, &values, nullptr) == SQLITE_OK)
         return 0;
     LOG_FORMAT(Error, "search db failed. %s ", sqlite3_errmsg(db_zentova));
-    return kMalformed;
+    return kSearchFailed;
 }
 
 int dbaccess::getOttFav1List(std::vector<unsigned int>& values) {
