@@ -2,7 +2,57 @@
 
 #include <algorithm>
 
+#include "support/text.h"
+
 namespace channellist {
+namespace {
+
+constexpr bool begins(std::string_view parameter, TuningKey key) {
+    return startsWith(parameter, kTuningKeys[static_cast<std::size_t>(key)]);
+}
+
+// The first of these keys that the parameter begins with, else kTuningKeyCount. Unrolled, so that
+// each beginning is compared as a constant.
+template <typename... Keys>
+constexpr std::size_t firstOf(std::string_view parameter, Keys... keys) {
+    std::size_t found = kTuningKeyCount;
+    static_cast<void>((
+        (begins(parameter, keys) ? (found = static_cast<std::size_t>(keys), true) : false) || ...));
+    return found;
+}
+
+// The first character tells most parameters apart.
+constexpr std::size_t keyOf(std::string_view parameter) {
+    switch (parameter.empty() ? '\0' : parameter.front()) {
+        case 'f':
+            return firstOf(parameter, TuningKey::Frontend, TuningKey::Frequency);
+        case 'h':
+            return firstOf(parameter, TuningKey::Hdtv);
+        case 'o':
+            return firstOf(parameter, TuningKey::OriginalNetwork);
+        case 'p':
+            return firstOf(parameter, TuningKey::Polarization);
+        case 's':
+            return firstOf(parameter, TuningKey::Satellite, TuningKey::Service,
+                           TuningKey::SlotConfig, TuningKey::SymbolRate);
+        case 't':
+            return firstOf(parameter, TuningKey::TransportStream);
+        default:
+            return kTuningKeyCount;
+    }
+}
+
+constexpr bool findsEveryKey() {
+    for (std::size_t key = 0; key < kTuningKeyCount; ++key)
+        if (keyOf(kTuningKeys[key]) != key)
+            return false;
+    return true;
+}
+
+static_assert(kTuningKeyCount == static_cast<std::size_t>(TuningKey::TransportStream) + 1);
+static_assert(findsEveryKey());
+
+}  // namespace
 
 TuningUri::TuningUri(std::string_view locator) {
     auto const ampersandFrom = [&](std::size_t at) {
@@ -21,32 +71,10 @@ TuningUri::TuningUri(std::string_view locator) {
     }
 }
 
-// Keeps the value of a parameter that a row can show. The first character tells most others apart.
 void TuningUri::note(std::string_view parameter) {
-    switch (parameter.empty() ? '\0' : parameter.front()) {
-        case 'f':
-            keep(TuningKey::Frontend, "frontend=", parameter);
-            keep(TuningKey::Frequency, "frequency=", parameter);
-            break;
-        case 'h':
-            keep(TuningKey::Hdtv, "hdtv=", parameter);
-            break;
-        case 'o':
-            keep(TuningKey::OriginalNetwork, "onid=", parameter);
-            break;
-        case 'p':
-            keep(TuningKey::Polarization, "polarization=", parameter);
-            break;
-        case 's':
-            keep(TuningKey::Satellite, "satid=", parameter);
-            keep(TuningKey::Service, "sid=", parameter);
-            keep(TuningKey::SlotConfig, "slotconfig=", parameter);
-            keep(TuningKey::SymbolRate, "symbolrate=", parameter);
-            break;
-        case 't':
-            keep(TuningKey::TransportStream, "tsid=", parameter);
-            break;
-    }
+    std::size_t const key = keyOf(parameter);
+    if (key < kTuningKeyCount && !values_[key])
+        values_[key] = parameter.substr(kTuningKeys[key].size());
 }
 
 }  // namespace channellist

@@ -3,14 +3,13 @@
 #define CHANNELLIST_DB_ACCESS_TUNING_URI_H
 
 #include <array>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
-#include "support/text.h"
-
 namespace channellist {
 
-// The parameters that a service row can show.
+// The parameters that a service row can show, and how each begins.
 enum class TuningKey : std::size_t {
     Frontend,
     Frequency,
@@ -23,9 +22,12 @@ enum class TuningKey : std::size_t {
     SymbolRate,
     TransportStream,
 };
+inline constexpr std::string_view kTuningKeys[] = {
+    "frontend=", "frequency=", "hdtv=",       "onid=",       "polarization=",
+    "satid=",    "sid=",       "slotconfig=", "symbolrate=", "tsid=",
+};
 
-inline constexpr std::size_t kTuningKeyCount =
-    static_cast<std::size_t>(TuningKey::TransportStream) + 1;
+inline constexpr std::size_t kTuningKeyCount = std::size(kTuningKeys);
 
 // A row asks for half a dozen parameters, so the URI is searched once for all of them.
 class TuningUri {
@@ -40,15 +42,8 @@ class TuningUri {
     }
 
   private:
+    // Keeps the value of a parameter that a row can show, the first of each.
     void note(std::string_view parameter);
-
-    // Keeps what follows this beginning of a parameter unless `key` has one. Inline, so that the
-    // beginning is compared as a constant.
-    void keep(TuningKey key, std::string_view beginning, std::string_view parameter) {
-        std::optional<std::string_view>& value = values_[static_cast<std::size_t>(key)];
-        if (!value && startsWith(parameter, beginning))
-            value = parameter.substr(beginning.size());
-    }
 
     std::array<std::optional<std::string_view>, kTuningKeyCount> values_;
 };

@@ -6,7 +6,7 @@
 namespace channellist {
 
 // Byte-wise; a text begins with itself.
-inline bool startsWith(std::string_view text, std::string_view beginning) {
+constexpr bool startsWith(std::string_view text, std::string_view beginning) {
     return text.substr(0, beginning.size()) == beginning;
 }
 
