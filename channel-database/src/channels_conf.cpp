@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "utf8.h"
+#include <channel-database/utf8.h>
 
 namespace channel_database {
 namespace {

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "commands/commands.h"
+#include "database/time_limit.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
 
@@ -26,9 +27,13 @@ int main(int argc, char** argv) {
     int code;
     try {
         code = runTool(argc, argv);
+        if (tool::TimeLimit::isReached())
+            throw tool::Failure(tool::TimeLimit::sentence());
     } catch (tool::Failure const& failure) {
         std::cout.flush();
-        std::cerr << "channellist: " << failure.what() << "\n";
+        std::cerr << "channellist: "
+                  << (tool::TimeLimit::isReached() ? tool::TimeLimit::sentence() : failure.what())
+                  << "\n";
         tool::explainByMessages();
         code = failure.code();
     } catch (std::exception const& error) {

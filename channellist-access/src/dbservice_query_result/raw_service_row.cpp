@@ -10,7 +10,10 @@
 namespace channellist {
 
 std::int32_t RawServiceRow::convertedNumber(ServiceColumn column) const {
-    std::optional<std::int32_t> const value = signedNumber(text(column));
+    std::string_view const digits = text(column);
+    if (digits.size() == 1 && digits[0] >= '0' && digits[0] <= '9')  // in a row of strings
+        return digits[0] - '0';
+    std::optional<std::int32_t> const value = signedNumber(digits);
     if (value)
         return *value;
     if (badColumn_ == nullptr)

@@ -92,14 +92,20 @@ class ServiceFindings {
         auto const [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
         if (isNew)
             findings_.push_back(finding);
-        findings_[known->second].viewer +=
-            (isNew ? " " : ", ") + displayName(list) + " (number " + row[kChannelNum] + ")";
+        constexpr int kMostLists = 5;
+        int const lists = ++lists_[known->second];
+        if (lists <= kMostLists)
+            findings_[known->second].viewer +=
+                (isNew ? " " : ", ") + displayName(list) + " (number " + row[kChannelNum] + ")";
+        else if (lists == kMostLists + 1)
+            findings_[known->second].viewer += " and others";
     }
     Findings const& findings() const { return findings_; }
 
   private:
     Findings findings_;
     std::map<std::string, std::size_t> known_;
+    std::map<std::size_t, int> lists_;
 };
 
 std::string quotedValue(Query const& rows, std::size_t column) {
@@ -116,9 +122,11 @@ void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
         std::string const name = column.owner == Owner::Item
                                      ? "FavoriteItem " + itemIds(list, row[kPid])
                                      : "Service " + row[kPid];
-        findings.add({"unreadable-number", name,
+        std::string const table = column.owner == Owner::Item ? "FavoriteItem" : "Service";
+        findings.add({"unreadable-number", Severity::Seen, name,
                       std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
-                      "the set takes it as 0 for " + row[kExternalName] + ", in"},
+                      "the set takes it as 0 for " + row[kExternalName] + ", in",
+                      "UPDATE " + table + " SET " + column.stored + " = 0 WHERE ..."},
                      list, row);
     }
 }
@@ -126,12 +134,13 @@ void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
 void checkLocator(List const& list, ResultRow const& row, ServiceFindings& findings) {
     bool const unknownType = sv.locator == "about:blank";
     if (sv.locator.empty() || unknownType) {
-        findings.add({"no-locator", "Service " + row[kPid],
-                      unknownType ? "Type " + row[kType] + " is no kind of delivery"
-                                  : "the tuning URI is null: a tuner or delivery row is missing, or"
-                                    " holds NULL",
-                      row[kExternalName] + " is shown, but cannot be tuned, in"},
-                     list, row);
+        findings.add(
+            {"no-locator", Severity::Tuning, "Service " + row[kPid],
+             unknownType ? "Type " + row[kType] + " is no kind of delivery"
+                         : "the tuning URI is null: a tuner or delivery row is missing, or"
+                           " holds NULL",
+             row[kExternalName] + " is shown, but cannot be tuned, in", "scan the service anew"},
+            list, row);
     }
 }
 
@@ -142,7 +151,7 @@ std::string serviceQuery() {
     return sql + " FROM FavoriteItemView WHERE FavoriteId = ? ORDER BY ChannelNum";
 }
 
-void checkServices(Findings& findings) {
+void checkServiceRows(Findings& findings) {
     dbaccess::initViews(db);
     Query rows(db, serviceQuery());
     ServiceFindings found;
@@ -174,9 +183,10 @@ void checkFolders(Findings& findings) {
         try {
             dbaccess::computeFolder(rows.columns(), row, &converted);
         } catch (boost::bad_lexical_cast const&) {
-            findings.push_back({"unreadable-number", "FavoriteList " + row[0],
+            findings.push_back({"unreadable-number", Severity::Seen, "FavoriteList " + row[0],
                                 "Attributes is " + quotedValue(rows, 4) + ", no number",
-                                "the set's overview of lists lacks " + row[2]});
+                                "the set's overview of lists lacks " + row[2],
+                                "UPDATE FavoriteList SET Attributes = 0 WHERE Pid = " + row[0]});
         }
     }
 }
@@ -184,7 +194,7 @@ void checkFolders(Findings& findings) {
 }  // namespace
 
 void checkConversion(Findings& findings) {
-    for (auto const check : {checkFolders, checkServices})
+    for (auto const check : {checkFolders, checkServiceRows})
         examine(
             "unreadable-number", findings, [&] { check(findings); });
 }

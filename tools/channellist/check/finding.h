@@ -4,15 +4,21 @@
 #include <string>
 #include <vector>
 
+#include "database/time_limit.h"
 #include "failure.h"
 
 namespace tool {
 
+// What suffers most, the worst first.
+enum class Severity { Edits, Seen, Tuning, Slow, Odd };
+
 struct Finding {
-    std::string rule;    // its name, "dangling-item"
+    std::string rule;  // its name, "dangling-item"
+    Severity severity;
     std::string row;     // the table and key, "FavoriteItem 812"
     std::string what;    // what is wrong with the row
     std::string viewer;  // what a viewer sees of it
+    std::string mend;    // the statement for the database's owner, or the tool's own command
 };
 
 using Findings = std::vector<Finding>;
@@ -20,11 +26,14 @@ using Findings = std::vector<Finding>;
 // Lets `look` add findings of a rule; what keeps it from looking is a finding itself.
 template <class Look>
 void examine(std::string const& rule, Findings& findings, Look look) {
+    TimeLimit::restart(rule);
     try {
         look();
     } catch (Failure const& failure) {
-        findings.push_back(
-            {rule, "rule " + rule, failure.what(), "whatever the rule looks for may be there too"});
+        findings.push_back({"unread", Severity::Seen, "rule " + rule,
+                            TimeLimit::isReached() ? TimeLimit::sentence() : failure.what(),
+                            "whatever the rule looks for may be there too",
+                            "mend the other findings first"});
     }
 }
 
@@ -32,10 +41,14 @@ void examine(std::string const& rule, Findings& findings, Look look) {
 
 // Damaged pages; missing tables, columns, keys and indexes; statements that SQLite refuses.
 void checkSchema(Findings& findings);
-// Rules that a query can tell: FAV lists, lists' own columns, dangling items, numbers, FavTags.
-void checkRows(Findings& findings);
+// Lists and their entries.
+void checkLists(Findings& findings);
+// Services, their transponders and channel numbers.
+void checkServices(Findings& findings);
 // Values that the library cannot convert: it takes 0 for a service's and leaves a list out.
 // Services that cannot be tuned.
 void checkConversion(Findings& findings);
+// Edits on a copy in memory, taken back and compared. `db` is the copy afterwards.
+void checkEdits(Findings& findings);
 
 }  // namespace tool

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <sstream>
 
-#include "check/finding.h"
+#include "check/rule.h"
 #include "database/query.h"
 
 namespace tool {
@@ -15,6 +16,7 @@ namespace {
 using Names = std::vector<std::string>;
 
 struct Table {
+    bool isView = false;
     std::map<std::string, std::string> columns;  // lower case, and as the table spells them
     Names keys;                                  // columns that begin the primary key
     Names indexed;  // columns that begin an index, their collation behind a blank
@@ -36,6 +38,11 @@ std::map<std::string, Names> const kOtherPlaces = {
 // Nothing for a table that does not exist.
 Table readTable(sqlite3* connection, std::string const& name) {
     Table table;
+    Query kind(connection, "SELECT 1 FROM sqlite_master WHERE type = 'view' AND lower(name) = ?");
+    std::string lower = name;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    table.isView = kind.bind(lower).next();
     Query columns(connection, "SELECT lower(name), name, pk FROM pragma_table_info(?)");
     columns.bind(name);
     while (columns.next()) {
@@ -91,9 +98,11 @@ void compareIndexes(std::string const& name, Table const& wanted, Table const& t
     }
     for (std::string const& column : missing) {
         if (table.columns.count(column) != 0) {
-            findings.push_back({"missing-index", name,
-                                "no index begins with " + wanted.columns.at(column),
-                                "lists or edits take long, the longer the larger the database"});
+            findings.push_back(
+                {"missing-index", Severity::Slow, name,
+                 "no index begins with " + wanted.columns.at(column),
+                 "lists or edits take long, the longer the larger the database",
+                 "CREATE INDEX ... ON " + name + " (" + wanted.columns.at(column) + ")"});
         }
     }
 }
@@ -101,17 +110,25 @@ void compareIndexes(std::string const& name, Table const& wanted, Table const& t
 void compare(std::string const& name, Table const& wanted, Findings& findings) {
     Table const table = readTable(db, name);
     if (table.columns.empty()) {
-        findings.push_back({"missing-table", name, "the table does not exist",
-                            "requests that read it give nothing; edits that write it fail"});
+        findings.push_back({"missing-table", Severity::Edits, name, "the table does not exist",
+                            "requests that read it give nothing; edits that write it fail",
+                            "CREATE TABLE " + name + " ..."});
         return;
+    }
+    if (table.isView) {
+        findings.push_back({"view-for-table", Severity::Edits, name, "is a view, not a table",
+                            "lists take long, and edits that write it fail", "make a table of it"});
     }
     for (auto const& [column, spelled] : wanted.columns) {
         if (table.columns.count(column) == 0 && !stands(name, column)) {
-            findings.push_back({"missing-column", name, "column " + spelled + " does not exist",
-                                "requests that read it give nothing; edits that write it fail"});
+            findings.push_back({"missing-column", Severity::Edits, name,
+                                "column " + spelled + " does not exist",
+                                "requests that read it give nothing; edits that write it fail",
+                                "ALTER TABLE " + name + " ADD COLUMN " + spelled + " ..."});
         }
     }
-    compareIndexes(name, wanted, table, findings);
+    if (!table.isView)
+        compareIndexes(name, wanted, table, findings);
 }
 
 // What a comparison of names cannot see, for example a column that two tables have.
@@ -120,9 +137,10 @@ void checkViews(Findings& findings) {
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_prepare_v2(db, "SELECT * FROM FavoriteItemView", -1, &statement, nullptr) !=
         SQLITE_OK) {
-        findings.push_back({"service-query", "FavoriteItemView",
+        findings.push_back({"service-query", Severity::Edits, "FavoriteItemView",
                             std::string("SQLite refuses the view: ") + sqlite3_errmsg(db),
-                            "no list shows a service"});
+                            "no list shows a service",
+                            "rename the column that two tables have, or add the missing one"});
     }
     sqlite3_finalize(statement);
 }
@@ -130,12 +148,43 @@ void checkViews(Findings& findings) {
 void checkPages(Findings& findings) {
     Query pages(db, "PRAGMA quick_check(20)");
     while (pages.next()) {
-        if (pages.text(0) != "ok") {
-            findings.push_back(
-                {"damage", "file", pages.text(0), "lists may end early or hold wrong entries"});
-        }
+        std::istringstream lines(pages.text(0));
+        for (std::string line; std::getline(lines, line);)
+            if (line != "ok" && line.compare(0, 3, "***") != 0)
+                findings.push_back({"damage", Severity::Edits, "file", line,
+                                    "lists may end early or hold wrong entries",
+                                    "channellist restore BACKUP, or a new scan"});
     }
 }
+
+// What is inserted into FavoriteItem without a value, and what stands in the way of the views.
+constexpr Rule kSchemaRules[] = {
+    {"default", Severity::Edits,
+     "SELECT 'FavoriteItem', 'column ' || name || ' is NOT NULL, and has no default'"
+     ", 'no favourite can be added'"
+     ", 'give the column a default'"
+     " FROM pragma_table_info('FavoriteItem') WHERE \"notnull\" AND dflt_value IS NULL AND pk = 0"
+     " AND lower(name) NOT IN ('serviceid', 'channelnum', 'favoriteid', 'originalfavoriteid')"},
+    {"default", Severity::Edits,
+     "SELECT 'FavoriteItem', 'the default of isDeleted is ' || ifnull(dflt_value, 'NULL') || ', "
+     "not 0'"
+     ", 'every added favourite is hidden at once'"
+     ", 'give the column the default 0'"
+     " FROM pragma_table_info('FavoriteItem') WHERE lower(name) = 'isdeleted'"
+     " AND ifnull(dflt_value, '') <> '0'"},
+    {"reserved-name", Severity::Seen,
+     "SELECT name, 'is a ' || type || ' of the database, and a name that the library takes'"
+     ", 'the library reads its own view of this name; other programs may read the other'"
+     ", 'ALTER TABLE ' || name || ' RENAME TO ...'"
+     " FROM sqlite_master WHERE lower(name) IN ('uriview', 'favoriteitemview')"},
+    {"lcn-index", Severity::Seen,
+     "SELECT list.name, 'is an index on Lcn (ServiceId, ' || x.name || ')'"
+     ", 'another row becomes the first of a service, and its channel number another one'"
+     ", 'DROP INDEX ' || list.name"
+     " FROM pragma_index_list('Lcn') list JOIN pragma_index_xinfo(list.name) f ON f.seqno = 0"
+     " AND lower(f.name) = 'serviceid' JOIN pragma_index_xinfo(list.name) x ON x.seqno = 1"
+     " AND x.key"},
+};
 
 }  // namespace
 
@@ -146,6 +195,7 @@ void checkSchema(Findings& findings) {
         for (auto const& [name, table] : expectedTables())
             compare(name, table, findings);
     });
+    applyAll(kSchemaRules, findings);
     checkViews(findings);
 }
 

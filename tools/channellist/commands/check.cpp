@@ -1,13 +1,14 @@
 // channellist check
+#include <algorithm>
 #include <iostream>
-#include <map>
 
 #include "check/finding.h"
+#include "check/report.h"
 #include "commands/commands.h"
 #include "database/session.h"
+#include "database/time_limit.h"
 #include "failure.h"
 #include "output/json_text.h"
-#include "output/text_table.h"
 
 namespace tool {
 namespace {
@@ -15,48 +16,44 @@ namespace {
 struct Options {
     bool json = false;
     bool all = false;
+    std::string failOn = "odd";
+    std::string seconds = "20";
 };
 
-void print(Findings const& findings, bool all) {
-    constexpr int kShown = 20;  // of a rule
-    std::map<std::string, int> counts;
-    for (Finding const& finding : findings) {
-        if (++counts[finding.rule] <= kShown || all) {
-            std::cout << displayText(finding.row) << ": " << displayText(finding.what) << "\n    "
-                      << displayText(finding.viewer) << "\n";
-        }
-    }
-    for (auto const& [rule, count] : counts)
-        if (count > kShown && !all)
-            std::cout << "and " << count - kShown << " more of " << rule << ", which --all shows\n";
-}
-
-void printObjects(Findings const& findings) {
-    Json list = Json::array();
-    for (Finding const& finding : findings) {
-        list.push_back({{"rule", finding.rule},
-                        {"row", finding.row},
-                        {"what", finding.what},
-                        {"viewer", finding.viewer}});
-    }
-    printJson(list);
+Findings look(Session& session) {
+    Findings findings;
+    for (auto const check : {checkSchema, checkLists, checkServices, checkConversion})
+        check(findings);
+    examine("edit", findings, [&] {
+        session.continueOnCopy();
+        checkEdits(findings);
+    });
+    TimeLimit::hideTask();
+    return findings;
 }
 
 int run(std::string const& database, Options const& options) {
-    Session const session(database);
-    Findings findings;
-    for (auto const check : {checkSchema, checkRows, checkConversion})
-        check(findings);
+    Severity const worst = severityOf(options.failOn);
+    auto const seconds = wholeNumber(options.seconds);
+    if (!seconds || *seconds < 1 || *seconds > 86400)
+        throw Failure("--seconds needs a number from 1 to 86400", kUsage);
+    TimeLimit::set(static_cast<int>(*seconds));
+    Session session(database);
+    Findings const findings = look(session);
+    TimeLimit::restart("");
     if (options.json) {
-        printObjects(findings);
+        printFindingsJson(findings);
     } else {
-        print(findings, options.all);
+        printFindings(findings, options.all);
         std::cout << (findings.empty() ? "No findings."
                                        : std::to_string(findings.size()) +
                                              (findings.size() == 1 ? " finding." : " findings."))
                   << "\n";
     }
-    return findings.empty() ? kSuccess : kFailure;
+    bool const isBad = std::any_of(findings.begin(), findings.end(), [&](Finding const& finding) {
+        return finding.severity <= worst;
+    });
+    return isBad ? kFailure : kSuccess;
 }
 
 }  // namespace
@@ -66,10 +63,15 @@ void addCheckCommand(CommandLine& line) {
     line.add("check", "Looks for what is wrong in a database, and what a viewer sees of it")
         .json(options->json)
         .flag("--all", options->all, "print every finding, however many a rule has")
+        .option("--fail-on", options->failOn,
+                "exit with 1 from this severity on: edits, seen, tuning, slow, odd (any)")
+        .option("--seconds", options->seconds, "of computing, for each rule (20)")
         .footer(
-            "It writes nothing. The exit code is 1 when something is found.\n"
+            "It writes nothing: edits are tried on a copy in memory. Findings that another one\n"
+            "explains are counted under it. The exit code is 1 when something is found.\n"
             "Examples:\n"
             "  channellist check\n"
+            "  channellist check --fail-on tuning\n"
             "  channellist check --db copy-of-servicelist.db --json | jq '.[].row'")
         .action([options](std::string const& database) { return run(database, *options); });
 }

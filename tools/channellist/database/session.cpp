@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "database/query.h"
+#include "database/time_limit.h"
 #include "database/waiting.h"
 #include "failure.h"
 
@@ -52,6 +53,19 @@ void checkContent(std::string const& path, int code) {
     }
 }
 
+// A database may come from anywhere: its schema runs no function that reaches out of it, and
+// nothing that it holds makes a text of any length or a statement without end.
+void guard(sqlite3* connection) {
+    constexpr int kMostBytes = 64 << 20;  // of a text; a service has a few hundred
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kMostBytes);
+    sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 1);
+    sqlite3_limit(connection, SQLITE_LIMIT_TRIGGER_DEPTH, 100);
+    TimeLimit::watch(connection);
+}
+
 void openChecked(std::string const& path, int flags, sqlite3*& connection) {
     if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) {
         int const reason = sqlite3_system_errno(connection);
@@ -59,6 +73,7 @@ void openChecked(std::string const& path, int flags, sqlite3*& connection) {
                       (reason != 0 ? std::strerror(reason) : sqlite3_errmsg(connection)));
     }
     sqlite3_busy_timeout(connection, kBusyTimeoutMilliseconds);
+    guard(connection);
 }
 
 void close(sqlite3*& connection) {

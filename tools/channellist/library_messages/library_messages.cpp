@@ -21,6 +21,7 @@ constexpr std::size_t kMostReasons = 5;
 
 std::unique_ptr<orvdebug::MessageFilter const> traced;
 std::vector<std::string> reasons;
+std::string last;
 
 // "file.cpp:12:name(): reason\n"
 std::string reasonOf(std::string const& message) {
@@ -37,6 +38,7 @@ void keepReason(char const* format, va_list arguments) {
     char text[1024];
     vsnprintf(text, sizeof text, format, arguments);
     std::string reason = reasonOf(text);
+    last = reason;
     if (reasons.size() < kMostReasons &&
         std::find(reasons.begin(), reasons.end(), reason) == reasons.end())
         reasons.push_back(std::move(reason));
@@ -47,6 +49,8 @@ void keepReason(char const* format, va_list arguments) {
 void traceMessages(std::string const& levels) {
     traced = std::make_unique<orvdebug::MessageFilter const>(levels);
 }
+
+std::string lastMessage() { return last; }
 
 void explainByMessages() {
     for (std::string const& reason : reasons)

@@ -13,4 +13,7 @@ void traceMessages(std::string const& levels);
 // in the library. Nothing where they have been written already.
 void explainByMessages();
 
+// The last of them that gives a reason of SQLite's, "" without one.
+std::string lastMessage();
+
 }  // namespace tool

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace channel_database {
 
@@ -14,7 +15,7 @@ inline int continuationBytes(unsigned char lead) {
 }
 
 /// Whether the text is UTF-8, judged by its lead and continuation bytes.
-inline bool isUtf8(std::string const& text) {
+inline bool isUtf8(std::string_view text) {
     int expected = 0;
     for (char const c : text) {
         auto const byte = static_cast<unsigned char>(c);

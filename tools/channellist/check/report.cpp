@@ -1,0 +1,129 @@
+#include "check/report.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+
+#include "output/json_text.h"
+#include "output/text_table.h"
+
+namespace tool {
+namespace {
+
+constexpr int kMostShown = 10;        // of a rule
+constexpr std::size_t kWidest = 200;  // of a text, in characters
+
+struct SeverityWord {
+    Severity severity;
+    char const* word;
+    char const* heading;
+};
+
+constexpr SeverityWord kWords[] = {
+    {Severity::Edits, "edits", "Breaks edits, or everything"},
+    {Severity::Seen, "seen", "Breaks what a viewer sees"},
+    {Severity::Tuning, "tuning", "Breaks tuning"},
+    {Severity::Slow, "slow", "Slows"},
+    {Severity::Odd, "odd", "Looks odd"},
+};
+
+struct Consequence {
+    char const* cause;
+    char const* rule;
+};
+
+// A rule's findings that another rule's explain.
+constexpr Consequence kConsequences[] = {
+    {"fav-lists", "fav-order"},
+    {"fav-lists", "fav-tag"},
+    {"fav-order", "fav-tag"},
+    {"all-list", "service-not-in-all"},
+    {"all-list", "service-in-no-list"},
+    {"missing-table", "unread"},
+    {"missing-table", "service-query"},
+    {"missing-column", "unread"},
+    {"missing-column", "service-query"},
+    {"missing-table", "edit"},
+    {"missing-column", "edit"},
+    {"damage", "unread"},
+    {"damage", "edit"},
+    {"default", "edit"},
+    {"view-for-table", "edit"},
+    {"service-query", "edit"},
+};
+
+std::string cut(std::string const& text) {
+    std::string const shown = displayText(text);
+    if (shown.size() <= kWidest)
+        return shown;
+    std::size_t end = kWidest;
+    while ((static_cast<unsigned char>(shown[end]) & 0xC0) == 0x80)
+        --end;
+    return shown.substr(0, end) + "...";
+}
+
+void print(Finding const& finding, bool all) {
+    auto const text = [all](std::string const& words) {
+        return all ? displayText(words) : cut(words);
+    };
+    std::cout << text(finding.row) << ": " << text(finding.what) << "\n    " << text(finding.viewer)
+              << "\n    To mend it: " << text(finding.mend) << "\n";
+}
+
+}  // namespace
+
+std::string wordFor(Severity severity) { return kWords[static_cast<std::size_t>(severity)].word; }
+
+Severity severityOf(std::string const& word) {
+    for (SeverityWord const& each : kWords)
+        if (word == each.word)
+            return each.severity;
+    throw Failure("'" + word + "' is none of edits, seen, tuning, slow and odd", kUsage);
+}
+
+void printFindings(Findings findings, bool all) {
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](Finding const& a, Finding const& b) { return a.severity < b.severity; });
+    std::map<std::string, int> counts;
+    for (Finding const& finding : findings)
+        ++counts[finding.rule];
+    std::map<std::string, char const*> causes;  // of rules
+    for (Consequence const& each : kConsequences)
+        if (!all && counts.count(each.cause) != 0 && counts.count(each.rule) != 0)
+            causes.emplace(each.rule, each.cause);
+    std::map<std::string, int> shown;
+    auto const* heading = "";
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        Finding const& finding = findings[i];
+        char const* const own = kWords[static_cast<std::size_t>(finding.severity)].heading;
+        if (causes.count(finding.rule) != 0 || (++shown[finding.rule] > kMostShown && !all))
+            continue;
+        if (std::string(heading) != own)
+            std::cout << own << ":\n";
+        heading = own;
+        print(finding, all);
+        for (auto const& [rule, cause] : causes)
+            if (cause == finding.rule && shown[finding.rule] == 1)
+                std::cout << "    " << counts[rule] << " of " << rule << " may follow from it\n";
+    }
+    for (auto const& [rule, count] : shown)
+        if (count > kMostShown && !all)
+            std::cout << "and " << count - kMostShown << " more of " << rule << "\n";
+    if (!findings.empty() && !all)
+        std::cout << "--all shows every finding.\n";
+}
+
+void printFindingsJson(Findings const& findings) {
+    Json list = Json::array();
+    for (Finding const& finding : findings) {
+        list.push_back({{"rule", finding.rule},
+                        {"severity", wordFor(finding.severity)},
+                        {"row", finding.row},
+                        {"what", finding.what},
+                        {"viewer", finding.viewer},
+                        {"mend", finding.mend}});
+    }
+    printJson(list);
+}
+
+}  // namespace tool
