@@ -3,7 +3,9 @@
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include <iterator>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "benchmark_database.h"
 #include "by_turns.h"
@@ -65,6 +67,29 @@ void serviceList(benchmark::State& state, Indexes indexes) {
                        {"sqlitecpp", [&] { plainCopy.read(); }}});
 }
 
+// The first request of a process: a connection, the schema and the views come before the list.
+void firstRequest(benchmark::State& state) {
+    int const services = static_cast<int>(state.range(0));
+    DatabaseCopy const file({services});
+    auto onNewConnection = [&](auto const& work) {
+        Connection const connection(file.path());
+        db = connection.get();
+        work();
+    };
+    sqlite3* recorded = nullptr;
+    std::optional<Recording> statements;
+    onNewConnection([&] {
+        statements.emplace(std::vector<sqlite3*>{db}, [&] { readServiceList(services); });
+        recorded = db;
+    });
+    auto const replay = [&] {
+        statements->redirect(std::exchange(recorded, db), db);
+        statements->replay();
+    };
+    runByTurns(state, {{"library", [&] { onNewConnection([&] { readServiceList(services); }); }},
+                       {"floor", [&] { onNewConnection(replay); }}});
+}
+
 void folderList(benchmark::State& state) {
     DatabaseCopy const file({1000});
     Connection const connection(file.path());
@@ -120,6 +145,8 @@ void sizes(benchmark::internal::Benchmark* read) {
 
 BENCHMARK_CAPTURE(serviceList, indexed, Indexes::Recommended)->Apply(sizes)->Iterations(31);
 BENCHMARK_CAPTURE(serviceList, bare, Indexes::PrimaryKeysOnly)->Apply(sizes)->Iterations(3);
+BENCHMARK_CAPTURE(serviceList, indexed, Indexes::Recommended)->Arg(12)->Apply(manyRounds);
+BENCHMARK(firstRequest)->Arg(12)->Apply(manyRounds);
 BENCHMARK(folderList)->Arg(kListCount)->Apply(manyRounds);
 BENCHMARK(requestWithoutRows)->Apply(manyRounds);
 BENCHMARK(resultMemory)->Arg(20000)->Iterations(1);

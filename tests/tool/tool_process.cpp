@@ -27,7 +27,7 @@ void fill(ChannelDatabase& d) {
     Service const services[] = {
         d.dvbs("Das Erste", 1).triplet(1, 1019, 10301).frequency(12604000).nitId(1),
         d.dvbs2("ZDF HD", 2).triplet(1, 1011, 11110).hdtv(),
-        d.dvbs("VOX", 3).triplet(1, 1089, 12060).encrypted().bissKey("12AB"),
+        d.dvbs("VOX", 3).triplet(1, 1089, 12060).encrypted().bissKey("1234567890AB"),
         d.dvbt("テレビ東京", 4).triplet(2, 7, 9).set("ParentalLock", 1),
         d.dvbc("Jazz", 5).triplet(3, 8, 10).radio(),
         d.dvbc("ZDF HD", 6).triplet(4, 8, 11110),

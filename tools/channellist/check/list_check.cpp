@@ -66,7 +66,7 @@ constexpr Rule kRules[] = {
      "SELECT 'FavoriteList ' || l.Pid, 'MaxChannelNumber is ' || quote(MaxChannelNumber)"
      " || ', and the highest number ' || n.Highest"
      ", 'a client that trusts it may put a new entry on a number that is taken'"
-     ", 'channellist edit FAV' || substr(Creator, 12) || ' --renumber'"
+     ", 'channellist edit FAV' || substr(Creator, 11) || ' --renumber'"
      " FROM FavoriteList l JOIN (SELECT FavoriteId, max(ChannelNum) AS Highest FROM FavoriteItem"
      " WHERE isDeleted = 0 AND typeof(ChannelNum) = 'integer' GROUP BY FavoriteId) n"
      " ON n.FavoriteId = l.Pid WHERE Creator LIKE 'User.tvFAV%' AND MaxChannelNumber <> 0"
@@ -176,7 +176,8 @@ void checkFavList(List const& list, Findings& findings) {
     std::string const digit = std::to_string(list.favIndex);
     std::string const tag = list.favIndex == 1 ? "FavTag" : "FavTag" + digit;
     if (displayName(list) != "FAV" + digit) {
-        findings.push_back({"fav-order", Severity::Edits, "FavoriteList " + std::to_string(list.pid),
+        findings.push_back({"fav-order", Severity::Edits,
+                            "FavoriteList " + std::to_string(list.pid),
                             displayName(list) + " is the FAV list in place " + digit,
                             "edits of " + displayName(list) + " mark their services as FAV" +
                                 digit + ", and keep its OTT numbers free",

@@ -92,6 +92,7 @@ void printFindings(Findings findings, bool all) {
         if (!all && counts.count(each.cause) != 0 && counts.count(each.rule) != 0)
             causes.emplace(each.rule, each.cause);
     std::map<std::string, int> shown;
+    bool isCut = !causes.empty();
     auto const* heading = "";
     for (std::size_t i = 0; i < findings.size(); ++i) {
         Finding const& finding = findings[i];
@@ -106,10 +107,13 @@ void printFindings(Findings findings, bool all) {
             if (cause == finding.rule && shown[finding.rule] == 1)
                 std::cout << "    " << counts[rule] << " of " << rule << " may follow from it\n";
     }
-    for (auto const& [rule, count] : shown)
-        if (count > kMostShown && !all)
-            std::cout << "and " << count - kMostShown << " more of " << rule << "\n";
-    if (!findings.empty() && !all)
+    for (auto const& [rule, count] : shown) {
+        if (count <= kMostShown || all)
+            continue;
+        std::cout << "and " << count - kMostShown << " more of " << rule << "\n";
+        isCut = true;
+    }
+    if (isCut)
         std::cout << "--all shows every finding.\n";
 }
 

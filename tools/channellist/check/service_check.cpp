@@ -1,16 +1,21 @@
 // Services, their transponders and channel numbers.
+#include <channellist-access/db_access.h>
+
 #include "check/rule.h"
+#include "database/query.h"
 
 namespace tool {
 namespace {
 
 // The tuner of a DVB service, whatever its kind: all have a frequency.
-#define EVERY_TUNER                                                             \
-    "(SELECT TunerId, Frequency FROM DvbTTuner UNION ALL SELECT TunerId, Frequency FROM DvbT2Tuner" \
-    " UNION ALL SELECT TunerId, Frequency FROM DvbCTuner UNION ALL SELECT TunerId, Frequency"      \
-    " FROM DvbC2Tuner UNION ALL SELECT TunerId, Frequency FROM DvbSTuner UNION ALL SELECT TunerId," \
+#define EVERY_TUNER                                                                           \
+    "(SELECT TunerId, Frequency FROM DvbTTuner UNION ALL SELECT TunerId, Frequency FROM "     \
+    "DvbT2Tuner"                                                                              \
+    " UNION ALL SELECT TunerId, Frequency FROM DvbCTuner UNION ALL SELECT TunerId, Frequency" \
+    " FROM DvbC2Tuner UNION ALL SELECT TunerId, Frequency FROM DvbSTuner UNION ALL SELECT "   \
+    "TunerId,"                                                                                \
     " Frequency FROM DvbS2Tuner)"
-#define EVERY_SATELLITE_TUNER                                                          \
+#define EVERY_SATELLITE_TUNER                                                                \
     "(SELECT 'DvbSTuner' AS Kind, TunerId, Satellite, Polarization FROM DvbSTuner UNION ALL" \
     " SELECT 'DvbS2Tuner', TunerId, Satellite, Polarization FROM DvbS2Tuner)"
 
@@ -99,14 +104,6 @@ constexpr Rule kRules[] = {
      " OR typeof(Polarization) <> 'integer' OR Polarization NOT BETWEEN 0 AND 4)"
      " GROUP BY Kind, t.TunerId"},
 
-    {"frontend", Severity::Tuning,
-     "SELECT 'Tuner ' || t.TunerId, 'Frontend is ' || quote(Frontend) || ', no delivery system'"
-     ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
-     ", 'UPDATE Tuner SET Frontend = ... WHERE TunerId = ' || t.TunerId"
-     " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
-     " WHERE Frontend NOT NULL AND (typeof(Frontend) <> 'integer' OR Frontend NOT BETWEEN 1 AND 8)"
-     " GROUP BY t.TunerId"},
-
     {"uri", Severity::Tuning,
      "SELECT 'Service ' || Pid, 'Uri is ' || quote(Uri) || ', no tuning URI'"
      ", ifnull(Name, 'the service') || ' is shown, but cannot be tuned'"
@@ -140,10 +137,28 @@ constexpr Rule kRules[] = {
      " FROM Service WHERE bissKey <> '' AND (length(bissKey) NOT IN (12, 16, 32)"
      " OR bissKey GLOB '*[^0-9A-Fa-f]*')"},
 };
+
+// Where the column stands in this table, and not in those of the kinds.
+constexpr Rule kFrontend =
+    {"frontend", Severity::Tuning,
+     "SELECT 'Tuner ' || t.TunerId, 'Frontend is ' || quote(Frontend) || ', no delivery system'"
+     ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
+     ", 'UPDATE Tuner SET Frontend = ... WHERE TunerId = ' || t.TunerId"
+     " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
+     " WHERE Frontend NOT NULL AND (typeof(Frontend) <> 'integer' OR Frontend NOT BETWEEN 1 AND 8)"
+     " GROUP BY t.TunerId"};
 // clang-format on
 
 }  // namespace
 
-void checkServices(Findings& findings) { applyAll(kRules, findings); }
+void checkServices(Findings& findings) {
+    applyAll(kRules, findings);
+    examine(kFrontend.name, findings, [&] {
+        if (queryNumber(db,
+                        "SELECT count(*) FROM pragma_table_info('Tuner') WHERE lower(name) ="
+                        " 'frontend'") != 0)
+            apply(kFrontend, kFrontend.sql, findings);
+    });
+}
 
 }  // namespace tool
