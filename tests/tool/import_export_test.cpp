@@ -181,7 +181,7 @@ TEST_F(ToolTest, WritesGroupsGapsAndMarksOfAList) {
               "Jazz:394000:M256:C:6900:0:0:0:0:10:3:8:0\n"
               ":FAV2\n"
               "#channellist 1 hidden VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
-              ":$av\n"
+              ":inputs\n"
               "#channellist 1  shown   HDMI 1  -  id:7\n");
 }
 

@@ -9,14 +9,14 @@ namespace {
 
 TEST_F(ToolTest, ShowsTheListsAsTheSetOrdersThem) {
     EXPECT_EQ(output("folders"),
-              "Name   FAV   Kind      Network    Tag  Capability  UUID\n"
-              "-----  ----  --------  -------  -----  ----------  -------\n"
-              "Astra        delivery        0      0          50  u-astra\n"
-              "Mine   FAV1  user TV         0      0          63  u-fav1\n"
-              "FAV2   FAV2  user TV         0      0          63  u-fav2\n"
-              "FAV3   FAV3  user TV         0      0          63  u-fav3\n"
-              "FAV4   FAV4  user TV         0  65535          63  u-fav4\n"
-              "#3051        inputs          0      0          63  u-av\n");
+              "Name    FAV   Kind      Network    Tag  Capability  UUID\n"
+              "------  ----  --------  -------  -----  ----------  -------\n"
+              "Astra         delivery        0      0          50  u-astra\n"
+              "Mine    FAV1  user TV         0      0          63  u-fav1\n"
+              "FAV2    FAV2  user TV         0      0          63  u-fav2\n"
+              "FAV3    FAV3  user TV         0      0          63  u-fav3\n"
+              "FAV4    FAV4  user TV         0  65535          63  u-fav4\n"
+              "inputs        inputs          0      0          63  u-av\n");
 }
 
 TEST_F(ToolTest, ShowsServicesWithAlignedNamesAndStatesInWords) {
@@ -83,21 +83,93 @@ TEST_F(ToolTest, AnswersTheLookups) {
     expect({"scramble", 1, nullptr, "no list of Astra 19.2E holds an anchor service"});
 }
 
-TEST_F(ToolTest, NamesAListInEveryWayThatIsUnique) {
-    for (char const* name : {"u-fav1", "FAV1", "Mine"})
-        expect({(std::string("services ") + name).c_str(), 0, "Jazz", nullptr});
-    for (char const* name : {"u-all", "'$all'", "all"})
-        expect({(std::string("services ") + name).c_str(), 0, "テレビ東京", nullptr});
-    expect({"services av", 0, "1       HDMI 1  HDMI", nullptr});
+TEST_F(ToolTest, NamesAListAsAPersonWritesIt) {
     change(
         "UPDATE FavoriteList SET Name = 'all' WHERE Pid = 12;"
         "UPDATE FavoriteList SET Uuid = '' WHERE Pid = 13;"
-        "UPDATE FavoriteList SET Uuid = 'FAV1' WHERE Pid = 14");
-    expect({"services all", 1, nullptr,
-            "several lists are called 'all', name one by its uuid: u-all, u-fav2"});
-    expect({"services ''", 1, nullptr, "no list has the uuid or name ''"});
-    expect({"services FAV3", 1, nullptr, "the list 'FAV3' has no uuid, so no request can name it"});
-    expect({"attributes FAV1", 0, "FAV4", nullptr});
+        "UPDATE FavoriteList SET Uuid = 'FAV1', Name = 'Ärzte im Dienst' WHERE Pid = 14");
+    char const* const cases[][2] = {
+        {"FAV1", "u-fav1"}, {"u-fav1", "u-fav1"},   {"Mine", "u-fav1"},  {"mINE", "u-fav1"},
+        {"fav2", "u-fav2"}, {"all", "u-all"},       {"'$all'", "u-all"}, {"inputs", "u-av"},
+        {"av", "u-av"},     {"'ärzte im'", "FAV1"}, {"ASTR", "u-astra"}, {"u-fav2", "u-fav2"}};
+    for (auto const& [name, uuid] : cases) {
+        output(std::string("attributes --json ") + name);
+        EXPECT_THAT(out, HasSubstr("\"uuid\": \"" + std::string(uuid) + "\"")) << name;
+    }
+    Invocation const refused[] = {
+        {"services a", 1, nullptr,
+         "several lists are called 'a', name one by its uuid: u-all (all)"},
+        {"services ''", 1, nullptr, "no list has the uuid or name ''"},
+        {"services Asrta", 1, nullptr,
+         "no list has the uuid or name 'Asrta'; did you mean 'Astra'?"},
+        {"services FAV3", 1, nullptr, "the list 'FAV3' has no uuid, so no request can name it"}};
+    for (Invocation const& each : refused)
+        expect(each);
+}
+
+TEST_F(ToolTest, FiltersAndSortsTheServicesOfAList) {
+    char const* const cases[][2] = {
+        {"--radio", "Jazz"},
+        {"--tv --hd", "ZDF HD"},
+        {"--free --delivery satellite --sort name", "Das Erste,ZDF HD"},
+        {"--delivery cable --sort triplet", "Jazz,ZDF HD"},
+        {"--match zdf", "ZDF HD,ZDF HD"},
+        {"--match 東", "テレビ東京"},
+        {"--sort number --match s", "Das Erste"},
+        {"--hidden", "Jazz"},
+    };
+    for (auto const& [options, names] : cases) {
+        output(std::string("services all --json ") + options);
+        std::string found;
+        for (auto at = out.find("\"name\": \""); at != std::string::npos;
+             at = out.find("\"name\": \"", at + 1))
+            found +=
+                (found.empty() ? "" : ",") + out.substr(at + 9, out.find('"', at + 9) - at - 9);
+        EXPECT_EQ(found, names) << options;
+    }
+    expect({"services all --sort size", 2, nullptr, "--sort takes one of number, name, triplet"});
+    expect({"services all --raw --tv", 2, nullptr, "--raw prints the rows as the library"});
+}
+
+TEST_F(ToolTest, FindsAServiceInEveryList) {
+    Invocation const runs[] = {
+        {"find vox", 0,
+         "VOX   TV    satellite  1-1089-12060   3  all 3, FAV1 3, FAV2 1 (hidden), "
+         "Astra 2\n",
+         nullptr},
+        {"find zdf hd", 0, "1-1011-11110   2  all 2, FAV1 2\n", nullptr},
+        {"find テレビ --json", 0, "\"all 4\"\n", nullptr},
+        {"find id:7", 0, "HDMI 1", nullptr},
+        {"find 3-8-10", 0, "Jazz", nullptr},
+        {"find service-4", 0, "テレビ東京", nullptr},
+        {"find vox hd", 1, nullptr, "no service has 'vox hd' in its name, id, triplet or uuid"},
+    };
+    for (Invocation const& each : runs)
+        expect(each);
+}
+
+// By uuid, triplet or name, whatever the keys: a new scan numbers the services anew.
+TEST_F(ToolTest, ComparesTwoDatabases) {
+    output("backup old.db");
+    expect({"diff old.db", 0, "0 services came, 0 went, 0 renamed, 0 on another transponder; 0 ",
+            nullptr});
+    change(
+        "UPDATE FavoriteItem SET ServiceId = ServiceId + 100;"
+        "UPDATE DvbService SET ServiceId = ServiceId + 100;"
+        "UPDATE AnalogService SET ServiceId = ServiceId + 100;"
+        "UPDATE Service SET Pid = Pid + 100;"
+        "UPDATE Service SET Uuid = 'other' WHERE Name = 'VOX';"
+        "UPDATE Service SET Name = 'ARD' WHERE Name = 'Das Erste';"
+        "UPDATE DvbCTuner SET Frequency = 500000;"
+        "DELETE FROM FavoriteItem WHERE ServiceId = 104; DELETE FROM Service WHERE Pid = 104;"
+        "UPDATE FavoriteItem SET ChannelNum = 9 WHERE FavoriteId = 11 AND ServiceId = 102");
+    output("diff old.db set.db");
+    EXPECT_THAT(out, HasSubstr("FAV1  moved         2      9  ZDF HD"));
+    EXPECT_THAT(out, HasSubstr("all   removed       4         テレビ東京"));
+    EXPECT_THAT(out, HasSubstr("Jazz    cable 394000 kHz 6900  cable 500000 kHz 6900"));
+    EXPECT_THAT(out, HasSubstr("0 services came, 1 went, 1 renamed, 2 on another transponder; 2 "));
+    expect({"diff set.db old.db --json", 0, "\"came\": 1,\n  \"went\": 0,", nullptr});
+    expect({"diff missing.db", 1, nullptr, "there is no database missing.db"});
 }
 
 // Whatever a column holds, a command ends with an exit code of its own, and what keeps a list from

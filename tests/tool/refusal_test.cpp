@@ -7,9 +7,9 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr char const* kCommands[] = {"folders",  "services", "attributes", "edit",  "anchor",
-                                     "scramble", "biss",     "ott",        "check", "driver",
-                                     "import",   "export",   "list"};
+constexpr char const* kCommands[] = {
+    "folders", "services", "attributes", "edit", "anchor", "scramble", "biss",   "ott",     "check",
+    "driver",  "import",   "export",     "list", "find",   "diff",     "backup", "restore", "undo"};
 
 TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
     std::string const manual = content(TOOL_SOURCE "/channellist.1");

@@ -21,7 +21,7 @@ TEST_F(ToolTest, TakesBackWhatEachCommandWrote) {
     char const* const commands[][2] = {
         {"edit FAV1 remove 1 hide 3 move 5 to 2 --renumber", "FAV1"},
         {"edit FAV1 --renumber", "FAV1"},
-        {"edit all hide VOX move 6 to 1 --renumber", "$all, FAV1, FAV2, FAV3, FAV4"},
+        {"edit all hide VOX move 6 to 1 --renumber", "all, FAV1, FAV2, FAV3, FAV4"},
         {"edit Astra move 2 to 1", "Astra"},
         {"import --favourites favourites", "FAV1, FAV2, FAV3"},
         {"import channels set.db --force", "the whole database"},

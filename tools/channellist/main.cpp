@@ -12,7 +12,7 @@ int runTool(int argc, char** argv) {
     using namespace tool;
     CommandLine line;
     for (auto const add :
-         {addFoldersCommand, addServicesCommand, addAttributesCommand, addEditCommand,
+         {addFoldersCommand, addServicesCommand, addFindCommand, addDiffCommand, addAttributesCommand, addEditCommand,
           addListCommand, addAnchorCommand, addScrambleCommand, addBissCommand, addOttCommand,
           addCheckCommand, addDriverCommand, addImportCommand, addExportCommand, addBackupCommand,
           addRestoreCommand, addUndoCommand})

@@ -33,7 +33,7 @@ void addBackupCommand(CommandLine& line) {
         .argument("FILE", *file, "the copy; an existing file is never replaced")
         .footer(
             "The copy is one state of the database, and appears whole.\n\n"
-            "Example:\n"
+            "Examples:\n"
             "  channellist backup before-the-scan.db")
         .action([file](std::string const& database) { return run(database, *file); });
 }

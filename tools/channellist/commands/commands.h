@@ -23,6 +23,8 @@ void addBissCommand(CommandLine& line);
 void addListCommand(CommandLine& line);
 void addOttCommand(CommandLine& line);
 void addCheckCommand(CommandLine& line);
+void addDiffCommand(CommandLine& line);
+void addFindCommand(CommandLine& line);
 void addDriverCommand(CommandLine& line);
 void addImportCommand(CommandLine& line);
 void addExportCommand(CommandLine& line);

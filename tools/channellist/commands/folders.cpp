@@ -36,6 +36,12 @@ std::string kindOf(ResultRow const& folder) {
     }
 }
 
+// The number of a translated name means nothing to a reader, and nothing to the other commands.
+std::string nameOf(ResultRow const& folder) {
+    std::string const kind = kindOf(folder);
+    return kind == "all services" ? "all" : kind == "inputs" ? kind : folder[FOLDER_FIELD_CAPTION];
+}
+
 void printTable(std::vector<ResultRow> const& folders) {
     TextTable table({{"Name"},
                      {"FAV"},
@@ -45,7 +51,7 @@ void printTable(std::vector<ResultRow> const& folders) {
                      {"Capability", Align::Right},
                      {"UUID"}});
     for (ResultRow const& folder : folders) {
-        table.add({folder[FOLDER_FIELD_CAPTION], folder[FOLDER_FIELD_FAV_NAME], kindOf(folder),
+        table.add({nameOf(folder), folder[FOLDER_FIELD_FAV_NAME], kindOf(folder),
                    folder[FOLDER_FIELD_NETWORK_ID], folder[FOLDER_FIELD_UPDATE_TAG],
                    folder[FOLDER_FIELD_CAPABILITY], folder[FOLDER_FIELD_UUID]});
     }
@@ -55,7 +61,7 @@ void printTable(std::vector<ResultRow> const& folders) {
 void printObjects(std::vector<ResultRow> const& folders) {
     Json list = Json::array();
     for (ResultRow const& folder : folders) {
-        list.push_back({{"name", folder[FOLDER_FIELD_CAPTION]},
+        list.push_back({{"name", nameOf(folder)},
                         {"uuid", folder[FOLDER_FIELD_UUID]},
                         {"fav", folder[FOLDER_FIELD_FAV_NAME]},
                         {"kind", kindOf(folder)},

@@ -9,6 +9,7 @@
 #include "failure.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
+#include "services/service_filter.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 
@@ -18,6 +19,7 @@ namespace {
 struct Options {
     std::string list;
     Format format;
+    ServiceFilter filter;
 };
 
 void printTable(std::vector<ResultRow> const& services) {
@@ -88,9 +90,14 @@ void printObjects(std::vector<ResultRow> const& services) {
 }
 
 int run(std::string const& database, Options const& options) {
+    if (options.format.raw && options.filter.isSet())
+        throw Failure("--raw prints the rows as the library gives them: all, and in its order",
+                      kUsage);
     Session const session(database);
     List const list = findList(options.list);
-    Rows const services = options.format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
+    Rows services = options.format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
+    if (!options.format.raw)
+        services.rows = filtered(std::move(services.rows), options.filter);
     if (options.format.raw)
         (options.format.json ? printRawJson : printRaw)(services.rows);
     else
@@ -108,9 +115,19 @@ void addServicesCommand(CommandLine& line) {
         .argument("LIST", options->list, "uuid, or a name that only one list has: FAV1, all")
         .json(options->format.json)
         .flag("--raw", options->format.raw, kRawHelp)
+        .flag("--tv", options->filter.tv, "TV services alone")
+        .flag("--radio", options->filter.radio, "radio services alone")
+        .flag("--hd", options->filter.hd, "high definition alone")
+        .flag("--free", options->filter.free, "none that is scrambled")
+        .flag("--hidden", options->filter.hidden, "hidden and deleted ones alone")
+        .option("--delivery", options->filter.delivery,
+                "satellite, cable, terrestrial, analogue or IP alone")
+        .option("--match", options->filter.match, "names that hold this, whatever its case")
+        .option("--sort", options->filter.sort, "by number, name or triplet (the order of the set)")
         .footer(
             "Examples:\n"
             "  channellist services FAV1\n"
+            "  channellist services all --tv --hd --free --sort name\n"
             "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"deleted\")'\n"
             "  channellist services all --raw")
         .action([options](std::string const& database) { return run(database, *options); });

@@ -6,6 +6,7 @@
 
 #include "database/query.h"
 #include "failure.h"
+#include "output/folded_text.h"
 
 namespace tool {
 namespace {
@@ -19,18 +20,55 @@ std::string favName(List const& list) {
                : std::string();
 }
 
-bool isCalled(List const& list, std::string const& word) {
-    if (word.empty())
-        return false;
-    return list.name == word || favName(list) == word || (word == "all" && isAllList(list)) ||
-           (word == "av" && list.creator == "tamun.sl2.servicelist$av");
+bool isInputList(List const& list) { return list.creator == "tamun.sl2.servicelist$av"; }
+
+// From the surest to the least sure way in which a word can mean a list.
+bool isReserved(List const& list, std::string const& word) {
+    return favName(list) == word || (word == "all" && isAllList(list)) ||
+           ((word == "inputs" || word == "av") && isInputList(list));
+}
+
+bool hasUuid(List const& list, std::string const& word) { return list.uuid == word; }
+
+bool isCalled(List const& list, std::string const& word) { return list.name == word; }
+
+bool isCalledCaseBlind(List const& list, std::string const& word) {
+    return folded(list.name) == folded(word) || folded(displayName(list)) == folded(word);
+}
+
+bool holds(List const& list, std::string const& word) {
+    return folded(list.name).find(folded(word)) != std::string::npos;
+}
+
+std::vector<List> listsMeantBy(std::string const& word, std::vector<List> const& lists) {
+    std::vector<List> meant;
+    for (auto const fits : {isReserved, hasUuid, isCalled, isCalledCaseBlind, holds}) {
+        std::copy_if(lists.begin(), lists.end(), std::back_inserter(meant),
+                     [&](List const& list) { return !word.empty() && fits(list, word); });
+        if (!meant.empty())
+            break;
+    }
+    return meant;
 }
 
 std::string candidates(std::vector<List> const& lists) {
     std::string text;
     for (List const& list : lists)
-        text += (text.empty() ? "" : ", ") + list.uuid;
+        text += (text.empty() ? "" : ", ") + list.uuid +
+                (displayName(list) == list.uuid ? "" : " (" + displayName(list) + ")");
     return text;
+}
+
+// The names that a slip of the fingers is away.
+std::string didYouMean(std::string const& word, std::vector<List> const& lists) {
+    std::string text;
+    for (List const& list : lists) {
+        std::string const name = displayName(list);
+        std::size_t const slips = word.size() <= 4 ? 1 : 2;
+        if (editDistance(folded(name), folded(word)) <= slips)
+            text += (text.empty() ? "; did you mean '" : " or '") + name + "'";
+    }
+    return text.empty() ? "; \"channellist folders\" shows the lists" : text + "?";
 }
 
 }  // namespace
@@ -56,16 +94,9 @@ std::vector<List> allLists() {
 
 List findList(std::string const& word) {
     std::vector<List> const lists = allLists();
-    for (List const& list : lists)
-        if (!list.uuid.empty() && list.uuid == word)
-            return list;
-    std::vector<List> called;
-    std::copy_if(lists.begin(), lists.end(), std::back_inserter(called),
-                 [&](List const& list) { return isCalled(list, word); });
-    if (called.empty()) {
-        throw Failure("no list has the uuid or name '" + word +
-                      "'; \"channellist folders\" shows the lists");
-    }
+    std::vector<List> const called = listsMeantBy(word, lists);
+    if (called.empty())
+        throw Failure("no list has the uuid or name '" + word + "'" + didYouMean(word, lists));
     if (called.size() > 1) {
         throw Failure("several lists are called '" + word +
                       "', name one by its uuid: " + candidates(called));
@@ -81,6 +112,10 @@ std::string displayName(List const& list) {
     std::string fav = favName(list);
     if (!fav.empty())
         return fav;
+    if (isAllList(list))
+        return "all";
+    if (isInputList(list))
+        return "inputs";
     return list.name.empty() ? list.uuid : list.name;
 }
 

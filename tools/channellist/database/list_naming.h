@@ -17,14 +17,16 @@ struct List {
 // Every list of the open database, also those that viewers cannot browse.
 std::vector<List> allLists();
 
-// The list whose uuid is `word`, or the only one that is called so: by its name, by FAV1 to FAV4,
-// or "all" and "av" for the lists of all services and of the inputs. Throws Failure.
+// FAV1 to FAV4, "all", or "inputs" ("av"); else the list whose uuid is `word`; else the only one of
+// that name; else the only one whose name differs in case alone, or that holds `word`. Throws Failure,
+// which tells what may have been meant.
 List findList(std::string const& word);
 
 // Whether it is the list of all services.
 bool isAllList(List const& list);
 
-// The list's name for a reader: FAV1 to FAV4, else the stored name, else the uuid.
+// The list's name for a reader, which findList takes: FAV1 to FAV4, "all", "inputs", else the stored
+// name, else the uuid.
 std::string displayName(List const& list);
 
 }  // namespace tool

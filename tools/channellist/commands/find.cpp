@@ -1,0 +1,100 @@
+// channellist find WORD...
+#include <channellist-access/field_ids.h>
+
+#include <algorithm>
+#include <iostream>
+
+#include "commands/commands.h"
+#include "database/session.h"
+#include "failure.h"
+#include "output/folded_text.h"
+#include "output/json_text.h"
+#include "output/text_table.h"
+#include "services/database_content.h"
+#include "services/service_words.h"
+
+namespace tool {
+namespace {
+
+std::string tripletOf(ResultRow const& service) {
+    return service[SERVICE_FIELD_ORIGINAL_NETWORK_ID] + "-" +
+           service[SERVICE_FIELD_TRANSPORT_STREAM_ID] + "-" + service[SERVICE_FIELD_SERVICE_ID];
+}
+
+// A part of the name, or what names the service alone.
+bool isMeant(ResultRow const& service, std::string const& word) {
+    return folded(service[SERVICE_FIELD_CAPTION]).find(folded(word)) != std::string::npos ||
+           "id:" + service[SERVICE_FIELD_PID] == word || tripletOf(service) == word ||
+           service[SERVICE_FIELD_UUID] == word;
+}
+
+std::vector<ServicePlaces> servicesWith(std::vector<std::string> const& words) {
+    std::vector<ServicePlaces> found;
+    for (auto& [id, places] : placesOfServices(readAllLists())) {
+        bool const isFound = std::all_of(words.begin(), words.end(), [&](std::string const& word) {
+            return isMeant(places.service, word);
+        });
+        if (isFound)
+            found.push_back(places);
+    }
+    return found;
+}
+
+void print(std::vector<ServicePlaces> const& found) {
+    TextTable table(
+        {{"Name"}, {"Kind"}, {"Delivery"}, {"Triplet"}, {"Id", Align::Right}, {"Lists"}});
+    for (ServicePlaces const& each : found) {
+        table.add({each.service[SERVICE_FIELD_CAPTION], kindOf(each.service),
+                   deliveryOf(each.service), tripletOf(each.service),
+                   each.service[SERVICE_FIELD_PID], joined(each.places)});
+    }
+    table.print(std::cout);
+}
+
+void printObjects(std::vector<ServicePlaces> const& found) {
+    Json list = Json::array();
+    for (ServicePlaces const& each : found) {
+        list.push_back({{"name", each.service[SERVICE_FIELD_CAPTION]},
+                        {"kind", kindOf(each.service)},
+                        {"delivery", deliveryOf(each.service)},
+                        {"triplet", tripletOf(each.service)},
+                        {"id", numberOrText(each.service[SERVICE_FIELD_PID])},
+                        {"uuid", each.service[SERVICE_FIELD_UUID]},
+                        {"lists", each.places}});
+    }
+    printJson(list);
+}
+
+int run(std::string const& database, std::vector<std::string> const& words, bool json) {
+    Session const session(database);
+    std::vector<ServicePlaces> const found = servicesWith(words);
+    if (json)
+        printObjects(found);
+    else if (!found.empty())
+        print(found);
+    if (found.empty())
+        throw Failure("no service has '" + joined(words, " ") +
+                      "' in its name, id, triplet or uuid");
+    return kSuccess;
+}
+
+}  // namespace
+
+void addFindCommand(CommandLine& line) {
+    auto words = std::make_shared<std::vector<std::string>>();
+    auto json = std::make_shared<bool>();
+    line.add("find", "Finds services, and the lists and numbers that they stand at")
+        .arguments("WORD", *words, 1, kAnyNumber,
+                   "a part of the name, whatever its case; id:N, a triplet or a uuid")
+        .json(*json)
+        .footer(
+            "Of several words each has to fit.\n"
+            "Examples:\n"
+            "  channellist find arte\n"
+            "  channellist find zdf hd\n"
+            "  channellist find 1-1019-10301")
+        .action(
+            [words, json](std::string const& database) { return run(database, *words, *json); });
+}
+
+}  // namespace tool
