@@ -64,7 +64,7 @@ TEST_F(ToolTest, SaysThatTheSchemaHidesWhatIsAdded) {
     change(
         "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = replace(sql,"
         " 'isDeleted          INTEGER DEFAULT 0', 'isDeleted INTEGER DEFAULT 1')");
-    expect({"edit FAV1 add テレビ東京", 0, "FAV1  added, hidden                6", nullptr});
+    expect({"edit FAV1 add テレビ東京", 0, "FAV1  added, hidden              6", nullptr});
 }
 
 TEST_F(ToolTest, HidesInOtherListsAndInTheFavListsWithThem) {
