@@ -152,12 +152,12 @@ class LamedbReader {
     }
 
     void readOlder(std::string const& current, std::istream& text) {
-        if (current == "transponders" || current == "services") {
-            isInServices_ = current == "services";
-        } else if (current != "end" && current != "/" && !current.empty()) {
+        if (current == "transponders" || current == "services" || current == "end") {
+            section_ = current;  // "end" is followed by a farewell
+        } else if (section_ != "end" && current != "/" && !current.empty()) {
             int const at = line_;
             std::string const second = line(text);
-            if (!isInServices_)
+            if (section_ == "transponders")
                 addTransponder(current, trimmed(second), at);
             else
                 addService(current, second, line(text), at);
@@ -229,7 +229,7 @@ class LamedbReader {
 
     std::map<TransponderKey, Channel> transponders_;
     bool isFifth_ = false;
-    bool isInServices_ = false;
+    std::string section_ = "end";
     int line_ = 0;
 };
 
