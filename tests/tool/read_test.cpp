@@ -168,7 +168,10 @@ TEST_F(ToolTest, ComparesTwoDatabases) {
     EXPECT_THAT(out, HasSubstr("all   removed       4         テレビ東京"));
     EXPECT_THAT(out, HasSubstr("Jazz    cable 394000 kHz 6900  cable 500000 kHz 6900"));
     EXPECT_THAT(out, HasSubstr("0 services came, 1 went, 1 renamed, 2 on another transponder; 2 "));
-    expect({"diff set.db old.db --json", 0, "\"came\": 1,\n  \"went\": 0,", nullptr});
+    expect(
+        {"diff set.db old.db", 2, nullptr, "two databases are compared, and --db names a third"});
+    ASSERT_EQ(run("diff set.db old.db --json"), 0);
+    EXPECT_THAT(out, HasSubstr("\"came\": 1,\n  \"went\": 0,"));
     expect({"diff missing.db", 1, nullptr, "there is no database missing.db"});
 }
 

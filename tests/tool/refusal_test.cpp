@@ -35,7 +35,8 @@ TEST_F(ToolTest, RefusesWrongUsage) {
         letter += "Dear aunt, this is line " + std::to_string(line) + "\n";
     write("letter", letter);
     Invocation const runs[] = {
-        {"import letter new.db", 1, nullptr, "letter: this is no channel list of VDR or Enigma2\n"},
+        {"import letter set.db --force", 1, nullptr,
+         "letter: this is no channel list of VDR or Enigma2\n"},
         {"", 2, nullptr, "A subcommand is required"},
         {"frobnicate", 2, nullptr, "required"},
         {"services", 2, nullptr, "LIST is required"},
@@ -43,7 +44,9 @@ TEST_F(ToolTest, RefusesWrongUsage) {
         {"folders --trace loud", 2, nullptr, "'loud' is not [MODULE:]LEVEL"},
         {"driver a b c", 2, nullptr, "c"},
         {"import list", 2, nullptr, "import needs the name of the database to make"},
-        {"import list --list FAV1", 2, nullptr, "--list requires --favourites"},
+        {"import list --list FAV1", 2, nullptr, "channellist: --list requires --favourites"},
+        {"import list --favourites --force", 2, nullptr, "channellist: --force excludes --fav"},
+        {"import list other.db", 2, nullptr, "the database is named twice, by --db and behind"},
     };
     for (Invocation const& each : runs)
         expect(each);

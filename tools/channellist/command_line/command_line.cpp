@@ -1,6 +1,8 @@
 #include "command_line/command_line.h"
 
 #include <CLI/CLI.hpp>
+
+#include <iostream>
 #include <sstream>
 
 #include "database/session.h"
@@ -76,6 +78,11 @@ Command& Command::needs(std::string const& name, std::string const& other) {
     return *this;
 }
 
+Command& Command::excludes(std::string const& name, std::string const& other) {
+    app_.get_option(name)->excludes(app_.get_option(other));
+    return *this;
+}
+
 Command& Command::footer(std::string const& text) {
     app_.footer(text);
     return *this;
@@ -116,8 +123,11 @@ Command CommandLine::add(std::string const& name, std::string const& help) {
 std::optional<int> CommandLine::parse(int argc, char** argv) {
     try {
         app_->parse(argc, argv);
+    } catch (CLI::Success const& asked) {  // help, the version
+        return app_->exit(asked);
     } catch (CLI::ParseError const& error) {
-        return app_->exit(error) == 0 ? kSuccess : kUsage;
+        std::cerr << "channellist: " << error.what() << "; --help shows how\n";
+        return kUsage;
     }
     return std::nullopt;
 }

@@ -40,6 +40,7 @@ class Command {
     Command& noUndo(bool& value);
     // `name` makes sense beside `other` only.
     Command& needs(std::string const& name, std::string const& other);
+    Command& excludes(std::string const& name, std::string const& other);
     // What follows the options in the help.
     Command& footer(std::string const& text);
     Command& action(Action action);

@@ -196,6 +196,9 @@ void addDiffCommand(CommandLine& line) {
             "  channellist diff before-the-scan.db\n"
             "  channellist diff old.db new.db --json | jq .came")
         .action([files, json](std::string const& database) {
+            std::string const& second = files->second;
+            if (!second.empty() && database != kSetDatabase && database != second)
+                throw Failure("two databases are compared, and --db names a third", kUsage);
             return run(files->first, files->second.empty() ? database : files->second, *json);
         });
 }

@@ -126,7 +126,10 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
 }
 
 int run(std::string const& setDatabase, Options options) {
-    if (options.database.empty()) {
+    bool const isNamed = !options.database.empty();
+    if (isNamed && setDatabase != kSetDatabase && setDatabase != options.database)
+        throw Failure("the database is named twice, by --db and behind the list", kUsage);
+    if (!isNamed) {
         if (!options.favourites)
             throw Failure("import needs the name of the database to make", kUsage);
         options.database = setDatabase;
@@ -151,6 +154,7 @@ void addImportCommand(CommandLine& line) {
               "write FAV1 to FAV4 from the groups of these names")
         .option("--list", options->favList, "write all channels to this FAV list")
         .needs("--list", "--favourites")
+        .excludes("--force", "--favourites")
         .flag("-n,--dry-run", options->dryRun, "show what --favourites would change")
         .needs("--dry-run", "--favourites")
         .noUndo(options->noUndo)
