@@ -9,14 +9,15 @@ namespace {
 
 TEST_F(ToolTest, ShowsTheListsAsTheSetOrdersThem) {
     EXPECT_EQ(output("folders"),
-              "Name    FAV   Kind      Network    Tag  Capability  UUID\n"
-              "------  ----  --------  -------  -----  ----------  -------\n"
-              "Astra         delivery        0      0          50  u-astra\n"
-              "Mine    FAV1  user TV         0      0          63  u-fav1\n"
-              "FAV2    FAV2  user TV         0      0          63  u-fav2\n"
-              "FAV3    FAV3  user TV         0      0          63  u-fav3\n"
-              "FAV4    FAV4  user TV         0  65535          63  u-fav4\n"
-              "inputs        inputs          0      0          63  u-av\n");
+              "Name    FAV   Kind          Network    Tag  Capability  UUID\n"
+              "------  ----  ------------  -------  -----  ----------  -------\n"
+              "Astra         delivery            0      0          50  u-astra\n"
+              "Mine    FAV1  user TV             0      0          63  u-fav1\n"
+              "FAV2    FAV2  user TV             0      0          63  u-fav2\n"
+              "FAV3    FAV3  user TV             0      0          63  u-fav3\n"
+              "FAV4    FAV4  user TV             0  65535          63  u-fav4\n"
+              "inputs        inputs              0      0          63  u-av\n"
+              "all           all services        0      0              u-all\n");
 }
 
 TEST_F(ToolTest, ShowsServicesWithAlignedNamesAndStatesInWords) {
@@ -98,13 +99,21 @@ TEST_F(ToolTest, NamesAListAsAPersonWritesIt) {
     }
     Invocation const refused[] = {
         {"services a", 1, nullptr,
-         "several lists are called 'a', name one by its uuid: u-all (all)"},
+         "several lists are meant by 'a', name one by its uuid: u-all (all)"},
         {"services ''", 1, nullptr, "no list has the uuid or name ''"},
         {"services Asrta", 1, nullptr,
          "no list has the uuid or name 'Asrta'; did you mean 'Astra'?"},
         {"services FAV3", 1, nullptr, "the list 'FAV3' has no uuid, so no request can name it"}};
     for (Invocation const& each : refused)
         expect(each);
+    change(
+        "UPDATE FavoriteList SET Name = 'Old FAV2 and all', Creator = 'User.tv.5' WHERE Pid = 12;"
+        "UPDATE FavoriteList SET Uuid = 'u-astra', Name = '日本語テレビ' WHERE Pid = 13;"
+        "DELETE FROM FavoriteList WHERE Pid = 1");
+    expect({"services FAV2", 1, nullptr, "no list has the uuid or name 'FAV2'; did you mean 'FAV"});
+    expect({"edit all hide VOX", 1, nullptr, "no list has the uuid or name 'all'"});
+    expect({"edit FAV1 add VOX", 1, nullptr, "no list of all services that a request can name"});
+    expect({"attributes u-astra", 0, "FAV3 ", nullptr});
 }
 
 TEST_F(ToolTest, FiltersAndSortsTheServicesOfAList) {
