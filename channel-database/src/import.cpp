@@ -48,6 +48,30 @@ class Importer {
             database_.put(av_, database_.input(name), ++number);
     }
 
+    void finish() {
+        database_.run(
+            "UPDATE FavoriteList SET MaxChannelNumber = (SELECT ifnull(max(ChannelNum), 0)"
+            " FROM FavoriteItem WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0)");
+    }
+
+    void add(Channel const& channel) {
+        if (favIndexOf(channel) != 0)
+            addFavourite(channel);
+        else if (channel.isReference)
+            addReference(channel);
+        else
+            addChannel(channel);
+    }
+
+    /// 1 for a channel of the group "FAV1"; 0 for those of others.
+    int favIndexOf(Channel const& channel) const {
+        for (int i = 1; channel.group >= 0 && i <= kFavLists; ++i)
+            if (groupOf(channel) == "FAV" + std::to_string(i))
+                return i;
+        return 0;
+    }
+
+  private:
     void addChannel(Channel const& channel) {
         Service service = makeService(channel);
         services_.emplace(channelId(channel), service);
@@ -66,6 +90,8 @@ class Importer {
     /// A channel that stands elsewhere in the list, too, is one service.
     void addFavourite(Channel const& channel) {
         if (services_.count(channelId(channel)) == 0) {
+            if (channel.isReference)
+                return;  // to a service that the list does not have
             Channel shown = channel;
             shown.hidden = false;
             addChannel(shown);
@@ -80,21 +106,13 @@ class Importer {
         service.favTag(index);
     }
 
-    /// 1 for a channel of the group "FAV1"; 0 for those of others.
-    int favIndexOf(Channel const& channel) const {
-        for (int i = 1; channel.group >= 0 && i <= kFavLists; ++i)
-            if (groupOf(channel) == "FAV" + std::to_string(i))
-                return i;
-        return 0;
+    /// A group of references shows services that stand elsewhere.
+    void addReference(Channel const& channel) {
+        auto const known = services_.find(channelId(channel));
+        if (known != services_.end())
+            addToGroup(channel, known->second, deliveryList(channel));
     }
 
-    void finish() {
-        database_.run(
-            "UPDATE FavoriteList SET MaxChannelNumber = (SELECT ifnull(max(ChannelNum), 0)"
-            " FROM FavoriteItem WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0)");
-    }
-
-  private:
     Id makeList(std::string const& creator, std::string const& name, std::string const& uuid,
                 int network = kNoNetwork) {
         Id const list = database_.list(creator).name(name).uuid(uuid).networkId(network);
@@ -234,11 +252,11 @@ void importChannels(ChannelDatabase& database, ChannelsConf const& list,
     Importer importer(database, list);
     importer.addInputs();
     std::size_t done = 0;
-    for (bool const isFavourite : {false, true}) {
+    for (bool const isSecond : {false, true}) {  // what may show a service of the first
         for (Channel const& channel : list.channels) {
-            if ((importer.favIndexOf(channel) != 0) != isFavourite)
+            if ((channel.isReference || importer.favIndexOf(channel) != 0) != isSecond)
                 continue;
-            isFavourite ? importer.addFavourite(channel) : importer.addChannel(channel);
+            importer.add(channel);
             if (progress)
                 progress(++done, list.channels.size());
         }

@@ -59,6 +59,14 @@ TEST_F(ToolTest, ShowsWhatAnEditChanges) {
     expect({"edit FAV1 move ZDF\\ HD to 8", 0, "Written, and flushed to the disk.", nullptr});
 }
 
+// What joins takes the column's default; an edit that follows may show it.
+TEST_F(ToolTest, SaysThatTheSchemaHidesWhatIsAdded) {
+    change(
+        "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = replace(sql,"
+        " 'isDeleted          INTEGER DEFAULT 0', 'isDeleted INTEGER DEFAULT 1')");
+    expect({"edit FAV1 add テレビ東京", 0, "FAV1  added, hidden              6", nullptr});
+}
+
 TEST_F(ToolTest, HidesInOtherListsAndInTheFavListsWithThem) {
     expect({"edit all hide VOX --renumber", 0, "FAV1  moved        5      3  Jazz", nullptr});
     EXPECT_EQ(fav(1), "1 1;2 2;3 3 deleted;3 5");
