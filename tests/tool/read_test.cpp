@@ -120,7 +120,7 @@ TEST_F(ToolTest, FiltersAndSortsTheServicesOfAList) {
     char const* const cases[][2] = {
         {"--radio", "Jazz"},
         {"--tv --hd", "ZDF HD"},
-        {"--free --delivery satellite --sort name", "Das Erste,ZDF HD"},
+        {"--free --delivery Satellite --sort name", "Das Erste,ZDF HD"},
         {"--delivery cable --sort triplet", "Jazz,ZDF HD"},
         {"--match zdf", "ZDF HD,ZDF HD"},
         {"--match 東", "テレビ東京"},

@@ -57,11 +57,16 @@ void sort(std::vector<ResultRow>& services, std::string const& order) {
                    [](auto& each) { return std::move(each.second); });
 }
 
-void check(char const* option, std::string const& word, std::vector<std::string> const& words) {
-    if (!word.empty() && std::find(words.begin(), words.end(), word) == words.end())
-        throw Failure(
-            std::string(option) + " takes one of " + joined(words) + ", not '" + word + "'",
-            kUsage);
+// The one of `words` that `word` is, in whatever case; "" for "".
+std::string known(char const* option, std::string const& word,
+                  std::vector<std::string> const& words) {
+    auto const found = std::find_if(words.begin(), words.end(), [&](std::string const& each) {
+        return folded(each) == folded(word);
+    });
+    if (found != words.end() || word.empty())
+        return word.empty() ? "" : *found;
+    throw Failure(std::string(option) + " takes one of " + joined(words) + ", not '" + word + "'",
+                  kUsage);
 }
 
 }  // namespace
@@ -71,9 +76,10 @@ bool ServiceFilter::isSet() const {
            !sort.empty();
 }
 
-std::vector<ResultRow> filtered(std::vector<ResultRow> services, ServiceFilter const& filter) {
-    check("--delivery", filter.delivery, {"satellite", "cable", "terrestrial", "analogue", "IP"});
-    check("--sort", filter.sort, {"number", "name", "triplet"});
+std::vector<ResultRow> filtered(std::vector<ResultRow> services, ServiceFilter filter) {
+    filter.delivery = known("--delivery", filter.delivery,
+                            {"satellite", "cable", "terrestrial", "analogue", "IP"});
+    filter.sort = known("--sort", filter.sort, {"number", "name", "triplet"});
     services.erase(std::remove_if(services.begin(), services.end(),
                                   [&](ResultRow const& row) { return !fits(row, filter); }),
                    services.end());
