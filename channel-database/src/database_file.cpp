@@ -48,8 +48,10 @@ void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool re
                     [](Channel const& channel) { return channel.isReference; }))
         throw std::runtime_error("the list names services of another one, which it needs");
     Connection const temporary = openTemporary(exists ? pageSize(path) : kDefaultPageSize);
-    ChannelDatabase database(temporary.get());
+    // Indexes that grow row by row would take most of the time.
+    ChannelDatabase database(temporary.get(), Indexes::PrimaryKeysOnly);
     importChannels(database, list, progress);
+    createSchema(temporary.get(), Indexes::Recommended);
     if (exists && beforeReplacing)
         beforeReplacing();
     (exists ? replaceContent : writeNewFile)(temporary.get(), path);

@@ -50,8 +50,9 @@ class Importer {
 
     void finish() {
         database_.run(
-            "UPDATE FavoriteList SET MaxChannelNumber = (SELECT ifnull(max(ChannelNum), 0)"
-            " FROM FavoriteItem WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0)");
+            "UPDATE FavoriteList SET MaxChannelNumber = Highest FROM (SELECT FavoriteId AS List,"
+            " max(ChannelNum) AS Highest FROM FavoriteItem WHERE isDeleted = 0 GROUP BY FavoriteId)"
+            " WHERE List = Pid");
     }
 
     void add(Channel const& channel) {
@@ -76,12 +77,12 @@ class Importer {
         Service service = makeService(channel);
         services_.emplace(channelId(channel), service);
         Id const delivery = deliveryList(channel);
-        database_.put(delivery, service, channel.number).deleted(channel.hidden);
-        database_.put(all_, service, channel.number).original(delivery).deleted(channel.hidden);
+        put(channel, delivery, service, channel.number);
+        put(channel, all_, service, channel.number).original(delivery);
         if (channel.orbitalPosition() == kAstraPosition) {
             Id const astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
                                     "astra-19.2e", kAstraNetwork);
-            database_.put(astra, service, channel.number).deleted(channel.hidden);
+            put(channel, astra, service, channel.number);
         }
         if (channel.group >= 0 && favIndexOf(channel) == 0)
             addToGroup(channel, service, delivery);
@@ -102,7 +103,7 @@ class Importer {
         Id const number = channel.mark != 0 ? channel.mark : counts_[fav] + 1;
         if (!channel.hidden)
             counts_[fav] = number;
-        database_.put(fav, service, number).original(deliveryList(channel)).deleted(channel.hidden);
+        put(channel, fav, service, number).original(deliveryList(channel));
         service.favTag(index);
     }
 
@@ -111,6 +112,13 @@ class Importer {
         auto const known = services_.find(channelId(channel));
         if (known != services_.end())
             addToGroup(channel, known->second, deliveryList(channel));
+    }
+
+    Item put(Channel const& channel, Id list, Service const& service, Id number) {
+        Item item = database_.put(list, service, number);
+        if (channel.hidden)
+            item.deleted();
+        return item;
     }
 
     Id makeList(std::string const& creator, std::string const& name, std::string const& uuid,
@@ -143,7 +151,7 @@ class Importer {
         std::string const number = std::to_string(channel.group + 1);
         Id const user =
             listOf("User." + kind + "." + number, groupOf(channel), "user-" + kind + "-" + number);
-        database_.put(user, service, ++counts_[user]).original(delivery).deleted(channel.hidden);
+        put(channel, user, service, ++counts_[user]).original(delivery);
     }
 
     std::string const& groupOf(Channel const& channel) const {
@@ -160,10 +168,13 @@ class Importer {
             writeTuner(channel, service.tunerUuid(transponder));
         }
         service.uuid(newUuid(channel))
-            .triplet(channel.networkId, channel.transportStreamId, channel.serviceId)
-            .set("MediaType", channel.isRadio() ? 2 : 1)
-            .encrypted(channel.isEncrypted())
-            .hdtv(isHighDefinition(channel));
+            .triplet(channel.networkId, channel.transportStreamId, channel.serviceId);
+        if (channel.isRadio())
+            service.radio();
+        if (channel.isEncrypted())
+            service.encrypted();
+        if (isHighDefinition(channel))
+            service.hdtv();
         if (!channel.shortName.empty())
             service.shortName(channel.shortName).serviceName(channel.name);  // lists show the name
         return service;
