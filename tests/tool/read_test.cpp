@@ -103,6 +103,7 @@ TEST_F(ToolTest, NamesAListAsAPersonWritesIt) {
         {"services ''", 1, nullptr, "no list has the uuid or name ''"},
         {"services Asrta", 1, nullptr,
          "no list has the uuid or name 'Asrta'; did you mean 'Astra'?"},
+        {"services 'Dienzt'", 1, nullptr, "; did you mean 'Ärzte im Dienst'?"},
         {"services FAV3", 1, nullptr, "the list 'FAV3' has no uuid, so no request can name it"}};
     for (Invocation const& each : refused)
         expect(each);
@@ -110,7 +111,7 @@ TEST_F(ToolTest, NamesAListAsAPersonWritesIt) {
         "UPDATE FavoriteList SET Name = 'Old FAV2 and all', Creator = 'User.tv.5' WHERE Pid = 12;"
         "UPDATE FavoriteList SET Uuid = 'u-astra', Name = '日本語テレビ' WHERE Pid = 13;"
         "DELETE FROM FavoriteList WHERE Pid = 1");
-    expect({"services FAV2", 1, nullptr, "no list has the uuid or name 'FAV2'; did you mean 'FAV"});
+    expect({"services FAV2", 1, nullptr, "name 'FAV2'; did you mean 'Old FAV2 and all' or 'FAV1'"});
     expect({"edit all hide VOX", 1, nullptr, "no list has the uuid or name 'all'"});
     expect({"edit FAV1 add VOX", 1, nullptr, "no list of all services that a request can name"});
     expect({"attributes u-astra", 0, "FAV3 ", nullptr});

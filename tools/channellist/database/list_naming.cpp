@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 #include <utility>
 
 #include "database/query.h"
@@ -82,16 +83,27 @@ std::string candidates(std::vector<List> const& lists) {
     return text;
 }
 
+// From the name or, unless that says little, the nearest of its words.
+std::size_t distanceTo(std::string const& name, std::string const& word) {
+    constexpr std::size_t kTelling = 4;
+    std::size_t distance = editDistance(folded(name), folded(word));
+    std::istringstream parts(name);
+    for (std::string part; word.size() >= kTelling && parts >> part;)
+        distance = std::min(distance, editDistance(folded(part), folded(word)));
+    return distance;
+}
+
 // The names that a slip of the fingers is away, the nearest first.
 std::string didYouMean(std::string const& word, std::vector<List> const& lists) {
     constexpr std::size_t kMost = 4;
     std::size_t const slips = word.size() <= 4 ? 1 : std::max<std::size_t>(2, word.size() / 4);
     std::set<std::pair<std::size_t, std::string>> near;
     for (List const& list : lists) {
-        std::string const name = displayText(displayName(list));
-        std::size_t const distance = editDistance(folded(name), folded(word));
-        if (distance <= slips && name != word)
-            near.emplace(distance, name);
+        for (std::string const& name : {displayText(displayName(list)), displayText(list.name)}) {
+            std::size_t const distance = distanceTo(name, word);
+            if (distance <= slips && name != word && !name.empty())
+                near.emplace(distance, name);
+        }
     }
     std::string text;
     std::size_t count = 0;
