@@ -84,7 +84,7 @@ int run(std::string const& database, Options const& options) {
 void addAttributesCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("attributes", "The attribute word of a list, and what follows from it")
-        .argument("LIST", options->list, "uuid, or a name that only one list has")
+        .argument("LIST", options->list, kListHelp)
         .json(options->json)
         .footer(
             "The folder word holds the attributes in its upper half and the kind of the list, by "

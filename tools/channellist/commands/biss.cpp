@@ -25,7 +25,7 @@ std::string uuidOf(std::string const& service) {
     query.bind(service).next();
     if (query.number(0) != 0)
         return service;
-    std::vector<Entry> const all = readEntries(findList("all").uuid).entries;
+    std::vector<Entry> const all = readEntries(allServicesList().uuid).entries;
     return all[findEntry(all, service, "the list of all services")].uuid;
 }
 

@@ -55,7 +55,7 @@ std::vector<Entry> storedEntries(List const& list) {
 std::vector<Entry> addableServices(std::vector<Operation> const& operations) {
     for (Operation const& operation : operations)
         if (operation.verb == Verb::Add)
-            return readEntries(findList("all").uuid).entries;
+            return readEntries(allServicesList().uuid).entries;
     return {};
 }
 
@@ -152,7 +152,7 @@ int run(std::string const& database, Options const& options) {
 void addEditCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("edit", "Changes a list")
-        .argument("LIST", options->list, "uuid, or a name that only one list has")
+        .argument("LIST", options->list, kListHelp)
         .arguments("OPERATION", options->words, 0, kAnyNumber, "what to do, see below")
         .option("--from", options->from, "bring the list to what this file says, - for the input")
         .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")

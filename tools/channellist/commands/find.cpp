@@ -16,21 +16,17 @@
 namespace tool {
 namespace {
 
-std::string tripletOf(ResultRow const& service) {
-    return service[SERVICE_FIELD_ORIGINAL_NETWORK_ID] + "-" +
-           service[SERVICE_FIELD_TRANSPORT_STREAM_ID] + "-" + service[SERVICE_FIELD_SERVICE_ID];
-}
-
 // A part of the name, or what names the service alone.
 bool isMeant(ResultRow const& service, std::string const& word) {
-    return folded(service[SERVICE_FIELD_CAPTION]).find(folded(word)) != std::string::npos ||
-           "id:" + service[SERVICE_FIELD_PID] == word || tripletOf(service) == word ||
-           service[SERVICE_FIELD_UUID] == word;
+    return "id:" + service[SERVICE_FIELD_PID] == word || tripletOf(service) == word ||
+           service[SERVICE_FIELD_UUID] == word ||
+           folded(service[SERVICE_FIELD_CAPTION]).find(folded(word)) != std::string::npos;
 }
 
-std::vector<ServicePlaces> servicesWith(std::vector<std::string> const& words) {
+std::vector<ServicePlaces> servicesWith(std::vector<std::string> const& words,
+                                        std::vector<ListContentRows> const& lists) {
     std::vector<ServicePlaces> found;
-    for (auto& [id, places] : placesOfServices(readAllLists())) {
+    for (auto& [id, places] : placesOfServices(lists)) {
         bool const isFound = std::all_of(words.begin(), words.end(), [&](std::string const& word) {
             return isMeant(places.service, word);
         });
@@ -44,9 +40,13 @@ void print(std::vector<ServicePlaces> const& found) {
     TextTable table(
         {{"Name"}, {"Kind"}, {"Delivery"}, {"Triplet"}, {"Id", Align::Right}, {"Lists"}});
     for (ServicePlaces const& each : found) {
+        std::vector<std::string> places;
+        for (ServicePlace const& place : each.places)
+            places.push_back(place.listName + " " + place.number +
+                             (place.isDeleted ? " (hidden)" : ""));
         table.add({each.service[SERVICE_FIELD_CAPTION], kindOf(each.service),
                    deliveryOf(each.service), tripletOf(each.service),
-                   each.service[SERVICE_FIELD_PID], joined(each.places)});
+                   each.service[SERVICE_FIELD_PID], joined(places)});
     }
     table.print(std::cout);
 }
@@ -54,24 +54,36 @@ void print(std::vector<ServicePlaces> const& found) {
 void printObjects(std::vector<ServicePlaces> const& found) {
     Json list = Json::array();
     for (ServicePlaces const& each : found) {
+        Json places = Json::array();
+        for (ServicePlace const& place : each.places) {
+            places.push_back({{"list", place.listName},
+                              {"uuid", place.listUuid},
+                              {"number", numberOrText(place.number)},
+                              {"hidden", place.isDeleted}});
+        }
         list.push_back({{"name", each.service[SERVICE_FIELD_CAPTION]},
                         {"kind", kindOf(each.service)},
                         {"delivery", deliveryOf(each.service)},
                         {"triplet", tripletOf(each.service)},
                         {"id", numberOrText(each.service[SERVICE_FIELD_PID])},
                         {"uuid", each.service[SERVICE_FIELD_UUID]},
-                        {"lists", each.places}});
+                        {"lists", std::move(places)}});
     }
     printJson(list);
 }
 
 int run(std::string const& database, std::vector<std::string> const& words, bool json) {
+    if (std::count(words.begin(), words.end(), "") != 0)
+        throw Failure("an empty word finds nothing", kUsage);
     Session const session(database);
-    std::vector<ServicePlaces> const found = servicesWith(words);
+    DatabaseContent const content = readAllLists();
+    std::vector<ServicePlaces> const found = servicesWith(words, content.lists);
     if (json)
         printObjects(found);
     else if (!found.empty())
         print(found);
+    if (!content.complete)
+        throw Failure("not all services could be read; \"channellist check\" tells why");
     if (found.empty())
         throw Failure("no service has '" + joined(words, " ") +
                       "' in its name, id, triplet or uuid");

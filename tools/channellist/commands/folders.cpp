@@ -1,10 +1,13 @@
 // channellist folders
+#include <channellist-access/db_access.h>
 #include <channellist-access/field_ids.h>
 
 #include <cstdlib>
 #include <iostream>
 
 #include "commands/commands.h"
+#include "database/list_naming.h"
+#include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
 #include "output/json_text.h"
@@ -42,6 +45,22 @@ std::string nameOf(ResultRow const& folder) {
     return kind == "all services" ? "all" : kind == "inputs" ? kind : folder[FOLDER_FIELD_CAPTION];
 }
 
+// No viewer browses it, but every command that takes a list takes it.
+void addAllServicesList(std::vector<ResultRow>& folders) {
+    for (List const& list : allLists()) {
+        if (!isAllList(list))
+            continue;
+        Query query(db, "SELECT NetworkId, UpdateTag FROM FavoriteList WHERE Pid = ?");
+        query.bind(static_cast<std::int64_t>(list.pid)).next();
+        ResultRow folder(FOLDER_FIELD_FAV_NAME + 1);
+        folder[FOLDER_FIELD_UUID] = list.uuid;
+        folder[FOLDER_FIELD_FLAGS] = std::to_string(attr(list.creator, 0));
+        folder[FOLDER_FIELD_NETWORK_ID] = query.text(0);
+        folder[FOLDER_FIELD_UPDATE_TAG] = query.text(1);
+        folders.push_back(std::move(folder));
+    }
+}
+
 void printTable(std::vector<ResultRow> const& folders) {
     TextTable table({{"Name"},
                      {"FAV"},
@@ -75,7 +94,9 @@ void printObjects(std::vector<ResultRow> const& folders) {
 
 int run(std::string const& database, Format const& format) {
     Session const session(database);
-    Rows const folders = format.raw ? readRawFolders() : readFolders();
+    Rows folders = format.raw ? readRawFolders() : readFolders();
+    if (!format.raw)
+        addAllServicesList(folders.rows);
     if (format.raw)
         (format.json ? printRawJson : printRaw)(folders.rows);
     else
@@ -89,7 +110,8 @@ int run(std::string const& database, Format const& format) {
 
 void addFoldersCommand(CommandLine& line) {
     auto format = std::make_shared<Format>();
-    line.add("folders", "The lists that a viewer can browse, in the set's order")
+    line.add("folders",
+             "The lists that a viewer can browse, in the set's order, and that of all services")
         .json(format->json)
         .flag("--raw", format->raw, kRawHelp)
         .footer(

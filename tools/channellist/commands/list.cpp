@@ -25,7 +25,7 @@ int run(std::string const& database, std::string const& word) {
 void addListCommand(CommandLine& line) {
     auto list = std::make_shared<std::string>();
     line.add("list", "Prints a list as a text to edit, which \"edit LIST --from\" takes back")
-        .argument("LIST", *list, "uuid, or a name that only one list has: FAV1, all")
+        .argument("LIST", *list, kListHelp)
         .footer(
             "Every entry is a line: number, shown or hidden, name, DVB triplet and key. Comments\n"
             "at the top explain what can be changed.\n"

@@ -112,7 +112,7 @@ int run(std::string const& database, Options const& options) {
 void addServicesCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("services", "The services of a list, in the set's order")
-        .argument("LIST", options->list, "uuid, or a name that only one list has: FAV1, all")
+        .argument("LIST", options->list, kListHelp)
         .json(options->format.json)
         .flag("--raw", options->format.raw, kRawHelp)
         .flag("--tv", options->filter.tv, "TV services alone")

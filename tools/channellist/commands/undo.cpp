@@ -155,7 +155,7 @@ void bringBackLists(std::string const& database, KeptCopy const& copy, Options c
     Snapshot const before = takeSnapshot(editedList(copy));
     UndoStore store(database, !options.dryRun);
     store.keepLists("undo " + std::to_string(copy.number), before);
-    std::vector<Entry> const all = readEntries(findList("all").uuid).entries;
+    std::vector<Entry> const all = readEntries(allServicesList().uuid).entries;
     auto const now = [&] { return takeSnapshot(editedList(copy)); };
     try {
         for (ListEntries const& list : inOrder(copy.lists))

@@ -3,10 +3,14 @@
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
+#include <set>
+#include <sstream>
+#include <utility>
 
 #include "database/query.h"
 #include "failure.h"
 #include "output/folded_text.h"
+#include "output/text_table.h"
 
 namespace tool {
 namespace {
@@ -22,6 +26,12 @@ std::string favName(List const& list) {
 
 bool isInputList(List const& list) { return list.creator == "tamun.sl2.servicelist$av"; }
 
+bool isFavWord(std::string const& word) {
+    return word.size() == 4 && word.compare(0, 3, "FAV") == 0 && word[3] >= '1' && word[3] <= '4';
+}
+
+using Rule = bool (*)(List const&, std::string const& word);
+
 // From the surest to the least sure way in which a word can mean a list.
 bool isReserved(List const& list, std::string const& word) {
     return favName(list) == word || (word == "all" && isAllList(list)) ||
@@ -30,7 +40,9 @@ bool isReserved(List const& list, std::string const& word) {
 
 bool hasUuid(List const& list, std::string const& word) { return list.uuid == word; }
 
-bool isCalled(List const& list, std::string const& word) { return list.name == word; }
+bool isCalled(List const& list, std::string const& word) {
+    return list.name == word || displayText(list.name) == word;
+}
 
 bool isCalledCaseBlind(List const& list, std::string const& word) {
     return folded(list.name) == folded(word) || folded(displayName(list)) == folded(word);
@@ -40,11 +52,23 @@ bool holds(List const& list, std::string const& word) {
     return folded(list.name).find(folded(word)) != std::string::npos;
 }
 
+// A word with a meaning of its own means no other list where its own is missing.
+std::vector<Rule> rulesFor(std::string const& word) {
+    if (word.empty())
+        return {};
+    if (isFavWord(word))
+        return {isReserved};
+    std::vector<Rule> rules = {isReserved, hasUuid, isCalled, isCalledCaseBlind};
+    if (word != "all" && word != "inputs" && word != "av")
+        rules.push_back(holds);
+    return rules;
+}
+
 std::vector<List> listsMeantBy(std::string const& word, std::vector<List> const& lists) {
     std::vector<List> meant;
-    for (auto const fits : {isReserved, hasUuid, isCalled, isCalledCaseBlind, holds}) {
+    for (Rule const fits : rulesFor(word)) {
         std::copy_if(lists.begin(), lists.end(), std::back_inserter(meant),
-                     [&](List const& list) { return !word.empty() && fits(list, word); });
+                     [&](List const& list) { return fits(list, word); });
         if (!meant.empty())
             break;
     }
@@ -59,15 +83,33 @@ std::string candidates(std::vector<List> const& lists) {
     return text;
 }
 
-// The names that a slip of the fingers is away.
+// From the name or, unless that says little, the nearest of its words.
+std::size_t distanceTo(std::string const& name, std::string const& word) {
+    constexpr std::size_t kTelling = 4;
+    std::size_t distance = editDistance(folded(name), folded(word));
+    std::istringstream parts(name);
+    for (std::string part; word.size() >= kTelling && parts >> part;)
+        distance = std::min(distance, editDistance(folded(part), folded(word)));
+    return distance;
+}
+
+// The names that a slip of the fingers is away, the nearest first.
 std::string didYouMean(std::string const& word, std::vector<List> const& lists) {
-    std::string text;
+    constexpr std::size_t kMost = 4;
+    std::size_t const slips = word.size() <= 4 ? 1 : std::max<std::size_t>(2, word.size() / 4);
+    std::set<std::pair<std::size_t, std::string>> near;
     for (List const& list : lists) {
-        std::string const name = displayName(list);
-        std::size_t const slips = word.size() <= 4 ? 1 : 2;
-        if (editDistance(folded(name), folded(word)) <= slips)
-            text += (text.empty() ? "; did you mean '" : " or '") + name + "'";
+        for (std::string const& name : {displayText(displayName(list)), displayText(list.name)}) {
+            std::size_t const distance = distanceTo(name, word);
+            if (distance <= slips && name != word && !name.empty())
+                near.emplace(distance, name);
+        }
     }
+    std::string text;
+    std::size_t count = 0;
+    for (auto const& [distance, name] : near)
+        if (count++ < kMost)
+            text += (text.empty() ? "; did you mean '" : " or '") + name + "'";
     return text.empty() ? "; \"channellist folders\" shows the lists" : text + "?";
 }
 
@@ -97,13 +139,21 @@ List findList(std::string const& word) {
     std::vector<List> const called = listsMeantBy(word, lists);
     if (called.empty())
         throw Failure("no list has the uuid or name '" + word + "'" + didYouMean(word, lists));
-    if (called.size() > 1) {
-        throw Failure("several lists are called '" + word +
+    if (called.size() > 1 && called[0].uuid != word) {  // of those with one uuid: the set's choice
+        throw Failure("several lists are meant by '" + word +
                       "', name one by its uuid: " + candidates(called));
     }
     if (called[0].uuid.empty())
         throw Failure("the list '" + word + "' has no uuid, so no request can name it");
     return called[0];
+}
+
+List allServicesList() {
+    std::vector<List> const lists = allLists();
+    auto const all = std::find_if(lists.begin(), lists.end(), isAllList);
+    if (all == lists.end() || all->uuid.empty())
+        throw Failure("the database has no list of all services that a request can name");
+    return *all;
 }
 
 bool isAllList(List const& list) { return list.creator == "tamun.sl2.servicelist$all"; }

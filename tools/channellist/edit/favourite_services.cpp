@@ -47,7 +47,7 @@ int likenessOf(ResultRow const& service, Channel const& channel) {
 
 }  // namespace
 
-FavouriteServices::FavouriteServices() : services_(readServices(findList("all").uuid).rows) {
+FavouriteServices::FavouriteServices() : services_(readServices(allServicesList().uuid).rows) {
     for (ResultRow const& service : services_) {
         byTriplet_.emplace(Triplet(numberIn(service, SERVICE_FIELD_ORIGINAL_NETWORK_ID),
                                    numberIn(service, SERVICE_FIELD_TRANSPORT_STREAM_ID),

@@ -211,7 +211,7 @@ std::deque<std::pair<List, Members>> membersOfLists(ChannelsConf const& channels
 
 std::vector<Favourites> findFavourites(ChannelsConf const& channels, std::string const& listName) {
     FavouriteServices const services;
-    std::vector<Entry> const all = readEntries(findList("all").uuid).entries;
+    std::vector<Entry> const all = readEntries(allServicesList().uuid).entries;
     std::vector<Favourites> result;
     for (auto const& [list, members] : membersOfLists(channels, listName)) {
         Collector collector(list, members.groups.size() > 1, services, all);

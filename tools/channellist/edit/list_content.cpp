@@ -20,13 +20,6 @@ std::optional<std::int64_t> channelNumber(std::string const& text) {
     return number && *number >= kSmallest && *number <= kLargest ? number : std::nullopt;
 }
 
-std::string tripletOf(ResultRow const& service) {
-    std::string const triplet = service[SERVICE_FIELD_ORIGINAL_NETWORK_ID] + "-" +
-                                service[SERVICE_FIELD_TRANSPORT_STREAM_ID] + "-" +
-                                service[SERVICE_FIELD_SERVICE_ID];
-    return triplet == "0-0-0" || triplet == "--" ? "" : triplet;
-}
-
 bool isAt(Entry const& entry, std::int64_t number) {
     return !entry.deleted && entry.number == number;
 }

@@ -31,7 +31,7 @@ std::string readText(std::string const& file) {
 
 TextOrder orderOf(List const& list, std::vector<Entry> const& before, std::string const& text) {
     std::vector<Entry> const joining =
-        list.favIndex != 0 ? readEntries(findList("all").uuid).entries : std::vector<Entry>();
+        list.favIndex != 0 ? readEntries(allServicesList().uuid).entries : std::vector<Entry>();
     return orderByText(list, before, joining, reservedNumbers(list),
                        isCsv(text) ? parseCsv(text) : parseList(text));
 }

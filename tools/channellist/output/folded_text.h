@@ -5,10 +5,10 @@
 
 namespace tool {
 
-// Without regard to case, width and composition, in any script.
+// What a terminal shows of `text`, without regard to case, width and composition, in any script.
 std::string folded(std::string const& text);
 
-// How many bytes have to be changed, added or removed to make `b` of `a`.
-std::size_t editDistance(std::string const& a, std::string const& b);
+// How many characters have to be changed, added or removed to make `to` of `from`.
+std::size_t editDistance(std::string const& from, std::string const& to);
 
 }  // namespace tool

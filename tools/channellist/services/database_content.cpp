@@ -2,17 +2,24 @@
 
 #include <channellist-access/field_ids.h>
 
+#include <set>
+
 #include "output/json_text.h"
 #include "services/service_words.h"
 
 namespace tool {
 
-std::vector<ListContentRows> readAllLists() {
-    std::vector<ListContentRows> lists;
-    for (List const& list : allLists())
-        if (!list.uuid.empty())
-            lists.push_back({list, readServices(list.uuid).rows});
-    return lists;
+DatabaseContent readAllLists() {
+    DatabaseContent content;
+    std::set<std::string> uuids;  // one that two lists have means the first
+    for (List const& list : allLists()) {
+        if (list.uuid.empty() || !uuids.insert(list.uuid).second)
+            continue;
+        Rows services = readServices(list.uuid);
+        content.complete = content.complete && services.complete;
+        content.lists.push_back({list, std::move(services.rows)});
+    }
+    return content;
 }
 
 std::map<std::int64_t, ServicePlaces> placesOfServices(std::vector<ListContentRows> const& lists) {
@@ -22,9 +29,8 @@ std::map<std::int64_t, ServicePlaces> placesOfServices(std::vector<ListContentRo
             ServicePlaces& found = services[wholeNumber(row[SERVICE_FIELD_PID]).value_or(0)];
             if (found.places.empty())
                 found.service = row;
-            found.places.push_back(displayName(content.list) + " " +
-                                   row[SERVICE_FIELD_CHANNEL_NUMBER] +
-                                   (isDeleted(row) ? " (hidden)" : ""));
+            found.places.push_back({displayName(content.list), content.list.uuid,
+                                    row[SERVICE_FIELD_CHANNEL_NUMBER], isDeleted(row)});
         }
     }
     return services;

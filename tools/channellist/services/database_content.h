@@ -15,13 +15,23 @@ struct ListContentRows {
     std::vector<ResultRow> rows;
 };
 
-// The lists in the order of the database.
-std::vector<ListContentRows> readAllLists();
+struct DatabaseContent {
+    std::vector<ListContentRows> lists;
+    bool complete = true;  // see Rows
+};
+
+// The lists in the order of the database; those that a request can name.
+DatabaseContent readAllLists();
+
+struct ServicePlace {
+    std::string listName, listUuid, number;
+    bool isDeleted;
+};
 
 // A service and where it stands.
 struct ServicePlaces {
-    ResultRow service;                // as its first list has it
-    std::vector<std::string> places;  // "FAV1 3", "all 7 (hidden)"
+    ResultRow service;  // as its first list has it
+    std::vector<ServicePlace> places;
 };
 
 // By the database key.

@@ -3,7 +3,8 @@
 #include <channellist-access/field_ids.h>
 
 #include <algorithm>
-#include <tuple>
+#include <array>
+#include <utility>
 
 #include "failure.h"
 #include "output/folded_text.h"
@@ -26,28 +27,46 @@ bool fits(ResultRow const& service, ServiceFilter const& filter) {
            (!filter.hd || (attributes & kHighDefinition) != 0) &&
            (!filter.free || (attributes & kScrambled) == 0) && (!filter.hidden || isHidden) &&
            (filter.delivery.empty() || deliveryOf(service) == filter.delivery) &&
-           folded(service[SERVICE_FIELD_CAPTION]).find(folded(filter.match)) != std::string::npos;
+           (filter.match.empty() ||
+            folded(service[SERVICE_FIELD_CAPTION]).find(folded(filter.match)) != std::string::npos);
 }
 
-bool isBefore(ResultRow const& a, ResultRow const& b, std::string const& order) {
-    auto const numberOf = [](ResultRow const& row) {
-        return numberIn(row, SERVICE_FIELD_CHANNEL_NUMBER);
-    };
-    auto const tripletOf = [](ResultRow const& row) {
-        return std::make_tuple(numberIn(row, SERVICE_FIELD_ORIGINAL_NETWORK_ID),
-                               numberIn(row, SERVICE_FIELD_TRANSPORT_STREAM_ID),
-                               numberIn(row, SERVICE_FIELD_SERVICE_ID));
-    };
+// The numbers to sort by, or the name.
+using SortKey = std::pair<std::array<std::int64_t, 3>, std::string>;
+
+SortKey sortKey(ResultRow const& row, std::string const& order) {
     if (order == "name")
-        return folded(a[SERVICE_FIELD_CAPTION]) < folded(b[SERVICE_FIELD_CAPTION]);
-    return order == "triplet" ? tripletOf(a) < tripletOf(b) : numberOf(a) < numberOf(b);
+        return {{}, folded(row[SERVICE_FIELD_CAPTION])};
+    if (order == "number")
+        return {{numberIn(row, SERVICE_FIELD_CHANNEL_NUMBER), 0, 0}, ""};
+    return {
+        {numberIn(row, SERVICE_FIELD_ORIGINAL_NETWORK_ID),
+         numberIn(row, SERVICE_FIELD_TRANSPORT_STREAM_ID), numberIn(row, SERVICE_FIELD_SERVICE_ID)},
+        ""};
 }
 
-void check(char const* option, std::string const& word, std::vector<std::string> const& words) {
-    if (!word.empty() && std::find(words.begin(), words.end(), word) == words.end())
-        throw Failure(
-            std::string(option) + " takes one of " + joined(words) + ", not '" + word + "'",
-            kUsage);
+void sort(std::vector<ResultRow>& services, std::string const& order) {
+    std::vector<std::pair<SortKey, ResultRow>> keyed;
+    for (ResultRow& service : services) {
+        SortKey key = sortKey(service, order);
+        keyed.emplace_back(std::move(key), std::move(service));
+    }
+    std::stable_sort(
+        keyed.begin(), keyed.end(), [](auto const& a, auto const& b) { return a.first < b.first; });
+    std::transform(keyed.begin(), keyed.end(), services.begin(),
+                   [](auto& each) { return std::move(each.second); });
+}
+
+// The one of `words` that `word` is, in whatever case; "" for "".
+std::string known(char const* option, std::string const& word,
+                  std::vector<std::string> const& words) {
+    auto const found = std::find_if(words.begin(), words.end(), [&](std::string const& each) {
+        return folded(each) == folded(word);
+    });
+    if (found != words.end() || word.empty())
+        return word.empty() ? "" : *found;
+    throw Failure(std::string(option) + " takes one of " + joined(words) + ", not '" + word + "'",
+                  kUsage);
 }
 
 }  // namespace
@@ -57,17 +76,15 @@ bool ServiceFilter::isSet() const {
            !sort.empty();
 }
 
-std::vector<ResultRow> filtered(std::vector<ResultRow> services, ServiceFilter const& filter) {
-    check("--delivery", filter.delivery, {"satellite", "cable", "terrestrial", "analogue", "IP"});
-    check("--sort", filter.sort, {"number", "name", "triplet"});
+std::vector<ResultRow> filtered(std::vector<ResultRow> services, ServiceFilter filter) {
+    filter.delivery = known("--delivery", filter.delivery,
+                            {"satellite", "cable", "terrestrial", "analogue", "IP"});
+    filter.sort = known("--sort", filter.sort, {"number", "name", "triplet"});
     services.erase(std::remove_if(services.begin(), services.end(),
                                   [&](ResultRow const& row) { return !fits(row, filter); }),
                    services.end());
-    if (!filter.sort.empty()) {
-        std::stable_sort(
-            services.begin(), services.end(),
-            [&](ResultRow const& a, ResultRow const& b) { return isBefore(a, b, filter.sort); });
-    }
+    if (!filter.sort.empty())
+        sort(services, filter.sort);
     return services;
 }
 

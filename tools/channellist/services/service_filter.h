@@ -18,6 +18,6 @@ struct ServiceFilter {
 };
 
 // The services that all that is set fits. Throws Failure for an unknown delivery or order.
-std::vector<ResultRow> filtered(std::vector<ResultRow> services, ServiceFilter const& filter);
+std::vector<ResultRow> filtered(std::vector<ResultRow> services, ServiceFilter filter);
 
 }  // namespace tool

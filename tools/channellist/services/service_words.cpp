@@ -40,6 +40,13 @@ std::string deliveryOf(ResultRow const& service) {
     return delivery < std::size(kDeliveries) ? kDeliveries[delivery] : "";
 }
 
+std::string tripletOf(ResultRow const& service) {
+    std::string const triplet = service[SERVICE_FIELD_ORIGINAL_NETWORK_ID] + "-" +
+                                service[SERVICE_FIELD_TRANSPORT_STREAM_ID] + "-" +
+                                service[SERVICE_FIELD_SERVICE_ID];
+    return triplet == "0-0-0" || triplet == "--" ? "" : triplet;
+}
+
 std::vector<std::string> statesOf(ResultRow const& service) {
     unsigned int const attributes = attributesOf(service);
     const struct {

@@ -23,6 +23,8 @@ bool isDeleted(ResultRow const& service);
 std::string kindOf(ResultRow const& service);
 // "satellite", "cable", "terrestrial", "analogue", "IP"; "" for inputs.
 std::string deliveryOf(ResultRow const& service);
+// "1-1019-10301": original network, transport stream and service id; "" without one.
+std::string tripletOf(ResultRow const& service);
 // "hidden", "deleted", "scrambled", "locked" ...
 std::vector<std::string> statesOf(ResultRow const& service);
 // The FAV lists that the service says it is in, "FAV1" to "FAV4".
