@@ -78,6 +78,8 @@ void checkEdits(Findings& findings) {
                 try {
                     (list.favIndex != 0 ? tryFavList : tryAllList)(list, findings);
                 } catch (Failure const&) {
+                    if (TimeLimit::isReached())
+                        throw;  // the other lists' edits would not end either
                     addFinding(
                         list,
                         "an edit of " + displayName(list) + " in a copy failed: " + lastMessage(),

@@ -37,6 +37,9 @@ constexpr Consequence kConsequences[] = {
     {"fav-lists", "fav-order"},
     {"fav-lists", "fav-tag"},
     {"fav-order", "fav-tag"},
+    {"endless", "unread"},
+    {"endless", "edit"},
+    {"all-list", "dangling-item"},
     {"all-list", "service-not-in-all"},
     {"all-list", "service-in-no-list"},
     {"missing-table", "unread"},
@@ -49,6 +52,8 @@ constexpr Consequence kConsequences[] = {
     {"damage", "edit"},
     {"default", "edit"},
     {"view-for-table", "edit"},
+    {"view-for-table", "unread"},
+    {"view-for-table", "service-query"},
     {"service-query", "edit"},
 };
 

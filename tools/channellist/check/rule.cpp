@@ -46,6 +46,19 @@ void whyFoulText(sqlite3_context* context, int /*count*/, sqlite3_value** values
 
 }  // namespace
 
+void addUnread(std::string const& rule, std::string const& why, Findings& findings) {
+    while (std::optional<std::string> const work = TimeLimit::newlyEndless()) {
+        findings.push_back({"endless", Severity::Edits, work->substr(work->find(' ') + 1),
+                            TimeLimit::sentenceOf(*work),
+                            "the set hangs with every request that does the same",
+                            "drop the view or trigger that has no end"});
+    }
+    findings.push_back({"unread", Severity::Seen, "rule " + rule,
+                        TimeLimit::isReached() ? TimeLimit::sentence() : why,
+                        "whatever the rule looks for may be there too",
+                        "mend the other findings first"});
+}
+
 void apply(Rule const& rule, std::string const& sql, Findings& findings) {
     examine(
         rule.name, findings,
