@@ -123,7 +123,24 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
         {"INSERT INTO Lcn VALUES (99, 21, 1)", "Lcn of service 99: 1 rows name a service or list",
          ""},
         {"UPDATE Lcn SET Lcn = 'x'", "Lcn of service 1: Lcn is 'x', no channel number", ""},
-        {"INSERT INTO Lcn VALUES (1, 21, 7)", "Lcn of service 1: 2 rows name list 21", "the first"},
+        {"INSERT INTO Lcn VALUES (1, 12, 7)",
+         "Lcn of service 1: 2 rows give it the numbers 7 to 101", "the first"},
+        {"UPDATE Tuner SET NITId = 70000 WHERE TunerId = 1", "Tuner 1: NITId is 70000", "network"},
+        {"UPDATE FavoriteItem SET Id = 4294967304 WHERE Id = 8",
+         "FavoriteItem 4294967304: its key is not 1 to 2147483647", "another row"},
+        {"PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = replace(sql,"
+         " 'Visible            INTEGER DEFAULT -1', 'Visible INTEGER DEFAULT 0')",
+         "FavoriteItem: the default of Visible is 0, not -1", "flag of their service"},
+        {"CREATE TRIGGER t AFTER UPDATE ON Service BEGIN UPDATE Service SET FavTag = 0; END",
+         "FavoriteList 11: an edit of FAV1 in a copy did not mark its services", "not marked"},
+        {"CREATE TRIGGER t BEFORE DELETE ON FavoriteItem BEGIN SELECT RAISE(IGNORE); END",
+         "FavoriteList 11: an edit that empties FAV1 in a copy left entries", "stay"},
+        {"CREATE TRIGGER t BEFORE UPDATE ON FavoriteList BEGIN SELECT RAISE(ABORT, 'no'); END",
+         "FavoriteList 11: an edit of FAV1 in a copy left its UpdateTag", "do not show"},
+        {"DELETE FROM FavoriteItem WHERE FavoriteId BETWEEN 11 AND 14; UPDATE Service SET FavTag ="
+         " 0, FavTag2 = 0; CREATE TRIGGER t BEFORE INSERT ON FavoriteItem BEGIN SELECT"
+         " RAISE(IGNORE); END",
+         "FavoriteList 13: an edit of FAV3 in a copy did not write what it was told", "lost"},
         {"UPDATE Service SET bissKey = 'secret' WHERE Pid = 3", "bissKey is 'secret', not 12", ""},
     };
     std::string const before = content("set.db");
@@ -174,6 +191,7 @@ TEST_F(ToolTest, TellsTheCauseBeforeWhatFollowsFromIt) {
     EXPECT_THAT(out, testing::Not(HasSubstr("is not in FAV")));
     expect({"check --all --fail-on edits", 1, "but is not in FAV", nullptr});
     expect({"check --json", 1, "\"severity\": \"edits\"", nullptr});
+    EXPECT_THAT(out, HasSubstr("\"cause\": \"fav-order\""));
     change(
         "UPDATE FavoriteList SET Creator = 'User.tvFAV2' WHERE Pid = 12;"
         "UPDATE Service SET FavTag = 0 WHERE Pid = 1");
