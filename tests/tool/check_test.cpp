@@ -92,7 +92,7 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
         {"UPDATE FavoriteList SET NetworkId = NULL WHERE Pid = 21", "21: NetworkId is NULL", ""},
         {"UPDATE FavoriteList SET MaxChannelNumber = 2 WHERE Pid = 11",
          "FavoriteList 11: MaxChannelNumber is 2, and the highest number 5",
-         "edit FAV1 --renumber"},
+         "SET MaxChannelNumber = 5 WHERE Pid = 11"},
         {"UPDATE FavoriteItem SET ChannelNum = 2147483648 WHERE Id = 8",
          "FavoriteItem 8: ChannelNum is 2147483648, no number of 32 bits", "edits of the list are"},
         {"UPDATE FavoriteItem SET ChannelNum = 0 WHERE Id = 8",
@@ -137,6 +137,11 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
          "FavoriteList 11: an edit that empties FAV1 in a copy left entries", "stay"},
         {"CREATE TRIGGER t BEFORE UPDATE ON FavoriteList BEGIN SELECT RAISE(ABORT, 'no'); END",
          "FavoriteList 11: an edit of FAV1 in a copy left its UpdateTag", "do not show"},
+        {"CREATE TRIGGER t AFTER INSERT ON FavoriteItem BEGIN DELETE FROM FavoriteItem WHERE"
+         " FavoriteId = 21; END",
+         "FavoriteList 11: an edit of FAV1 in a copy changed other lists", "lose entries"},
+        {"UPDATE FavoriteList SET Creator = 'User.tvFAV' || (15 - Pid) WHERE Pid BETWEEN 11 AND 14",
+         "FavoriteList 12, 13, 14: the keys and creators of the FAV lists do not ascend", "mark"},
         {"DELETE FROM FavoriteItem WHERE FavoriteId BETWEEN 11 AND 14; UPDATE Service SET FavTag ="
          " 0, FavTag2 = 0; CREATE TRIGGER t BEFORE INSERT ON FavoriteItem BEGIN SELECT"
          " RAISE(IGNORE); END",

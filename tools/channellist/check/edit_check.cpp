@@ -44,6 +44,11 @@ std::int64_t updateTag(List const& list) {
                            std::to_string(list.pid));
 }
 
+std::int64_t entriesElsewhere(List const& list) {
+    return queryNumber(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId IS NOT " +
+                               std::to_string(list.pid));
+}
+
 bool areMarked(List const& list) {
     std::string const tag =
         list.favIndex == 1 ? "FavTag" : "FavTag" + std::to_string(list.favIndex);
@@ -70,6 +75,7 @@ void tryFavList(List const& list, Findings& findings) {
     if (before.empty())
         before = anyService();
     std::int64_t const tag = updateTag(list);
+    std::int64_t const elsewhere = entriesElsewhere(list);
     submit(favListRequest(list, {}));
     if (tag >= 0 && updateTag(list) == tag) {
         addFinding(list,
@@ -82,6 +88,10 @@ void tryFavList(List const& list, Findings& findings) {
                    "removed favourites stay", findings);
     }
     submitFavList(list, {}, before);
+    if (entriesElsewhere(list) != elsewhere) {
+        addFinding(list, "an edit of " + displayName(list) + " in a copy changed other lists",
+                   "other lists gain or lose entries with it", findings);
+    }
     if (!areMarked(list)) {
         addFinding(
             list,

@@ -13,6 +13,15 @@ constexpr Rule kRules[] = {
      ", 'make lists with the creators User.tvFAV1 to User.tvFAV4, in this order, and no other'"
      " FROM FavoriteList WHERE Creator LIKE 'User.tvFAV%' HAVING count(*) <> 4"},
 
+    {"fav-order", Severity::Edits,
+     "SELECT 'FavoriteList ' || group_concat(Pid, ', ')"
+     ", 'the keys and creators of the FAV lists do not ascend together'"
+     ", 'edits take one FAV list for another, and mark its services as those of the other'"
+     ", 'make the four lists anew, in the order FAV1 to FAV4'"
+     " FROM (SELECT Pid FROM FavoriteList l WHERE Creator LIKE 'User.tvFAV%' AND EXISTS"
+     " (SELECT 1 FROM FavoriteList m WHERE m.Creator LIKE 'User.tvFAV%' AND m.Pid < l.Pid"
+     " AND m.Creator > l.Creator COLLATE NOCASE) ORDER BY Pid) HAVING count(*) > 0"},
+
     {"all-list", Severity::Seen,
      "SELECT 'FavoriteList' || ifnull(' ' || group_concat(Pid, ', '), ''), count(*) || ' lists are the All list, not one'"
      ", 'the list of all services is missing, or not certain'"
@@ -74,7 +83,7 @@ constexpr Rule kRules[] = {
      "SELECT 'FavoriteList ' || l.Pid, 'MaxChannelNumber is ' || quote(MaxChannelNumber)"
      " || ', and the highest number ' || n.Highest"
      ", 'a client that trusts it puts a new entry on a number that is taken, or leaves a gap'"
-     ", 'channellist edit FAV' || substr(Creator, 11) || ' --renumber'"
+     ", 'UPDATE FavoriteList SET MaxChannelNumber = ' || n.Highest || ' WHERE Pid = ' || l.Pid"
      " FROM FavoriteList l JOIN (SELECT FavoriteId, max(ChannelNum) AS Highest FROM FavoriteItem"
      " WHERE isDeleted = 0 AND typeof(ChannelNum) = 'integer' GROUP BY FavoriteId) n"
      " ON n.FavoriteId = l.Pid WHERE Creator LIKE 'User.tvFAV%' AND MaxChannelNumber <> 0"

@@ -29,11 +29,14 @@ void whyFoulText(sqlite3_context* context, int /*count*/, sqlite3_value** values
     sqlite3_value* const value = values[0];
     auto const* const bytes = static_cast<char const*>(sqlite3_value_blob(value));
     std::size_t const size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+    constexpr std::size_t kLongest = 4096;
     char const* reason = nullptr;
     if (sqlite3_value_type(value) == SQLITE_NULL)
         reason = "is NULL";
     else if (size == 0)
         reason = "is empty";
+    else if (size > kLongest)
+        reason = "is longer than 4096 bytes";
     else if (std::find(bytes, bytes + size, '\0') != bytes + size)
         reason = "holds a NUL";
     else if (!channel_database::isUtf8(std::string_view(bytes, size)))

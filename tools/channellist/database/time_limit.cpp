@@ -21,7 +21,8 @@ constexpr char kServiceQuery[] = "favoriteitemview";  // reads every table
 int limitSeconds = 20;
 double began = 0;
 bool reached = false;
-bool shown = false;
+std::string task;   // for a person who waits
+std::string shown;  // the task on the terminal
 
 void* outermost = nullptr;  // the statement that is timed; others run inside it
 std::string work;           // what it does, "reading FavoriteList"
@@ -36,6 +37,13 @@ double secondsOfWork() {
     timespec now = {};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+void showTask() {
+    if (task == shown || secondsOfWork() < kSecondsUnseen || isatty(STDERR_FILENO) == 0)
+        return;
+    std::cerr << "\rLooking at " << task << "\x1b[K" << std::flush;
+    shown = task;
 }
 
 std::string lower(std::string text) {
@@ -92,6 +100,7 @@ int followStatement(unsigned event, void* /*unused*/, void* statement, void* tex
 }
 
 int interruptAtTheLimit(void* /*unused*/) {
+    showTask();
     if (isHopeless) {
         reached = true;
     } else if (secondsOfWork() - began > limitSeconds) {
@@ -122,18 +131,18 @@ void TimeLimit::learnViews(sqlite3* connection) {
 
 void TimeLimit::set(int seconds) { limitSeconds = seconds; }
 
-void TimeLimit::restart(std::string const& task) {
+void TimeLimit::restart(std::string const& next) {
     reached = false;
-    if (secondsOfWork() > kSecondsUnseen && isatty(STDERR_FILENO) == 1) {
-        shown = true;
-        std::cerr << "\rLooking at " << task << "\x1b[K" << std::flush;
-    }
+    task = next;
+    showTask();
 }
 
-void TimeLimit::hideTask() {
-    if (shown)
+void TimeLimit::finish() {
+    reached = false;
+    task.clear();
+    if (!shown.empty())
         std::cerr << "\r\x1b[K" << std::flush;
-    shown = false;
+    shown.clear();
 }
 
 bool TimeLimit::isReached() { return reached; }

@@ -20,10 +20,11 @@ class TimeLimit {
 
     // In seconds of computing: neither a wait for a lock nor for a person counts.
     static void set(int seconds);
-    // Forgets that the limit was reached. On a terminal, `task` is shown where the tasks together
-    // take long.
+    // Forgets that the limit was reached. On a terminal, the task is shown once the tasks together
+    // have taken long.
     static void restart(std::string const& task);
-    static void hideTask();
+    // The tasks are done, whatever they reached.
+    static void finish();
 
     static bool isReached();
     // "reading FavoriteList did not end within 20 seconds", of what was last interrupted.
