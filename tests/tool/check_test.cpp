@@ -142,6 +142,9 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
          "FavoriteList 11: an edit of FAV1 in a copy changed other lists", "lose entries"},
         {"UPDATE FavoriteList SET Creator = 'User.tvFAV' || (15 - Pid) WHERE Pid BETWEEN 11 AND 14",
          "FavoriteList 12, 13, 14: the keys and creators of the FAV lists do not ascend", "mark"},
+        {"CREATE TRIGGER t BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 11 BEGIN SELECT"
+         " RAISE(ABORT, 'no'); END",
+         "FavoriteList 11: an edit of FAV1 in a copy failed: sqlite3_step failed:19", "be edited"},
         {"DELETE FROM FavoriteItem WHERE FavoriteId BETWEEN 11 AND 14; UPDATE Service SET FavTag ="
          " 0, FavTag2 = 0; CREATE TRIGGER t BEFORE INSERT ON FavoriteItem BEGIN SELECT"
          " RAISE(IGNORE); END",

@@ -88,6 +88,7 @@ void tryFavList(List const& list, Findings& findings) {
                    "removed favourites stay", findings);
     }
     submitFavList(list, {}, before);
+    submit(favListRequest(list, before));  // which updates entries rather than adding them
     if (entriesElsewhere(list) != elsewhere) {
         addFinding(list, "an edit of " + displayName(list) + " in a copy changed other lists",
                    "other lists gain or lose entries with it", findings);
