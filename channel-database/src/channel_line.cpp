@@ -223,7 +223,7 @@ Delivery Channel::delivery() const {
 
 int Channel::frequencyInKHz() const {
     std::int64_t scaled = frequency;
-    while (scaled < 1000000)
+    while (scaled > 0 && scaled < 1000000)
         scaled *= 1000;
     return static_cast<int>(source[0] == 'S' ? scaled : (scaled + 500) / 1000);
 }

@@ -2,9 +2,8 @@
 #include <channel-database/database_file.h>
 #include <sys/stat.h>
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <algorithm>
+
 #include <memory>
 #include <stdexcept>
 
@@ -34,16 +33,6 @@ Connection openTemporary(int pageSize) {
 
 }  // namespace
 
-ChannelsConf readChannelsConf(std::string const& path) {
-    std::ifstream file(path);
-    if (!file)
-        throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
-    ChannelsConf list = parseChannelsConf(file);
-    if (file.bad())
-        throw std::runtime_error("cannot read " + path + " to its end");
-    return list;
-}
-
 void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
                       ImportProgress const& progress,
                       std::function<void()> const& beforeReplacing) {
@@ -55,9 +44,14 @@ void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool re
         checkReplaceable(path);
     if (list.channels.empty())
         throw std::runtime_error("the list holds no channel");
+    if (std::all_of(list.channels.begin(), list.channels.end(),
+                    [](Channel const& channel) { return channel.isReference; }))
+        throw std::runtime_error("the list names services of another one, which it needs");
     Connection const temporary = openTemporary(exists ? pageSize(path) : kDefaultPageSize);
-    ChannelDatabase database(temporary.get());
+    // Indexes that grow row by row would take most of the time.
+    ChannelDatabase database(temporary.get(), Indexes::PrimaryKeysOnly);
     importChannels(database, list, progress);
+    createSchema(temporary.get(), Indexes::Recommended);
     if (exists && beforeReplacing)
         beforeReplacing();
     (exists ? replaceContent : writeNewFile)(temporary.get(), path);

@@ -48,36 +48,20 @@ class Importer {
             database_.put(av_, database_.input(name), ++number);
     }
 
-    void addChannel(Channel const& channel) {
-        Service service = makeService(channel);
-        services_.emplace(channelId(channel), service);
-        Id const delivery = deliveryList(channel);
-        database_.put(delivery, service, channel.number).deleted(channel.hidden);
-        database_.put(all_, service, channel.number).original(delivery).deleted(channel.hidden);
-        if (channel.orbitalPosition() == kAstraPosition) {
-            Id const astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
-                                    "astra-19.2e", kAstraNetwork);
-            database_.put(astra, service, channel.number).deleted(channel.hidden);
-        }
-        if (channel.group >= 0 && favIndexOf(channel) == 0)
-            addToGroup(channel, service, delivery);
+    void finish() {
+        database_.run(
+            "UPDATE FavoriteList SET MaxChannelNumber = Highest FROM (SELECT FavoriteId AS List,"
+            " max(ChannelNum) AS Highest FROM FavoriteItem WHERE isDeleted = 0 GROUP BY FavoriteId)"
+            " WHERE List = Pid");
     }
 
-    /// A channel that stands elsewhere in the list, too, is one service.
-    void addFavourite(Channel const& channel) {
-        if (services_.count(channelId(channel)) == 0) {
-            Channel shown = channel;
-            shown.hidden = false;
-            addChannel(shown);
-        }
-        int const index = favIndexOf(channel);
-        Id const fav = lists_.at("fav" + std::to_string(index));
-        Service& service = services_.at(channelId(channel));
-        Id const number = channel.mark != 0 ? channel.mark : counts_[fav] + 1;
-        if (!channel.hidden)
-            counts_[fav] = number;
-        database_.put(fav, service, number).original(deliveryList(channel)).deleted(channel.hidden);
-        service.favTag(index);
+    void add(Channel const& channel) {
+        if (favIndexOf(channel) != 0)
+            addFavourite(channel);
+        else if (channel.isReference)
+            addReference(channel);
+        else
+            addChannel(channel);
     }
 
     /// 1 for a channel of the group "FAV1"; 0 for those of others.
@@ -88,13 +72,55 @@ class Importer {
         return 0;
     }
 
-    void finish() {
-        database_.run(
-            "UPDATE FavoriteList SET MaxChannelNumber = (SELECT ifnull(max(ChannelNum), 0)"
-            " FROM FavoriteItem WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0)");
+  private:
+    void addChannel(Channel const& channel) {
+        Service service = makeService(channel);
+        services_.emplace(channelId(channel), service);
+        Id const delivery = deliveryList(channel);
+        put(channel, delivery, service, channel.number);
+        put(channel, all_, service, channel.number).original(delivery);
+        if (channel.orbitalPosition() == kAstraPosition) {
+            Id const astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
+                                    "astra-19.2e", kAstraNetwork);
+            put(channel, astra, service, channel.number);
+        }
+        if (channel.group >= 0 && favIndexOf(channel) == 0)
+            addToGroup(channel, service, delivery);
     }
 
-  private:
+    /// A channel that stands elsewhere in the list, too, is one service.
+    void addFavourite(Channel const& channel) {
+        if (services_.count(channelId(channel)) == 0) {
+            if (channel.isReference)
+                return;  // to a service that the list does not have
+            Channel shown = channel;
+            shown.hidden = false;
+            addChannel(shown);
+        }
+        int const index = favIndexOf(channel);
+        Id const fav = lists_.at("fav" + std::to_string(index));
+        Service& service = services_.at(channelId(channel));
+        Id const number = channel.mark != 0 ? channel.mark : counts_[fav] + 1;
+        if (!channel.hidden)
+            counts_[fav] = number;
+        put(channel, fav, service, number).original(deliveryList(channel));
+        service.favTag(index);
+    }
+
+    /// A group of references shows services that stand elsewhere.
+    void addReference(Channel const& channel) {
+        auto const known = services_.find(channelId(channel));
+        if (known != services_.end())
+            addToGroup(channel, known->second, deliveryList(channel));
+    }
+
+    Item put(Channel const& channel, Id list, Service const& service, Id number) {
+        Item item = database_.put(list, service, number);
+        if (channel.hidden)
+            item.deleted();
+        return item;
+    }
+
     Id makeList(std::string const& creator, std::string const& name, std::string const& uuid,
                 int network = kNoNetwork) {
         Id const list = database_.list(creator).name(name).uuid(uuid).networkId(network);
@@ -125,7 +151,7 @@ class Importer {
         std::string const number = std::to_string(channel.group + 1);
         Id const user =
             listOf("User." + kind + "." + number, groupOf(channel), "user-" + kind + "-" + number);
-        database_.put(user, service, ++counts_[user]).original(delivery).deleted(channel.hidden);
+        put(channel, user, service, ++counts_[user]).original(delivery);
     }
 
     std::string const& groupOf(Channel const& channel) const {
@@ -142,10 +168,13 @@ class Importer {
             writeTuner(channel, service.tunerUuid(transponder));
         }
         service.uuid(newUuid(channel))
-            .triplet(channel.networkId, channel.transportStreamId, channel.serviceId)
-            .set("MediaType", channel.isRadio() ? 2 : 1)
-            .encrypted(channel.isEncrypted())
-            .hdtv(isHighDefinition(channel));
+            .triplet(channel.networkId, channel.transportStreamId, channel.serviceId);
+        if (channel.isRadio())
+            service.radio();
+        if (channel.isEncrypted())
+            service.encrypted();
+        if (isHighDefinition(channel))
+            service.hdtv();
         if (!channel.shortName.empty())
             service.shortName(channel.shortName).serviceName(channel.name);  // lists show the name
         return service;
@@ -234,11 +263,11 @@ void importChannels(ChannelDatabase& database, ChannelsConf const& list,
     Importer importer(database, list);
     importer.addInputs();
     std::size_t done = 0;
-    for (bool const isFavourite : {false, true}) {
+    for (bool const isSecond : {false, true}) {  // what may show a service of the first
         for (Channel const& channel : list.channels) {
-            if ((importer.favIndexOf(channel) != 0) != isFavourite)
+            if ((channel.isReference || importer.favIndexOf(channel) != 0) != isSecond)
                 continue;
-            isFavourite ? importer.addFavourite(channel) : importer.addChannel(channel);
+            importer.add(channel);
             if (progress)
                 progress(++done, list.channels.size());
         }

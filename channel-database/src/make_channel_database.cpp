@@ -5,6 +5,7 @@
 ///
 /// Exit codes: 0 made, 1 not made (the reason is on standard error), 2 wrong arguments.
 
+#include <channel-database/channel_list.h>
 #include <channel-database/database_file.h>
 
 #include <iostream>
@@ -51,7 +52,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        ChannelsConf const list = readChannelsConf(arguments.list);
+        ChannelsConf const list = readChannelList(arguments.list);
         reportRejectedLines(list, arguments.list);
         makeDatabaseFile(list, arguments.database, arguments.force);
         std::cout << arguments.database << ": " << list.channels.size() << " channels, "

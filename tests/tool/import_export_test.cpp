@@ -273,4 +273,65 @@ TEST_F(ToolTest, ChoosesAmongServicesOfOneTriplet) {
     EXPECT_EQ(fav(1), "1 5;2 4");
 }
 
+// A receiver's folder makes a database and favourites; its bouquets name services of any database.
+TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
+    fs::create_directory(folder / "e2");
+    write("e2/lamedb",
+          "eDVB services /4/\ntransponders\n"
+          "00c00000:03fb:0001\n\ts 12604000:27500000:0:3:192:2:0\n/\n"
+          "ffff0000:0008:0003\n\tc 394000:6900000:2:5:0:0:0\n/\nend\nservices\n"
+          "283d:00c00000:03fb:0001:1:0\nDas Erste\np:\n"
+          "000a:ffff0000:0008:0003:2:0\nJazz\np:\n"
+          "0007:ffff0000:0008:0003:12:0\nData\np:\nend\n");
+    write("e2/bouquets.tv",
+          "#NAME x\n#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" "
+          "ORDER BY bouquet\n");
+    write("e2/userbouquet.a.tv",
+          "#NAME Mine\n#SERVICE 1:0:2:A:8:3:FFFF0000:0:0:0:\n"
+          "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:\n");
+    ASSERT_EQ(run("import e2/lamedb new.db"), 0);
+    EXPECT_EQ(out, "new.db: 2 channels, 0 groups, 1 lines skipped\n");
+    EXPECT_EQ(err, "e2/lamedb:17: skipped: service type 12 is no TV or radio: Data\n");
+    ASSERT_EQ(run("import e2 new.db --force"), 0) << err;
+    ASSERT_EQ(run("services --db new.db Mine --json"), 1) << "TV and radio are lists of their own";
+    EXPECT_EQ(rows("SELECT count(*) FROM Service WHERE Type <> 0", "new.db"), "2");
+    EXPECT_EQ(run("import e2/userbouquet.a.tv other.db"), 1);
+    EXPECT_THAT(err, HasSubstr("the list names services of another one, which it needs"));
+    expect({"import --favourites e2/userbouquet.a.tv --list FAV3", 0, "FAV3: 2 services, 0 not",
+            nullptr});
+    EXPECT_EQ(fav(3), "1 5;2 1");
+    expect({"import --favourites e2", 0, "FAV1: 2 services, 0 not found",
+            "FAV1: written from \"Mine\""});
+    EXPECT_EQ(fav(1), "1 5;2 1");
+    EXPECT_EQ(output("export --format enigma2 FAV1"),
+              "#NAME FAV1\n#SERVICE 1:0:2:A:8:3:FFFF0000:0:0:0:\n#DESCRIPTION Jazz\n"
+              "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:\n#DESCRIPTION Das Erste\n");
+    write("bouquet", out);
+    expect({"import --favourites bouquet --list FAV1", 0, "Nothing to change.", nullptr});
+    expect({"export --format enigma2 FAV1 FAV2", 2, nullptr, "takes one list"});
+    expect({"export --format txt FAV1", 2, nullptr, "'txt' is none of vdr, enigma2 and csv"});
+}
+
+TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {
+    change(
+        "UPDATE Service SET Name = 'A, \"B\"' WHERE Pid = 1; UPDATE FavoriteItem SET isDeleted = 1"
+        " WHERE FavoriteId = 11 AND ServiceId = 3");
+    EXPECT_EQ(output("export --format csv FAV1"),
+              "Number,State,Name,Triplet,Key,Kind,Delivery,Frequency\r\n"
+              "1,shown,\"A, \"\"B\"\"\",1-1019-10301,1,TV,satellite,12604000\r\n"
+              "2,shown,ZDF HD,1-1011-11110,2,TV,satellite,11493750\r\n"
+              "3,hidden,VOX,1-1089-12060,3,TV,satellite,11953500\r\n"
+              "5,shown,Jazz,3-8-10,5,radio,cable,394000\r\n");
+    write("list.csv", out);
+    expect({"edit FAV1 --from list.csv", 0, "Nothing to change.", nullptr});
+    write("list.csv",
+          "\xEF\xBB\xBFName,number,key\r\nJazz,7,\r\n\"A, \"\"B\"\"\",,1\r\nテレビ東京,,\r\n");
+    expect({"edit FAV1 --from list.csv", 0, "FAV1  added", nullptr});
+    EXPECT_EQ(fav(1), "7 5;8 1;9 4");
+    write("list.csv", "Number,Name\nx,Jazz\n1,\n2,nobody\n");
+    expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:2: the number or key is none"});
+    EXPECT_THAT(err,
+                HasSubstr("list.csv:3: the row names no service\nlist.csv:4: no service fits"));
+}
+
 }  // namespace

@@ -35,7 +35,7 @@ TEST_F(ToolTest, RefusesWrongUsage) {
         letter += "Dear aunt, this is line " + std::to_string(line) + "\n";
     write("letter", letter);
     Invocation const runs[] = {
-        {"import letter new.db", 1, nullptr, "letter: this is no VDR channel list"},
+        {"import letter new.db", 1, nullptr, "letter: this is no channel list of VDR or Enigma2\n"},
         {"", 2, nullptr, "A subcommand is required"},
         {"frobnicate", 2, nullptr, "required"},
         {"services", 2, nullptr, "LIST is required"},

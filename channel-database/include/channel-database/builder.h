@@ -24,8 +24,9 @@
 #include <initializer_list>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <variant>
 #include <vector>
 
@@ -191,9 +192,9 @@ class ChannelDatabase {
 
     std::unique_ptr<sqlite3, Closer> owned_;
     sqlite3* connection_;
-    std::map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>> statements_;
+    std::unordered_map<std::string, std::unique_ptr<sqlite3_stmt, Finalizer>> statements_;
     std::map<std::string, Id> lastIds_;
-    std::set<std::string> columns_;  // "Table.Column"
+    std::unordered_set<std::string> columns_;  // "Table.Column"
 };
 
 /// Makes all writes one, and undoes them unless commit() is reached.

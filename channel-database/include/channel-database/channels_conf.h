@@ -47,8 +47,9 @@ struct Channel {
     int number = 0;  ///< position in the whole list
     int mark = 0;    ///< the n of the `:@n` in front of it, or of a hidden one's comment; 0 without
     bool hidden = false;
-    int group = -1;  ///< index in ChannelsConf::groups; -1 in front of the first
-    int line = 0;    ///< counted from 1
+    bool isReference = false;  ///< names a service by its ids: without frequency and parameters
+    int group = -1;            ///< index in ChannelsConf::groups; -1 in front of the first
+    int line = 0;              ///< counted from 1
 
     Delivery delivery() const;
     /// In kHz: the frequency times 1000 until it is no smaller than a satellite's in kHz, any

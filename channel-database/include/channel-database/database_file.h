@@ -8,10 +8,6 @@
 
 namespace channel_database {
 
-/// Reads a channel list; lines that cannot be read are in its `rejected`. Throws
-/// std::runtime_error when the file cannot be read.
-ChannelsConf readChannelsConf(std::string const& path);
-
 /// Makes a channel database in a temporary place of SQLite's, and puts it into the file `path` (see
 /// database_content.h): a new file appears whole, and with `replace` the content of an existing
 /// database is replaced as a whole. A failure (a list without channels, too) throws

@@ -1,4 +1,5 @@
 // channellist import CHANNELS.CONF DATABASE
+#include <channel-database/channel_list.h>
 #include <channel-database/database_file.h>
 #include <unistd.h>
 
@@ -49,18 +50,10 @@ class Progress {
     bool shown_ = false;
 };
 
-constexpr std::size_t kScreenful = 20;
-
-// A file of another kind would be named line by line.
 void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
-    bool const isOther = list.channels.empty() && list.rejected.size() > kScreenful;
-    for (std::size_t i = 0; i < list.rejected.size() && (!isOther || i < kScreenful); ++i) {
-        RejectedLine const& rejected = list.rejected[i];
+    for (RejectedLine const& rejected : list.rejected)
         std::cerr << path << ":" << rejected.line << ": skipped: " << displayText(rejected.reason)
                   << "\n";
-    }
-    if (isOther)
-        throw Failure(path + ": this is no VDR channel list");
 }
 
 void makeDatabase(ChannelsConf const& list, Options const& options) {
@@ -138,7 +131,7 @@ int run(std::string const& setDatabase, Options options) {
             throw Failure("import needs the name of the database to make", kUsage);
         options.database = setDatabase;
     }
-    ChannelsConf const list = readChannelsConf(options.list);
+    ChannelsConf const list = readChannelList(options.list);
     reportRejectedLines(list, options.list);
     (options.favourites ? writeFavourites : makeDatabase)(list, options);
     return kSuccess;
@@ -148,8 +141,9 @@ int run(std::string const& setDatabase, Options options) {
 
 void addImportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
-    line.add("import", "Makes a channel database from a VDR channel list")
-        .argument("CHANNELS.CONF", options->list, "the channel list")
+    line.add("import", "Makes a channel database from a channel list of VDR or Enigma2")
+        .argument("CHANNELS", options->list,
+                  "channels.conf, lamedb, a bouquet, or a folder of them; - for the input")
         .optionalArgument("DATABASE", options->database,
                           "the database to make, or to write favourites to")
         .flag("--force", options->force, "replace the content of an existing database")
@@ -161,6 +155,8 @@ void addImportCommand(CommandLine& line) {
         .needs("--dry-run", "--favourites")
         .noUndo(options->noUndo)
         .footer(
+            "The format is told from the content. Of Enigma2, lamedb makes a database, a bouquet\n"
+            "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv both.\n"
             "Lines that cannot be read are named and skipped. The groups FAV1 to FAV4 become "
             "these\n"
             "lists, other groups lists of their own names. --favourites writes to an existing\n"
@@ -173,7 +169,7 @@ void addImportCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist import channels.conf servicelist.db\n"
             "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"
-            "  channellist import --favourites sports.conf --list FAV3")
+            "  channellist import --favourites userbouquet.sports.tv --list FAV3")
         .action([options](std::string const& database) { return run(database, *options); });
 }
 

@@ -83,6 +83,11 @@ class Collector {
             result_.entries.push_back(entry);
     }
 
+    void noteGroup(std::string const& group) {
+        if (group != displayName(result_.list))
+            result_.notes.push_back("written from \"" + group + "\"");
+    }
+
     // Of a list that is not there at all nothing is taken away.
     Favourites result() {
         if (result_.entries.empty() && !result_.notFound.empty()) {
@@ -154,6 +159,15 @@ std::map<int, List> listsOfGroups(ChannelsConf const& channels) {
         for (List const& list : lists)
             if (list.favIndex != 0 && displayName(list) == channels.groups[i])
                 found[static_cast<int>(i)] = list;
+    bool const isNamed = !found.empty();
+    // Bouquets of a receiver that knows no FAV1 to FAV4: the first four of them.
+    bool const hasBouquets =
+        std::any_of(channels.channels.begin(), channels.channels.end(),
+                    [](Channel const& channel) { return channel.isReference; });
+    for (List const& list : lists)
+        if (hasBouquets && list.favIndex != 0 &&
+            list.favIndex <= static_cast<int>(channels.groups.size()) && !isNamed)
+            found[list.favIndex - 1] = list;
     if (found.empty()) {
         throw Failure(
             "the file has none of the groups FAV1 to FAV4; --list names the list to write");
@@ -201,6 +215,8 @@ std::vector<Favourites> findFavourites(ChannelsConf const& channels, std::string
     std::vector<Favourites> result;
     for (auto const& [list, members] : membersOfLists(channels, listName)) {
         Collector collector(list, members.groups.size() > 1, services, all);
+        if (listName.empty() && members.groups.size() == 1)
+            collector.noteGroup(channels.groups[static_cast<std::size_t>(*members.groups.begin())]);
         for (Channel const* channel : members.channels)
             collector.add(*channel);
         for (OtherEntry const* other : members.others)

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "edit/difference.h"
+#include "edit/list_csv.h"
 #include "edit/reserved_numbers.h"
 #include "edit/text_order.h"
 #include "failure.h"
@@ -31,7 +32,8 @@ std::string readText(std::string const& file) {
 TextOrder orderOf(List const& list, std::vector<Entry> const& before, std::string const& text) {
     std::vector<Entry> const joining =
         list.favIndex != 0 ? readEntries(findList("all").uuid).entries : std::vector<Entry>();
-    return orderByText(list, before, joining, reservedNumbers(list), parseList(text));
+    return orderByText(list, before, joining, reservedNumbers(list),
+                       isCsv(text) ? parseCsv(text) : parseList(text));
 }
 
 std::vector<Entry> accept(TextOrder&& order) {

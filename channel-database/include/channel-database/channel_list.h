@@ -1,0 +1,15 @@
+/// Reads a channel list of any format that this library knows.
+#pragma once
+
+#include <channel-database/channels_conf.h>
+
+#include <string>
+
+namespace channel_database {
+
+/// The list of a file, "-" for standard input, or of a folder of Enigma2; its format is told from
+/// the content: lamedb or bouquet of Enigma2, else VDR's. Throws std::runtime_error when it cannot
+/// be read, and with one sentence for a file in none of these formats.
+ChannelsConf readChannelList(std::string const& path);
+
+}  // namespace channel_database

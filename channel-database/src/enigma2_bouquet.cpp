@@ -1,0 +1,192 @@
+// Bouquets of an Enigma2 receiver, and the folder that holds them beside lamedb.
+#include <channel-database/enigma2.h>
+#include <channel-database/utf8.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+
+#include "enigma2_ids.h"
+#include "line_text.h"
+
+namespace channel_database {
+namespace {
+
+constexpr std::string_view kName = "#NAME";
+constexpr std::string_view kService = "#SERVICE";
+constexpr std::string_view kDescription = "#DESCRIPTION";
+constexpr std::uint32_t kCable = 0xFFFF;
+constexpr std::uint32_t kTerrestrial = 0xEEEE;
+
+// By the namespace, which is the orbital position with a checksum behind.
+std::string sourceOf(std::uint32_t place) {
+    std::uint32_t const position = place >> 16;
+    if (position == kCable)
+        return "C";
+    if (position == kTerrestrial)
+        return "T";
+    auto const tenths = static_cast<int>(position);
+    return orbitalSource(tenths > 1800 ? tenths - 3600 : tenths);
+}
+
+// "1:0:19:283D:3FB:1:C02CE5:0:0:0:Name"; nothing for a marker, a directory or a stream.
+std::optional<Channel> referenceOf(std::string_view text) {
+    auto const numbers = hexadecimalFields(text, 7);
+    if (!numbers || (*numbers)[0] != 1 || (*numbers)[1] != 0)
+        return std::nullopt;
+    Channel channel;
+    channel.isReference = true;
+    channel.serviceId = static_cast<int>((*numbers)[3] & 0xFFFF);
+    channel.transportStreamId = static_cast<int>((*numbers)[4] & 0xFFFF);
+    channel.networkId = static_cast<int>((*numbers)[5] & 0xFFFF);
+    channel.source = sourceOf((*numbers)[6]);
+    channel.name = tripletText(channel);
+    channel.videoPid = isRadioType(static_cast<int>((*numbers)[2])) ? "0" : "8191";
+    return channel;
+}
+
+std::string_view behind(std::string_view line, std::string_view word) {
+    line.remove_prefix(word.size());
+    if (!line.empty() && line[0] == ':')
+        line.remove_prefix(1);
+    return trimmed(line);
+}
+
+struct BouquetReader {
+    void read(std::string_view line, int number) {
+        if (line.substr(0, kName.size()) == kName) {
+            std::string const name = shownText(behind(line, kName));
+            list.groups.push_back(name.empty() ? "Bouquet" : name);
+        } else if (line.substr(0, kService.size()) == kService) {
+            addService(behind(line, kService), number);
+        } else if (line.substr(0, kDescription.size()) == kDescription && isNamed) {
+            list.channels.back().name = shownText(behind(line, kDescription));
+        }
+    }
+
+    void addService(std::string_view text, int number) {
+        auto channel = referenceOf(text);
+        isNamed = channel.has_value();
+        bool const isMarker = text.substr(0, 5) == "1:64:";
+        if (!channel && !isMarker)
+            list.rejected.push_back({number, "no DVB service: " + std::string(text)});
+        if (!channel)
+            return;
+        channel->group = static_cast<int>(list.groups.size()) - 1;
+        channel->line = number;
+        channel->number = static_cast<int>(list.channels.size()) + 1;
+        list.channels.push_back(std::move(*channel));
+    }
+
+    ChannelsConf list;
+    bool isNamed = false;  // whether a description names the last channel
+};
+
+// The files that bouquets.tv names, in its order.
+std::vector<std::string> bouquetFiles(std::string const& folder) {
+    std::vector<std::string> files;
+    for (char const* index : {"/bouquets.tv", "/bouquets.radio"}) {
+        std::ifstream in(folder + index);
+        for (std::string line; std::getline(in, line);) {
+            auto const begin = line.find("FROM BOUQUET \"");
+            auto const end = begin == std::string::npos ? begin : line.find('"', begin + 14);
+            if (end != std::string::npos)
+                files.push_back(folder + "/" + line.substr(begin + 14, end - begin - 14));
+        }
+    }
+    return files;
+}
+
+// The services of lamedb by their triplets.
+class KnownServices {
+  public:
+    explicit KnownServices(std::vector<Channel> const& channels) {
+        for (Channel const& channel : channels)
+            services_.emplace(tripletText(channel), channel);
+    }
+    // The one from the same source, else any; null without one.
+    Channel const* find(Channel const& reference) const {
+        auto const [first, last] = services_.equal_range(tripletText(reference));
+        for (auto service = first; service != last; ++service)
+            if (service->second.source == reference.source)
+                return &service->second;
+        return first == last ? nullptr : &first->second;
+    }
+
+  private:
+    std::multimap<std::string, Channel> services_;
+};
+
+void append(ChannelsConf bouquet, std::string const& file, KnownServices const& services,
+            ChannelsConf& list) {
+    auto const group = static_cast<int>(list.groups.size());
+    list.groups.push_back(bouquet.groups.empty() ? file : bouquet.groups[0]);
+    for (Channel& reference : bouquet.channels) {
+        Channel channel = reference;
+        if (Channel const* const known = services.find(reference))
+            channel = *known;
+        channel.isReference = true;
+        channel.group = group;
+        channel.line = reference.line;
+        channel.number = static_cast<int>(list.channels.size()) + 1;
+        list.channels.push_back(std::move(channel));
+    }
+    for (RejectedLine& rejected : bouquet.rejected)
+        list.rejected.push_back({rejected.line, file + ": " + rejected.reason});
+}
+
+}  // namespace
+
+bool isBouquet(std::string_view beginning) {
+    return beginning.substr(0, kName.size()) == kName ||
+           beginning.substr(0, kService.size()) == kService;
+}
+
+ChannelsConf parseBouquet(std::istream& text) {
+    BouquetReader reader;
+    int number = 0;
+    for (std::string line; std::getline(text, line);)
+        reader.read(trimmed(isUtf8(line) ? line : latin1ToUtf8(line)), ++number);
+    return std::move(reader.list);
+}
+
+ChannelsConf readEnigma2Folder(std::string const& folder) {
+    std::vector<std::string> const files = bouquetFiles(folder);
+    std::ifstream lamedb(folder + "/lamedb");
+    if (!lamedb && files.empty())
+        throw std::runtime_error(folder + " is a folder without lamedb or bouquets.tv");
+    ChannelsConf list;
+    if (lamedb)
+        list = parseLamedb(lamedb);
+    KnownServices const services(list.channels);
+    for (std::string const& file : files) {
+        std::ifstream in(file);
+        if (in)
+            append(parseBouquet(in), file, services, list);
+        else
+            list.rejected.push_back({0, "bouquets.tv names " + file + ", which cannot be read"});
+    }
+    return list;
+}
+
+std::string formatBouquetName(std::string const& name) { return "#NAME " + name; }
+
+std::string formatBouquetEntry(Channel const& channel, bool isHighDefinition) {
+    int const position = channel.orbitalPosition();
+    unsigned const place = channel.source[0] == 'C' ? kCable
+                           : channel.source[0] == 'T'
+                               ? kTerrestrial
+                               : static_cast<unsigned>(position < 0 ? position + 3600 : position);
+    char text[96];
+    std::snprintf(text, sizeof text, "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:",
+                  channel.isRadio()  ? 2U
+                  : isHighDefinition ? 0x19U
+                                     : 1U,
+                  static_cast<unsigned>(channel.serviceId),
+                  static_cast<unsigned>(channel.transportStreamId),
+                  static_cast<unsigned>(channel.networkId), place << 16);
+    return text;
+}
+
+}  // namespace channel_database

@@ -1,0 +1,83 @@
+// What lamedb and bouquets say in the same way.
+#pragma once
+
+#include <channel-database/channels_conf.h>
+
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+namespace channel_database {
+
+using TransponderKey = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
+
+/// Namespace, transport stream and network.
+inline TransponderKey transponderKey(std::uint32_t place, std::uint32_t stream,
+                                     std::uint32_t network) {
+    return {place, stream, network};
+}
+
+inline std::optional<int> hexadecimalNumber(std::string_view text) {
+    std::uint32_t number = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+    if (error != std::errc() || end != text.data() + text.size() || text.empty())
+        return std::nullopt;
+    return static_cast<int>(number);
+}
+
+/// The first `count` fields between colons; nothing when one is missing or no number.
+inline std::optional<std::vector<std::uint32_t>> hexadecimalFields(std::string_view text,
+                                                                   std::size_t count) {
+    std::vector<std::uint32_t> numbers;
+    while (numbers.size() < count) {
+        std::string_view const field = text.substr(0, text.find(':'));
+        auto const number = hexadecimalNumber(field);
+        if (!number)
+            return std::nullopt;
+        numbers.push_back(static_cast<std::uint32_t>(*number));
+        text.remove_prefix(std::min(text.size(), field.size() + 1));
+    }
+    return numbers;
+}
+
+inline bool isRadioType(int type) { return type == 2 || type == 10; }
+
+/// Data, CI and MHP services, which nobody watches.
+inline bool isData(int type) { return type >= 12 && type <= 16; }
+
+/// Names carry control characters that mark their short form.
+inline std::string shownText(std::string_view text) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        auto const byte = static_cast<unsigned char>(text[i]);
+        bool const isC1 =
+            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+        if (isC1)
+            ++i;
+        else if (byte >= 0x20 && byte != 0x7F)
+            shown += text[i];
+    }
+    auto const begin = shown.find_first_not_of(' ');
+    return begin == std::string::npos
+               ? std::string()
+               : shown.substr(begin, shown.find_last_not_of(' ') - begin + 1);
+}
+
+inline std::string tripletText(Channel const& channel) {
+    return std::to_string(channel.networkId) + "-" + std::to_string(channel.transportStreamId) +
+           "-" + std::to_string(channel.serviceId);
+}
+
+/// "S19.2E" of 192.
+inline std::string orbitalSource(int tenths) {
+    int const size = std::abs(tenths);
+    std::string const fraction = size % 10 == 0 ? "" : "." + std::to_string(size % 10);
+    return "S" + std::to_string(size / 10) + fraction + (tenths < 0 ? "W" : "E");
+}
+
+}  // namespace channel_database
