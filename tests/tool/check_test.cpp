@@ -92,7 +92,7 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
         {"UPDATE FavoriteList SET NetworkId = NULL WHERE Pid = 21", "21: NetworkId is NULL", ""},
         {"UPDATE FavoriteList SET MaxChannelNumber = 2 WHERE Pid = 11",
          "FavoriteList 11: MaxChannelNumber is 2, and the highest number 5",
-         "edit FAV1 --renumber"},
+         "SET MaxChannelNumber = 5 WHERE Pid = 11"},
         {"UPDATE FavoriteItem SET ChannelNum = 2147483648 WHERE Id = 8",
          "FavoriteItem 8: ChannelNum is 2147483648, no number of 32 bits", "edits of the list are"},
         {"UPDATE FavoriteItem SET ChannelNum = 0 WHERE Id = 8",
@@ -123,7 +123,32 @@ TEST_F(ToolTest, FindsEachFoulRowAndSaysWhatAViewerSees) {
         {"INSERT INTO Lcn VALUES (99, 21, 1)", "Lcn of service 99: 1 rows name a service or list",
          ""},
         {"UPDATE Lcn SET Lcn = 'x'", "Lcn of service 1: Lcn is 'x', no channel number", ""},
-        {"INSERT INTO Lcn VALUES (1, 21, 7)", "Lcn of service 1: 2 rows name list 21", "the first"},
+        {"INSERT INTO Lcn VALUES (1, 12, 7)",
+         "Lcn of service 1: 2 rows give it the numbers 7 to 101", "the first"},
+        {"UPDATE Tuner SET NITId = 70000 WHERE TunerId = 1", "Tuner 1: NITId is 70000", "network"},
+        {"UPDATE FavoriteItem SET Id = 4294967304 WHERE Id = 8",
+         "FavoriteItem 4294967304: its key is not 1 to 2147483647", "another row"},
+        {"PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = replace(sql,"
+         " 'Visible            INTEGER DEFAULT -1', 'Visible INTEGER DEFAULT 0')",
+         "FavoriteItem: the default of Visible is 0, not -1", "flag of their service"},
+        {"CREATE TRIGGER t AFTER UPDATE ON Service BEGIN UPDATE Service SET FavTag = 0; END",
+         "FavoriteList 11: an edit of FAV1 in a copy did not mark its services", "not marked"},
+        {"CREATE TRIGGER t BEFORE DELETE ON FavoriteItem BEGIN SELECT RAISE(IGNORE); END",
+         "FavoriteList 11: an edit that empties FAV1 in a copy left entries", "stay"},
+        {"CREATE TRIGGER t BEFORE UPDATE ON FavoriteList BEGIN SELECT RAISE(ABORT, 'no'); END",
+         "FavoriteList 11: an edit of FAV1 in a copy left its UpdateTag", "do not show"},
+        {"CREATE TRIGGER t AFTER INSERT ON FavoriteItem BEGIN DELETE FROM FavoriteItem WHERE"
+         " FavoriteId = 21; END",
+         "FavoriteList 11: an edit of FAV1 in a copy changed other lists", "lose entries"},
+        {"UPDATE FavoriteList SET Creator = 'User.tvFAV' || (15 - Pid) WHERE Pid BETWEEN 11 AND 14",
+         "FavoriteList 12, 13, 14: the keys and creators of the FAV lists do not ascend", "mark"},
+        {"CREATE TRIGGER t BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 11 BEGIN SELECT"
+         " RAISE(ABORT, 'no'); END",
+         "FavoriteList 11: an edit of FAV1 in a copy failed: sqlite3_step failed:19", "be edited"},
+        {"DELETE FROM FavoriteItem WHERE FavoriteId BETWEEN 11 AND 14; UPDATE Service SET FavTag ="
+         " 0, FavTag2 = 0; CREATE TRIGGER t BEFORE INSERT ON FavoriteItem BEGIN SELECT"
+         " RAISE(IGNORE); END",
+         "FavoriteList 13: an edit of FAV3 in a copy did not write what it was told", "lost"},
         {"UPDATE Service SET bissKey = 'secret' WHERE Pid = 3", "bissKey is 'secret', not 12", ""},
     };
     std::string const before = content("set.db");
@@ -174,6 +199,7 @@ TEST_F(ToolTest, TellsTheCauseBeforeWhatFollowsFromIt) {
     EXPECT_THAT(out, testing::Not(HasSubstr("is not in FAV")));
     expect({"check --all --fail-on edits", 1, "but is not in FAV", nullptr});
     expect({"check --json", 1, "\"severity\": \"edits\"", nullptr});
+    EXPECT_THAT(out, HasSubstr("\"cause\": \"fav-order\""));
     change(
         "UPDATE FavoriteList SET Creator = 'User.tvFAV2' WHERE Pid = 12;"
         "UPDATE Service SET FavTag = 0 WHERE Pid = 1");
@@ -188,11 +214,14 @@ TEST_F(ToolTest, EndsWhatAForeignDatabaseDoesForEver) {
         "CREATE TRIGGER t AFTER INSERT ON FavoriteItem BEGIN INSERT INTO Lcn SELECT i, i, i FROM "
         "(" +
         endless + "SELECT i FROM n WHERE i < 0); END");
-    expect({"check --seconds 1", 1, "an edit of FAV1 in a copy failed", nullptr});
+    expect({"check --seconds 1", 1,
+            "FavoriteItem: writing FavoriteItem did not end within 1 second\n", nullptr});
     change("DROP TRIGGER t; ALTER TABLE FavoriteList RENAME TO F; CREATE VIEW FavoriteList AS " +
            endless + "SELECT F.* FROM n, F");
     expect({"check --seconds 1", 1,
-            "reading it did not end within 1 seconds: a view or trigger may have no end", nullptr});
+            "FavoriteList: reading FavoriteList did not end within 1 second\n", nullptr});
+    EXPECT_THAT(out, HasSubstr("of unread may follow from it"));
+    EXPECT_THAT(out, testing::Not(HasSubstr("rule fav-lists")));
     EXPECT_THAT(out, HasSubstr("FavoriteList: is a view, not a table"));
 }
 

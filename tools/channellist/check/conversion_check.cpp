@@ -79,8 +79,8 @@ bool isFoul(ResultRow const& row, std::size_t column) {
 
 std::string itemIds(List const& list, std::string const& servicePid) {
     Query ids(db,
-              "SELECT group_concat(Id, ', ') FROM FavoriteItem"
-              " WHERE FavoriteId = ? AND ServiceId = CAST(? AS INTEGER)");
+              "SELECT group_concat(Id, ', ') FROM (SELECT Id FROM FavoriteItem"
+              " WHERE FavoriteId = ? AND ServiceId = CAST(? AS INTEGER) LIMIT 5)");
     ids.bind(std::int64_t{list.pid}).bind(servicePid).next();
     return ids.text(0);
 }
@@ -113,6 +113,20 @@ std::string quotedValue(Query const& rows, std::size_t column) {
     return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
 }
 
+// The owner's statement; a teletext column stands in the table of the service's kind.
+std::string mending(RawColumn const& column, List const& list, ResultRow const& row) {
+    std::string const stored = column.stored;
+    std::string const set = " SET " + stored.substr(0, stored.find(' ')) + " = 0 WHERE ";
+    if (column.owner == Owner::Item) {
+        return "UPDATE FavoriteItem" + set + "FavoriteId = " + std::to_string(list.pid) +
+               " AND ServiceId = " + row[kPid];
+    }
+    if (stored.find(' ') == std::string::npos)
+        return "UPDATE Service" + set + "Pid = " + row[kPid];
+    return std::string("UPDATE ") + (row[kType] == "1" ? "AnalogService" : "DvbService") + set +
+           "ServiceId = " + row[kPid];
+}
+
 void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
                      ServiceFindings& findings) {
     for (std::size_t i = 0; i < row.size(); ++i) {
@@ -122,11 +136,10 @@ void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
         std::string const name = column.owner == Owner::Item
                                      ? "FavoriteItem " + itemIds(list, row[kPid])
                                      : "Service " + row[kPid];
-        std::string const table = column.owner == Owner::Item ? "FavoriteItem" : "Service";
         findings.add({"unreadable-number", Severity::Seen, name,
                       std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
                       "the set takes it as 0 for " + row[kExternalName] + ", in",
-                      "UPDATE " + table + " SET " + column.stored + " = 0 WHERE ..."},
+                      mending(column, list, row)},
                      list, row);
     }
 }

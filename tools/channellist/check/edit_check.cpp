@@ -5,6 +5,7 @@
 
 #include "check/finding.h"
 #include "database/list_naming.h"
+#include "database/query.h"
 #include "edit/request.h"
 #include "library_messages/library_messages.h"
 
@@ -35,13 +36,69 @@ bool canBeWritten(std::vector<Entry> const& entries) {
         [](Entry const& entry) { return entry.number.has_value(); });
 }
 
+// -1 where it is no number, which is a finding of its own.
+std::int64_t updateTag(List const& list) {
+    return queryNumber(db,
+                       "SELECT CASE typeof(UpdateTag) WHEN 'integer' THEN UpdateTag ELSE -1 END"
+                       " FROM FavoriteList WHERE Pid = " +
+                           std::to_string(list.pid));
+}
+
+std::int64_t entriesElsewhere(List const& list) {
+    return queryNumber(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId IS NOT " +
+                               std::to_string(list.pid));
+}
+
+bool areMarked(List const& list) {
+    std::string const tag =
+        list.favIndex == 1 ? "FavTag" : "FavTag" + std::to_string(list.favIndex);
+    return queryNumber(db, "SELECT count(*) FROM Service WHERE " + tag +
+                               " IS NOT 1 AND Pid IN (SELECT ServiceId FROM FavoriteItem"
+                               " WHERE FavoriteId = " +
+                               std::to_string(list.pid) + ")") == 0;
+}
+
+// Some service, for a list that holds none.
+std::vector<Entry> anyService() {
+    Entry entry;
+    entry.number = 1;
+    entry.serviceId = static_cast<unsigned int>(
+        queryNumber(db, "SELECT min(ServiceId) FROM DvbService JOIN Service ON Pid = ServiceId"));
+    return entry.serviceId == 0 ? std::vector<Entry>() : std::vector<Entry>{entry};
+}
+
 // Emptied, and written back.
 void tryFavList(List const& list, Findings& findings) {
-    std::vector<Entry> const before = readEntries(list.uuid).entries;
+    std::vector<Entry> before = readEntries(list.uuid).entries;
     if (!canBeWritten(before))
         return;  // which is a finding of its own
+    if (before.empty())
+        before = anyService();
+    std::int64_t const tag = updateTag(list);
+    std::int64_t const elsewhere = entriesElsewhere(list);
     submit(favListRequest(list, {}));
+    if (tag >= 0 && updateTag(list) == tag) {
+        addFinding(list,
+                   "an edit of " + displayName(list) + " in a copy left its UpdateTag as it was",
+                   "edits do not show until the set is switched off and on", findings);
+    }
+    if (!readEntries(list.uuid).entries.empty()) {
+        addFinding(list,
+                   "an edit that empties " + displayName(list) + " in a copy left entries in it",
+                   "removed favourites stay", findings);
+    }
     submitFavList(list, {}, before);
+    submit(favListRequest(list, before));  // which updates entries rather than adding them
+    if (entriesElsewhere(list) != elsewhere) {
+        addFinding(list, "an edit of " + displayName(list) + " in a copy changed other lists",
+                   "other lists gain or lose entries with it", findings);
+    }
+    if (!areMarked(list)) {
+        addFinding(
+            list,
+            "an edit of " + displayName(list) + " in a copy did not mark its services in FavTag",
+            "added favourites are not marked as such", findings);
+    }
     if (sorted(readEntries(list.uuid).entries) != sorted(before)) {
         addFinding(list,
                    "an edit of " + displayName(list) + " in a copy did not write what it was told",
@@ -78,6 +135,8 @@ void checkEdits(Findings& findings) {
                 try {
                     (list.favIndex != 0 ? tryFavList : tryAllList)(list, findings);
                 } catch (Failure const&) {
+                    if (TimeLimit::isReached())
+                        throw;  // the other lists' edits would not end either
                     addFinding(
                         list,
                         "an edit of " + displayName(list) + " in a copy failed: " + lastMessage(),

@@ -23,6 +23,10 @@ struct Finding {
 
 using Findings = std::vector<Finding>;
 
+// Adds what kept a rule from looking: why, and once for each of them the view or table that has no
+// end.
+void addUnread(std::string const& rule, std::string const& why, Findings& findings);
+
 // Lets `look` add findings of a rule; what keeps it from looking is a finding itself.
 template <class Look>
 void examine(std::string const& rule, Findings& findings, Look look) {
@@ -30,10 +34,7 @@ void examine(std::string const& rule, Findings& findings, Look look) {
     try {
         look();
     } catch (Failure const& failure) {
-        findings.push_back({"unread", Severity::Seen, "rule " + rule,
-                            TimeLimit::isReached() ? TimeLimit::sentence() : failure.what(),
-                            "whatever the rule looks for may be there too",
-                            "mend the other findings first"});
+        addUnread(rule, failure.what(), findings);
     }
 }
 

@@ -13,8 +13,17 @@ constexpr Rule kRules[] = {
      ", 'make lists with the creators User.tvFAV1 to User.tvFAV4, in this order, and no other'"
      " FROM FavoriteList WHERE Creator LIKE 'User.tvFAV%' HAVING count(*) <> 4"},
 
+    {"fav-order", Severity::Edits,
+     "SELECT 'FavoriteList ' || group_concat(Pid, ', ')"
+     ", 'the keys and creators of the FAV lists do not ascend together'"
+     ", 'edits take one FAV list for another, and mark its services as those of the other'"
+     ", 'make the four lists anew, in the order FAV1 to FAV4'"
+     " FROM (SELECT Pid FROM FavoriteList l WHERE Creator LIKE 'User.tvFAV%' AND EXISTS"
+     " (SELECT 1 FROM FavoriteList m WHERE m.Creator LIKE 'User.tvFAV%' AND m.Pid < l.Pid"
+     " AND m.Creator > l.Creator COLLATE NOCASE) ORDER BY Pid) HAVING count(*) > 0"},
+
     {"all-list", Severity::Seen,
-     "SELECT 'FavoriteList ' || ifnull(group_concat(Pid, ', '), ''), count(*) || ' lists are the All list, not one'"
+     "SELECT 'FavoriteList' || ifnull(' ' || group_concat(Pid, ', '), ''), count(*) || ' lists are the All list, not one'"
      ", 'the list of all services is missing, or not certain'"
      ", 'keep one list with the creator tamun.sl2.servicelist$all'"
      " FROM FavoriteList WHERE Creator = 'tamun.sl2.servicelist$all' HAVING count(*) <> 1"},
@@ -36,6 +45,14 @@ constexpr Rule kRules[] = {
      ", 'all of them show the services of the first, and edits change the last'"
      ", 'UPDATE FavoriteList SET Uuid = ... WHERE Pid = ' || max(Pid)"
      " FROM FavoriteList WHERE Uuid <> '' GROUP BY Uuid HAVING count(*) > 1"},
+
+    {"key", Severity::Edits,
+     "SELECT Kind || ' ' || Key, 'its key is not 1 to 2147483647'"
+     ", 'requests and edits take it for another row, or for none'"
+     ", 'give the row another key, also where others name it'"
+     " FROM (SELECT 'Service' AS Kind, Pid AS Key FROM Service UNION ALL SELECT 'FavoriteList', Pid"
+     " FROM FavoriteList UNION ALL SELECT 'FavoriteItem', Id FROM FavoriteItem)"
+     " WHERE typeof(Key) <> 'integer' OR Key NOT BETWEEN 1 AND 2147483647"},
 
     {"list-name", Severity::Seen,
      "SELECT 'FavoriteList ' || Pid, 'Name ' || why_foul_text(Name)"
@@ -65,12 +82,19 @@ constexpr Rule kRules[] = {
     {"highest-number", Severity::Odd,
      "SELECT 'FavoriteList ' || l.Pid, 'MaxChannelNumber is ' || quote(MaxChannelNumber)"
      " || ', and the highest number ' || n.Highest"
-     ", 'a client that trusts it may put a new entry on a number that is taken'"
-     ", 'channellist edit FAV' || substr(Creator, 11) || ' --renumber'"
+     ", 'a client that trusts it puts a new entry on a number that is taken, or leaves a gap'"
+     ", 'UPDATE FavoriteList SET MaxChannelNumber = ' || n.Highest || ' WHERE Pid = ' || l.Pid"
      " FROM FavoriteList l JOIN (SELECT FavoriteId, max(ChannelNum) AS Highest FROM FavoriteItem"
      " WHERE isDeleted = 0 AND typeof(ChannelNum) = 'integer' GROUP BY FavoriteId) n"
      " ON n.FavoriteId = l.Pid WHERE Creator LIKE 'User.tvFAV%' AND MaxChannelNumber <> 0"
-     " AND MaxChannelNumber < Highest"},
+     " AND MaxChannelNumber <> Highest"},
+
+    {"highest-number", Severity::Odd,
+     "SELECT 'FavoriteList ' || Pid, 'MaxChannelNumber is ' || quote(MaxChannelNumber) || ', no number'"
+     ", 'a client that trusts it finds no place for a new entry'"
+     ", 'UPDATE FavoriteList SET MaxChannelNumber = 0 WHERE Pid = ' || Pid"
+     " FROM FavoriteList WHERE typeof(MaxChannelNumber) <> 'integer' AND MaxChannelNumber NOT NULL"
+     " OR MaxChannelNumber NOT BETWEEN 0 AND 2147483647"},
 
     {"dangling-item", Severity::Seen,
      "SELECT 'FavoriteItem ' || group_concat(Id, ', '), 'names service ' || quote(i.ServiceId)"
@@ -104,14 +128,14 @@ constexpr Rule kRules[] = {
      "SELECT 'FavoriteItem ' || Id, 'ChannelNum is ' || quote(ChannelNum) || ', no number of 32 bits'"
      ", 'the entry stands in the wrong place of its list, without a number, and edits of the list are"
      " refused'"
-     ", 'channellist edit LIST move id:' || ServiceId || ' to NUMBER'"
+     ", 'UPDATE FavoriteItem SET ChannelNum = ... WHERE Id = ' || Id"
      " FROM FavoriteItem WHERE typeof(ChannelNum) <> 'integer'"
      " OR ChannelNum NOT BETWEEN -2147483648 AND 2147483647 ORDER BY Id"},
 
     {"channel-number", Severity::Seen,
      "SELECT 'FavoriteItem ' || Id, 'ChannelNum is ' || ChannelNum || ', and numbers begin with 1'"
      ", 'no number keys reach the entry'"
-     ", 'channellist edit LIST move id:' || ServiceId || ' to NUMBER'"
+     ", 'UPDATE FavoriteItem SET ChannelNum = ... WHERE Id = ' || Id"
      " FROM FavoriteItem WHERE typeof(ChannelNum) = 'integer' AND isDeleted = 0"
      " AND ChannelNum BETWEEN -2147483648 AND 0 ORDER BY Id"},
 
@@ -119,7 +143,7 @@ constexpr Rule kRules[] = {
      "SELECT 'FavoriteItem ' || group_concat(i.Id, ', ')"
      ", 'share number ' || ChannelNum || ' of ' || ifnull(l.Name, l.Uuid)"
      ", 'the number keys reach one of them only, and which one is not certain'"
-     ", 'channellist edit LIST move id:' || max(i.ServiceId) || ' to NUMBER'"
+     ", 'channellist edit ' || quote(l.Uuid) || ' move id:' || max(i.ServiceId) || ' to NUMBER'"
      " FROM FavoriteItem i JOIN FavoriteList l ON l.Pid = i.FavoriteId"
      " JOIN Service s ON s.Pid = i.ServiceId"
      " WHERE isDeleted = 0 AND typeof(ChannelNum) = 'integer'"

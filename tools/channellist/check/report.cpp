@@ -37,6 +37,14 @@ constexpr Consequence kConsequences[] = {
     {"fav-lists", "fav-order"},
     {"fav-lists", "fav-tag"},
     {"fav-order", "fav-tag"},
+    {"endless", "unread"},
+    {"endless", "edit"},
+    {"key", "edit"},
+    {"key", "fav-tag"},
+    {"key", "dangling-item"},
+    {"key", "service-in-no-list"},
+    {"key", "service-not-in-all"},
+    {"all-list", "dangling-item"},
     {"all-list", "service-not-in-all"},
     {"all-list", "service-in-no-list"},
     {"missing-table", "unread"},
@@ -48,9 +56,30 @@ constexpr Consequence kConsequences[] = {
     {"damage", "unread"},
     {"damage", "edit"},
     {"default", "edit"},
+    {"view-for-table", "default"},
     {"view-for-table", "edit"},
+    {"view-for-table", "unread"},
+    {"view-for-table", "service-query"},
     {"service-query", "edit"},
 };
+
+using Counts = std::map<std::string, int>;          // of findings, by their rules
+using Causes = std::map<std::string, std::string>;  // the rules that explain others
+
+Counts countRules(Findings const& findings) {
+    Counts counts;
+    for (Finding const& finding : findings)
+        ++counts[finding.rule];
+    return counts;
+}
+
+Causes causesOf(Counts const& counts) {
+    Causes causes;
+    for (Consequence const& each : kConsequences)
+        if (counts.count(each.cause) != 0 && counts.count(each.rule) != 0)
+            causes.emplace(each.rule, each.cause);
+    return causes;
+}
 
 std::string cut(std::string const& text) {
     std::string const shown = displayText(text);
@@ -84,13 +113,8 @@ Severity severityOf(std::string const& word) {
 void printFindings(Findings findings, bool all) {
     std::stable_sort(findings.begin(), findings.end(),
                      [](Finding const& a, Finding const& b) { return a.severity < b.severity; });
-    std::map<std::string, int> counts;
-    for (Finding const& finding : findings)
-        ++counts[finding.rule];
-    std::map<std::string, char const*> causes;  // of rules
-    for (Consequence const& each : kConsequences)
-        if (!all && counts.count(each.cause) != 0 && counts.count(each.rule) != 0)
-            causes.emplace(each.rule, each.cause);
+    Counts const counts = countRules(findings);
+    Causes const causes = all ? Causes() : causesOf(counts);
     std::map<std::string, int> shown;
     bool isCut = !causes.empty();
     auto const* heading = "";
@@ -105,7 +129,7 @@ void printFindings(Findings findings, bool all) {
         print(finding, all);
         for (auto const& [rule, cause] : causes)
             if (cause == finding.rule && shown[finding.rule] == 1)
-                std::cout << "    " << counts[rule] << " of " << rule << " may follow from it\n";
+                std::cout << "    " << counts.at(rule) << " of " << rule << " may follow from it\n";
     }
     for (auto const& [rule, count] : shown) {
         if (count <= kMostShown || all)
@@ -118,14 +142,17 @@ void printFindings(Findings findings, bool all) {
 }
 
 void printFindingsJson(Findings const& findings) {
+    Causes const causes = causesOf(countRules(findings));
     Json list = Json::array();
     for (Finding const& finding : findings) {
+        auto const cause = causes.find(finding.rule);
         list.push_back({{"rule", finding.rule},
                         {"severity", wordFor(finding.severity)},
                         {"row", finding.row},
                         {"what", finding.what},
                         {"viewer", finding.viewer},
-                        {"mend", finding.mend}});
+                        {"mend", finding.mend},
+                        {"cause", cause == causes.end() ? Json() : Json(cause->second)}});
     }
     printJson(list);
 }

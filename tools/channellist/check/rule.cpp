@@ -29,11 +29,14 @@ void whyFoulText(sqlite3_context* context, int /*count*/, sqlite3_value** values
     sqlite3_value* const value = values[0];
     auto const* const bytes = static_cast<char const*>(sqlite3_value_blob(value));
     std::size_t const size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+    constexpr std::size_t kLongest = 4096;
     char const* reason = nullptr;
     if (sqlite3_value_type(value) == SQLITE_NULL)
         reason = "is NULL";
     else if (size == 0)
         reason = "is empty";
+    else if (size > kLongest)
+        reason = "is longer than 4096 bytes";
     else if (std::find(bytes, bytes + size, '\0') != bytes + size)
         reason = "holds a NUL";
     else if (!channel_database::isUtf8(std::string_view(bytes, size)))
@@ -45,6 +48,19 @@ void whyFoulText(sqlite3_context* context, int /*count*/, sqlite3_value** values
 }
 
 }  // namespace
+
+void addUnread(std::string const& rule, std::string const& why, Findings& findings) {
+    while (std::optional<std::string> const work = TimeLimit::newlyEndless()) {
+        findings.push_back({"endless", Severity::Edits, work->substr(work->find(' ') + 1),
+                            TimeLimit::sentenceOf(*work),
+                            "the set hangs with every request that does the same",
+                            "drop the view or trigger that has no end"});
+    }
+    findings.push_back({"unread", Severity::Seen, "rule " + rule,
+                        TimeLimit::isReached() ? TimeLimit::sentence() : why,
+                        "whatever the rule looks for may be there too",
+                        "mend the other findings first"});
+}
 
 void apply(Rule const& rule, std::string const& sql, Findings& findings) {
     examine(

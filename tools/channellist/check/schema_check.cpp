@@ -171,7 +171,14 @@ constexpr Rule kSchemaRules[] = {
      ", 'every added favourite is hidden at once'"
      ", 'give the column the default 0'"
      " FROM pragma_table_info('FavoriteItem') WHERE lower(name) = 'isdeleted'"
-     " AND ifnull(dflt_value, '') <> '0'"},
+     " AND ifnull(trim(dflt_value, ' ()'), '') <> '0'"},
+    {"default", Severity::Seen,
+     "SELECT 'FavoriteItem', 'the default of ' || name || ' is ' || ifnull(dflt_value, 'NULL')"
+     " || ', not -1'"
+     ", 'added favourites do not follow the flag of their service'"
+     ", 'give the column the default -1'"
+     " FROM pragma_table_info('FavoriteItem') WHERE lower(name) IN ('visible', 'selectable')"
+     " AND ifnull(trim(dflt_value, ' ()'), '') <> '-1'"},
     {"reserved-name", Severity::Seen,
      "SELECT name, 'is a ' || type || ' of the database, and a name that the library takes'"
      ", 'the library reads its own view of this name; other programs may read the other'"

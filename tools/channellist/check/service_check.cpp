@@ -22,10 +22,11 @@ namespace {
 // clang-format off
 constexpr Rule kRules[] = {
     {"service-uuid", Severity::Seen,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has no uuid'"
+     "SELECT 'Service ' || Pid, quote(Name) || CASE ifnull(Uuid, '') WHEN '' THEN ' has no uuid'"
+     " ELSE ': its uuid ' || why_foul_text(Uuid) END"
      ", 'the service is shown, but no request can name it'"
      ", 'UPDATE Service SET Uuid = ... WHERE Pid = ' || Pid"
-     " FROM Service WHERE ifnull(Uuid, '') = ''"},
+     " FROM Service WHERE why_foul_text(Uuid) IS NOT NULL"},
 
     {"service-uuid", Severity::Seen,
      "SELECT 'Service ' || group_concat(Pid, ', '), 'share the uuid ' || quote(Uuid)"
@@ -77,6 +78,14 @@ constexpr Rule kRules[] = {
      " typeof(Tid) <> 'integer' OR typeof(Sid) <> 'integer' OR Oid NOT BETWEEN 0 AND 65535"
      " OR Tid NOT BETWEEN 0 AND 65535 OR Sid NOT BETWEEN 0 AND 65535)"},
 
+    {"ids", Severity::Tuning,
+     "SELECT 'Tuner ' || t.TunerId, 'NITId is ' || quote(NITId) || ', and ids have 16 bits'"
+     ", 'the network of ' || count(*) || ' services is not found, ' || min(Name) || ' among them'"
+     ", 'UPDATE Tuner SET NITId = 0 WHERE TunerId = ' || t.TunerId"
+     " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
+     " WHERE NITId NOT NULL AND (typeof(NITId) <> 'integer' OR NITId NOT BETWEEN 0 AND 65535)"
+     " GROUP BY t.TunerId"},
+
     {"same-triplet", Severity::Odd,
      "SELECT 'Service ' || group_concat(Pid, ', '), 'have the triplet ' || Oid || ', ' || Tid || ', '"
      " || Sid || ' on one transponder, and other names'"
@@ -100,7 +109,7 @@ constexpr Rule kRules[] = {
      ", 'scan the transponder anew'"
      " FROM " EVERY_SATELLITE_TUNER " t JOIN DvbService USING (TunerId) JOIN Service ON Pid ="
      " ServiceId WHERE Satellite NOT NULL AND Polarization NOT NULL AND"
-     " (typeof(Satellite) <> 'integer' OR Satellite <= 0"
+     " (typeof(Satellite) <> 'integer' OR Satellite NOT BETWEEN 1 AND 65535"
      " OR typeof(Polarization) <> 'integer' OR Polarization NOT BETWEEN 0 AND 4)"
      " GROUP BY Kind, t.TunerId"},
 
@@ -108,7 +117,8 @@ constexpr Rule kRules[] = {
      "SELECT 'Service ' || Pid, 'Uri is ' || quote(Uri) || ', no tuning URI'"
      ", ifnull(Name, 'the service') || ' is shown, but cannot be tuned'"
      ", 'UPDATE Service SET Uri = ... WHERE Pid = ' || Pid"
-     " FROM Service WHERE Type = 0 AND Uri NOT NULL AND Uri <> '' AND Uri NOT LIKE '%://%'"},
+     " FROM Service WHERE Type = 0 AND Uri NOT NULL AND Uri <> '' AND (Uri NOT LIKE '%://%' OR Uri LIKE '% %'"
+     " OR why_foul_text(Uri) IS NOT NULL)"},
 
     {"lcn", Severity::Odd,
      "SELECT 'Lcn of service ' || quote(ServiceId), count(*) || ' rows name a service or list that does not exist'"
@@ -125,10 +135,12 @@ constexpr Rule kRules[] = {
      " FROM Lcn WHERE typeof(Lcn) <> 'integer' OR Lcn NOT BETWEEN 0 AND 65535"},
 
     {"lcn", Severity::Odd,
-     "SELECT 'Lcn of service ' || ServiceId, count(*) || ' rows name list ' || FavoriteId"
+     "SELECT 'Lcn of service ' || ServiceId, count(*) || ' rows give it the numbers ' || min(Lcn)"
+     " || CASE WHEN min(Lcn) <> max(Lcn) THEN ' to ' || max(Lcn) ELSE ' again' END"
      ", 'the first of them counts, and which one that is depends on the indexes'"
      ", 'DELETE FROM Lcn WHERE ServiceId = ' || ServiceId || ' AND Lcn <> ' || min(Lcn)"
-     " FROM Lcn WHERE FavoriteId NOT NULL GROUP BY ServiceId, FavoriteId HAVING count(*) > 1"},
+     " FROM Lcn WHERE ServiceId NOT NULL GROUP BY ServiceId"
+     " HAVING count(DISTINCT Lcn) > 1 OR count(DISTINCT FavoriteId) < count(*)"},
 
     {"biss-key", Severity::Tuning,
      "SELECT 'Service ' || Pid, 'bissKey is ' || quote(bissKey) || ', not 12, 16 or 32 hexadecimal digits'"

@@ -28,7 +28,6 @@ Findings look(Session& session) {
         session.continueOnCopy();
         checkEdits(findings);
     });
-    TimeLimit::hideTask();
     return findings;
 }
 
@@ -40,7 +39,7 @@ int run(std::string const& database, Options const& options) {
     TimeLimit::set(static_cast<int>(*seconds));
     Session session(database);
     Findings const findings = look(session);
-    TimeLimit::restart("");
+    TimeLimit::finish();
     if (options.json) {
         printFindingsJson(findings);
     } else {

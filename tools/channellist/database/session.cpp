@@ -164,6 +164,7 @@ Session::Session(std::string const& path, Access access) {
                                         nullptr));
         if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1)
             throw Failure(path + " cannot be written");
+        TimeLimit::learnViews(db);
     } catch (...) {
         close(db);
         throw;

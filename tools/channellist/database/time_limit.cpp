@@ -2,19 +2,36 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <ctime>
 #include <iostream>
+#include <map>
+#include <set>
+#include <vector>
+
+#include "database/query.h"
 
 namespace tool {
 namespace {
 
 constexpr int kInstructionsBetween = 20000;  // of SQLite's machine
 constexpr double kSecondsUnseen = 1;
+constexpr char kServiceQuery[] = "favoriteitemview";  // reads every table
 
-int limitSeconds = 60;
+int limitSeconds = 20;
 double began = 0;
 bool reached = false;
-bool shown = false;
+std::string task;   // for a person who waits
+std::string shown;  // the task on the terminal
+
+void* outermost = nullptr;  // the statement that is timed; others run inside it
+std::string work;           // what it does, "reading FavoriteList"
+std::string interrupted;    // the work that last was
+bool isHopeless = false;    // it works on what had no end before
+
+std::map<std::string, std::string> views;  // by their names in lower case
+std::map<std::string, bool> endless;       // work, and whether it was told
+std::set<std::string> endlessSources;      // in lower case
 
 double secondsOfWork() {
     timespec now = {};
@@ -22,39 +39,129 @@ double secondsOfWork() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
+void showTask() {
+    if (task == shown || secondsOfWork() < kSecondsUnseen || isatty(STDERR_FILENO) == 0)
+        return;
+    std::cerr << "\rLooking at " << task << "\x1b[K" << std::flush;
+    shown = task;
+}
+
+std::string lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return text;
+}
+
+std::vector<std::string> wordsOf(std::string const& sql) {
+    constexpr char kLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
+    std::vector<std::string> words;
+    for (auto at = sql.find_first_of(kLetters); at != std::string::npos;) {
+        auto const end = sql.find_first_not_of(kLetters, at);
+        words.push_back(sql.substr(at, end - at));
+        at = sql.find_first_of(kLetters, end);
+    }
+    return words;
+}
+
+std::string sourceOf(std::vector<std::string> const& words) {
+    for (std::string const& word : words)
+        if (auto const view = views.find(lower(word)); view != views.end())
+            return view->second;
+    for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+        std::string const word = lower(words[i]);
+        if (word == "from" || word == "into" || word == "update")
+            return words[i + 1];
+    }
+    return "the database";
+}
+
+void beginStatement(void* statement, std::string const& sql) {
+    std::vector<std::string> const words = wordsOf(sql);
+    std::string const verb = words.empty() ? std::string() : lower(words[0]);
+    bool const writes = verb == "insert" || verb == "update" || verb == "delete";
+    std::string const source = sourceOf(words);
+    outermost = statement;
+    began = secondsOfWork();
+    work = (writes ? "writing " : "reading ") + source;
+    isHopeless =
+        endless.count(work) != 0 || (lower(source) == kServiceQuery && !endlessSources.empty()) ||
+        std::any_of(words.begin(), words.end(),
+                    [](std::string const& word) { return endlessSources.count(lower(word)) != 0; });
+}
+
+int followStatement(unsigned event, void* /*unused*/, void* statement, void* text) {
+    if (event == SQLITE_TRACE_PROFILE) {
+        if (statement == outermost)
+            outermost = nullptr;
+    } else if (outermost == nullptr) {
+        beginStatement(statement, static_cast<char const*>(text));
+    }
+    return 0;
+}
+
 int interruptAtTheLimit(void* /*unused*/) {
-    reached = reached || secondsOfWork() - began > limitSeconds;
-    return reached ? 1 : 0;
+    showTask();
+    if (isHopeless) {
+        reached = true;
+    } else if (secondsOfWork() - began > limitSeconds) {
+        reached = true;
+        isHopeless = true;
+        endless.emplace(work, false);
+        if (work.compare(0, 8, "reading ") == 0)
+            endlessSources.insert(lower(work.substr(8)));
+    }
+    if (isHopeless)
+        interrupted = work;
+    return isHopeless ? 1 : 0;
 }
 
 }  // namespace
 
 void TimeLimit::watch(sqlite3* connection) {
     sqlite3_progress_handler(connection, kInstructionsBetween, interruptAtTheLimit, nullptr);
+    sqlite3_trace_v2(connection, SQLITE_TRACE_STMT | SQLITE_TRACE_PROFILE, followStatement,
+                     nullptr);
+}
+
+void TimeLimit::learnViews(sqlite3* connection) {
+    Query names(connection, "SELECT name FROM sqlite_master WHERE type = 'view'");
+    while (names.next())
+        views.emplace(lower(names.text(0)), names.text(0));
 }
 
 void TimeLimit::set(int seconds) { limitSeconds = seconds; }
 
-void TimeLimit::restart(std::string const& task) {
-    began = secondsOfWork();
+void TimeLimit::restart(std::string const& next) {
     reached = false;
-    if (began > kSecondsUnseen && isatty(STDERR_FILENO) == 1) {
-        shown = true;
-        std::cerr << "\rLooking at " << task << "\x1b[K" << std::flush;
-    }
+    task = next;
+    showTask();
 }
 
-void TimeLimit::hideTask() {
-    if (shown)
+void TimeLimit::finish() {
+    reached = false;
+    task.clear();
+    if (!shown.empty())
         std::cerr << "\r\x1b[K" << std::flush;
-    shown = false;
+    shown.clear();
 }
 
 bool TimeLimit::isReached() { return reached; }
 
-std::string TimeLimit::sentence() {
-    return "reading it did not end within " + std::to_string(limitSeconds) +
-           " seconds: a view or trigger may have no end";
+std::string TimeLimit::sentenceOf(std::string const& work) {
+    return work + " did not end within " + std::to_string(limitSeconds) +
+           (limitSeconds == 1 ? " second" : " seconds");
+}
+
+std::string TimeLimit::sentence() { return sentenceOf(interrupted); }
+
+std::optional<std::string> TimeLimit::newlyEndless() {
+    for (auto& [each, told] : endless) {
+        if (told)
+            continue;
+        told = true;
+        return each;
+    }
+    return std::nullopt;
 }
 
 }  // namespace tool

@@ -3,24 +3,35 @@
 
 #include <sqlite3.h>
 
+#include <optional>
 #include <string>
 
 namespace tool {
 
-// Of the process, as SQLite's work is.
+// Of the process, as SQLite's work is. The limit holds for each statement; what a statement reads
+// or writes without end is remembered, and no later one may work on it for long.
 class TimeLimit {
   public:
-    // Statements of the connection are interrupted once the limit is reached.
+    // Statements of the connection are interrupted once they reach the limit.
     static void watch(sqlite3* connection);
+    // A view of the database is what has no end, rather than the table that a statement begins
+    // with.
+    static void learnViews(sqlite3* connection);
 
     // In seconds of computing: neither a wait for a lock nor for a person counts.
     static void set(int seconds);
-    // Begins to count anew. On a terminal, `task` is shown where the tasks together take long.
+    // Forgets that the limit was reached. On a terminal, the task is shown once the tasks together
+    // have taken long.
     static void restart(std::string const& task);
-    static void hideTask();
+    // The tasks are done, whatever they reached.
+    static void finish();
 
     static bool isReached();
+    // "reading FavoriteList did not end within 20 seconds", of what was last interrupted.
     static std::string sentence();
+    static std::string sentenceOf(std::string const& work);
+    // Work that was interrupted, "reading FavoriteList", once for each.
+    static std::optional<std::string> newlyEndless();
 };
 
 }  // namespace tool
