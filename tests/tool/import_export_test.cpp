@@ -332,6 +332,11 @@ TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {
     expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:2: the number or key is none"});
     EXPECT_THAT(err,
                 HasSubstr("list.csv:3: the row names no service\nlist.csv:4: no service fits"));
+    // What an open quote swallows would leave the list.
+    write("list.csv", "Number,Name,Kind\n\n1,Jazz,\"TV\n2,News,TV\n");
+    expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:2: a quote is not closed"});
+    write("list.csv", "Number,Name\n\n1,5\" TV\n");
+    expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:3: a quote stands inside"});
 }
 
 }  // namespace
