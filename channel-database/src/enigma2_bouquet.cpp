@@ -2,6 +2,7 @@
 #include <channel-database/enigma2.h>
 #include <channel-database/utf8.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <map>
@@ -30,6 +31,18 @@ std::string sourceOf(std::uint32_t place) {
     return orbitalSource(tenths > 1800 ? tenths - 3600 : tenths);
 }
 
+// What stands behind the tenth colon.
+std::string_view nameIn(std::string_view text) {
+    for (int colons = 0; colons < 10; ++colons) {
+        auto const colon = text.find(':');
+        if (colon == std::string_view::npos)
+            return {};
+        text.remove_prefix(colon + 1);
+    }
+    text.remove_prefix(std::min(text.size(), text.find_first_not_of(':')));
+    return text;
+}
+
 // "1:0:19:283D:3FB:1:C02CE5:0:0:0:Name"; nothing for a marker, a directory or a stream.
 std::optional<Channel> referenceOf(std::string_view text) {
     auto const numbers = hexadecimalFields(text, 7);
@@ -41,7 +54,8 @@ std::optional<Channel> referenceOf(std::string_view text) {
     channel.transportStreamId = static_cast<int>((*numbers)[4] & 0xFFFF);
     channel.networkId = static_cast<int>((*numbers)[5] & 0xFFFF);
     channel.source = sourceOf((*numbers)[6]);
-    channel.name = tripletText(channel);
+    std::string const given = shownText(nameIn(text));
+    channel.name = given.empty() ? tripletText(channel) : given;
     channel.videoPid = isRadioType(static_cast<int>((*numbers)[2])) ? "0" : "8191";
     return channel;
 }

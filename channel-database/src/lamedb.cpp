@@ -132,6 +132,8 @@ class LamedbReader {
         isFifth_ = header.find("/5/") != std::string::npos;
         for (std::string current; next(text, current);)
             isFifth_ ? readFifth(current) : readOlder(current, text);
+        if (section_ != "end")  // as when a copy of the file was cut short
+            list.rejected.push_back({line_, "the file ends in the midst of its " + section_});
     }
 
     ChannelsConf list;
@@ -144,8 +146,8 @@ class LamedbReader {
 
     std::string line(std::istream& text) {
         std::string result;
-        std::getline(text, result);
-        ++line_;
+        if (std::getline(text, result))
+            ++line_;
         if (!result.empty() && result.back() == '\r')
             result.pop_back();
         return isUtf8(result) ? result : latin1ToUtf8(result);

@@ -293,6 +293,9 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
     EXPECT_EQ(out, "new.db: 2 channels, 0 groups, 1 lines skipped\n");
     EXPECT_EQ(err, "e2/lamedb:17: skipped: service type 12 is no TV or radio: Data\n");
     ASSERT_EQ(run("import e2 new.db --force"), 0) << err;
+    EXPECT_EQ(out, "new.db: 2 channels, 1 groups, 1 lines skipped\n");
+    write("cut", "eDVB services /4/\ntransponders\n00c00000:03fb:0001\n");
+    expect({"import cut cut.db", 1, nullptr, "cut:3: skipped: the file ends in the midst of its "});
     ASSERT_EQ(run("services --db new.db Mine --json"), 1) << "TV and radio are lists of their own";
     EXPECT_EQ(rows("SELECT count(*) FROM Service WHERE Type <> 0", "new.db"), "2");
     EXPECT_EQ(run("import e2/userbouquet.a.tv other.db"), 1);
@@ -332,6 +335,11 @@ TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {
     expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:2: the number or key is none"});
     EXPECT_THAT(err,
                 HasSubstr("list.csv:3: the row names no service\nlist.csv:4: no service fits"));
+    // What an open quote swallows would leave the list.
+    write("list.csv", "Number,Name,Kind\n\n1,Jazz,\"TV\n2,News,TV\n");
+    expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:2: a quote is not closed"});
+    write("list.csv", "Number,Name\n\n1,5\" TV\n");
+    expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:3: a quote stands inside"});
 }
 
 }  // namespace

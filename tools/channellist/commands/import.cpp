@@ -3,6 +3,7 @@
 #include <channel-database/database_file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 
 #include "commands/commands.h"
@@ -68,7 +69,11 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
                          [&] { undo.keepDatabase("import --force"); });
     }
     undo.confirm();
-    std::cout << options.database << ": " << list.channels.size() << " channels, "
+    auto const references =
+        std::count_if(list.channels.begin(), list.channels.end(),
+                      [](Channel const& channel) { return channel.isReference; });
+    std::cout << options.database << ": "
+              << list.channels.size() - static_cast<std::size_t>(references) << " channels, "
               << list.groups.size() << " groups, " << list.rejected.size() + list.others.size()
               << " lines skipped\n";
 }

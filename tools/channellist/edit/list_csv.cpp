@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "output/folded_text.h"
 #include "output/json_text.h"
@@ -18,7 +19,8 @@ constexpr char const* kColumns[] = {"Number", "State", "Name",     "Triplet",
                                     "Key",    "Kind",  "Delivery", "Frequency"};
 
 std::string quoted(std::string const& field) {
-    if (field.find_first_of("\",\r\n") == std::string::npos && field.find_first_of(' ') != 0)
+    bool const isPadded = !field.empty() && (field.front() == ' ' || field.back() == ' ');
+    if (field.find_first_of("\",\r\n\t") == std::string::npos && !isPadded)
         return field;
     std::string text = "\"";
     for (char const c : field)
@@ -33,27 +35,46 @@ std::string lineOf(std::vector<std::string> const& fields) {
     return line + "\r\n";
 }
 
-// The fields of a text, row by row.
+struct CsvRow {
+    int line = 0;  // on which it ends, counted from 1
+    std::vector<std::string> fields;
+};
+
+// The fields of a text, row by row, up to a quote that is wrong: what follows one means nothing.
 class CsvRows {
   public:
     explicit CsvRows(std::string const& text) {
         csv_parser parser;
-        csv_init(&parser, CSV_APPEND_NULL);
+        csv_init(&parser, CSV_APPEND_NULL | CSV_STRICT | CSV_STRICT_FINI);
         std::unique_ptr<csv_parser, decltype(&csv_free)> const owner(&parser, csv_free);
-        rows.emplace_back();
-        csv_parse(&parser, text.data(), text.size(), addField, endRow, this);
-        csv_fini(&parser, addField, endRow, this);
-        rows.pop_back();
+        std::size_t next = 0;
+        for (std::size_t at = 0; at < text.size(); at = next) {
+            next = std::min(text.find('\n', at), text.size() - 1) + 1;
+            ++line_;
+            if (csv_parse(&parser, text.data() + at, next - at, addField, endRow, this) !=
+                next - at) {
+                errors.push_back({line_, "a quote stands inside a field that has none around it"});
+                return;
+            }
+        }
+        if (csv_fini(&parser, addField, endRow, this) != 0)
+            errors.push_back({rows.empty() ? 1 : rows.back().line + 1, "a quote is not closed"});
     }
-    std::vector<std::vector<std::string>> rows;
+    std::vector<CsvRow> rows;
+    std::vector<TextError> errors;
 
   private:
     static void addField(void* bytes, std::size_t size, void* self) {
-        static_cast<CsvRows*>(self)->rows.back().emplace_back(static_cast<char*>(bytes), size);
+        static_cast<CsvRows*>(self)->current_.fields.emplace_back(static_cast<char*>(bytes), size);
     }
     static void endRow(int /*character*/, void* self) {
-        static_cast<CsvRows*>(self)->rows.emplace_back();
+        auto& all = *static_cast<CsvRows*>(self);
+        all.current_.line = all.line_;
+        all.rows.push_back(std::exchange(all.current_, CsvRow()));
     }
+
+    CsvRow current_;
+    int line_ = 0;
 };
 
 // By the header row; "" where the row has no such column.
@@ -109,12 +130,13 @@ bool isCsv(std::string const& text) {
 
 ListText parseCsv(std::string const& text) {
     ListText result;
-    std::vector<std::vector<std::string>> const rows = CsvRows(withoutMark(text)).rows;
-    Columns const columns(rows.empty() ? std::vector<std::string>() : rows[0]);
-    for (std::size_t i = 1; i < rows.size(); ++i) {
+    CsvRows const csv(withoutMark(text));
+    result.errors = csv.errors;
+    Columns const columns(csv.rows.empty() ? std::vector<std::string>() : csv.rows[0].fields);
+    for (std::size_t i = 1; i < csv.rows.size(); ++i) {
         TextLine line;
-        line.line = static_cast<int>(i) + 1;
-        if (!readRow(columns, rows[i], line))
+        line.line = csv.rows[i].line;
+        if (!readRow(columns, csv.rows[i].fields, line))
             result.errors.push_back({line.line, "the number or key is none"});
         else if (line.name.empty() && line.triplet.empty() && !line.key)
             result.errors.push_back({line.line, "the row names no service"});
