@@ -3,10 +3,11 @@
 /// shown as a service, or a list ("folder"). Their vocabulary follows the UPnP content directory.
 ///
 /// They serve hosts that hand an entry on as an object, and fill it from a result row or `sv`. The
-/// library makes none for a row of its own: thirty strings would be built and freed for the few that
-/// a row shows. A service is a record of views there, of the kind that VideoItemInfo or MusicItemInfo
-/// stands for, and so is a list; without the properties that no column and no field of `sv` shows: the
-/// UPnP class (sub-type), title, sound selection, volume correction and the icon (thumb URL).
+/// library makes none for a row of its own: thirty strings would be built and freed for the few
+/// that a row shows. A service is a record of views there, of the kind that VideoItemInfo or
+/// MusicItemInfo stands for, and so is a list; without the properties that no column and no field
+/// of `sv` shows: the UPnP class (sub-type), title, sound selection, volume correction and the icon
+/// (thumb URL).
 #ifndef CHANNELLIST_ACCESS_ITEM_INFO_H
 #define CHANNELLIST_ACCESS_ITEM_INFO_H
 

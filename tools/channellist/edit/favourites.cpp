@@ -151,6 +151,13 @@ List favList(std::string const& name) {
     return list;
 }
 
+// A folder holds all services of a receiver beside its bouquets.
+bool holdsBouquets(ChannelsConf const& channels) {
+    return std::any_of(
+        channels.channels.begin(), channels.channels.end(),
+        [](Channel const& channel) { return channel.isReference; });
+}
+
 // The FAV list that each group names.
 std::map<int, List> listsOfGroups(ChannelsConf const& channels) {
     std::map<int, List> found;
@@ -161,9 +168,7 @@ std::map<int, List> listsOfGroups(ChannelsConf const& channels) {
                 found[static_cast<int>(i)] = list;
     bool const isNamed = !found.empty();
     // Bouquets of a receiver that knows no FAV1 to FAV4: the first four of them.
-    bool const hasBouquets =
-        std::any_of(channels.channels.begin(), channels.channels.end(),
-                    [](Channel const& channel) { return channel.isReference; });
+    bool const hasBouquets = holdsBouquets(channels);
     for (List const& list : lists)
         if (hasBouquets && list.favIndex != 0 &&
             list.favIndex <= static_cast<int>(channels.groups.size()) && !isNamed)
@@ -195,7 +200,10 @@ std::deque<std::pair<List, Members>> membersOfLists(ChannelsConf const& channels
     };
     for (auto const& [group, list] : groups)
         membersOf(group);  // a group without channels empties its list
+    bool const hasBouquets = holdsBouquets(channels);
     for (Channel const& channel : channels.channels) {
+        if (hasBouquets && !channel.isReference)
+            continue;
         if (Members* const members = membersOf(channel.group)) {
             members->channels.push_back(&channel);
             members->groups.insert(channel.group);
