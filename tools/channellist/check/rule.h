@@ -8,8 +8,8 @@ namespace tool {
 struct Rule {
     char const* name;
     Severity severity;
-    // Four columns a row: the row's name, what is wrong with it, what a viewer sees of it, and how it
-    // is mended.
+    // Four columns a row: the row's name, what is wrong with it, what a viewer sees of it, and how
+    // it is mended.
     char const* sql;
 };
 

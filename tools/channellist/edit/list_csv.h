@@ -9,8 +9,8 @@
 
 namespace tool {
 
-// Number, State (shown or hidden), Name, Triplet and Key say what an edit takes back; Kind, Delivery
-// and Frequency (kHz) are for the reader.
+// Number, State (shown or hidden), Name, Triplet and Key say what an edit takes back; Kind,
+// Delivery and Frequency (kHz) are for the reader.
 std::string formatCsv(std::vector<ResultRow> const& services);
 
 // Whether the text begins with such a header row.
