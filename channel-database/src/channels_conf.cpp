@@ -87,12 +87,12 @@ struct ListReader {
             }
         }
         std::string name(trimmed(text));
-        if (!name.empty()) {  // a number alone leaves the group open
-            std::replace(name.begin(), name.end(), '|', ':');
-            list.groups.push_back(std::move(name));
-        }
         if (number != 0 || !name.empty())
             mark = number;
+        if (name.empty())
+            return;  // a number alone leaves the group open
+        std::replace(name.begin(), name.end(), '|', ':');
+        list.groups.push_back(std::move(name));
     }
 
     ChannelsConf list;

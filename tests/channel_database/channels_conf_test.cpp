@@ -83,16 +83,18 @@ TEST(ChannelList, CountsGroupsAndReportsLines) {
     std::string text =
         "\xEF\xBB\xBF"
         "A~# a comment\n:News|now\n\nB~:@20\n#C~foul line\n:@5 Late\nS\xFC"
-        "d~Nord\xC3\xB6~";
+        "d~Nord\xC3\xB6~:@30\n:Last\nE~";
     for (std::size_t at; (at = text.find('~')) != std::string::npos;)
         text.replace(at, 1, ":410:M64:C:6900:1:1:0:0:1:1:1:0\r\n");
     std::istringstream stream(text);
     auto const list = parseChannelsConf(stream);
-    EXPECT_THAT(list.groups, testing::ElementsAre("News:now", "Late"));
+    EXPECT_THAT(list.groups, testing::ElementsAre("News:now", "Late", "Last"));
     std::ostringstream channels;
     for (Channel const& c : list.channels)
-        channels << c.name << ' ' << c.number << ' ' << c.group << ' ' << c.line << '\n';
-    EXPECT_EQ(channels.str(), "A 1 -1 1\nB 2 0 5\n#C 20 0 7\nSüd 21 1 10\nNordö 22 1 11\n");
+        channels << c.name << ' ' << c.number << ' ' << c.mark << ' ' << c.group << ' ' << c.line
+                 << '\n';
+    EXPECT_EQ(channels.str(),
+              "A 1 0 -1 1\nB 2 0 0 5\n#C 20 20 0 7\nSüd 21 5 1 10\nNordö 22 0 1 11\nE 30 0 2 14\n");
     ASSERT_EQ(list.rejected.size(), 1U);
     EXPECT_EQ(list.rejected[0].line, 8);
     EXPECT_THAT(list.rejected[0].reason, HasSubstr("this line 1"));

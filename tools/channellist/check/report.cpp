@@ -82,7 +82,7 @@ Causes causesOf(Counts const& counts) {
 }
 
 std::string cut(std::string const& text) {
-    std::string const shown = displayText(text);
+    std::string shown = displayText(text);
     if (shown.size() <= kWidest)
         return shown;
     std::size_t end = kWidest;

@@ -107,6 +107,15 @@ void compareIndexes(std::string const& name, Table const& wanted, Table const& t
     }
 }
 
+Finding missingColumn(std::string const& table, std::string const& column) {
+    return {"missing-column",
+            Severity::Edits,
+            table,
+            "column " + column + " does not exist",
+            "requests that read it give nothing; edits that write it fail",
+            "ALTER TABLE " + table + " ADD COLUMN " + column + " ..."};
+}
+
 void compare(std::string const& name, Table const& wanted, Findings& findings) {
     Table const table = readTable(db, name);
     if (table.columns.empty()) {
@@ -119,14 +128,9 @@ void compare(std::string const& name, Table const& wanted, Findings& findings) {
         findings.push_back({"view-for-table", Severity::Edits, name, "is a view, not a table",
                             "lists take long, and edits that write it fail", "make a table of it"});
     }
-    for (auto const& [column, spelled] : wanted.columns) {
-        if (table.columns.count(column) == 0 && !stands(name, column)) {
-            findings.push_back({"missing-column", Severity::Edits, name,
-                                "column " + spelled + " does not exist",
-                                "requests that read it give nothing; edits that write it fail",
-                                "ALTER TABLE " + name + " ADD COLUMN " + spelled + " ..."});
-        }
-    }
+    for (auto const& [column, spelled] : wanted.columns)
+        if (table.columns.count(column) == 0 && !stands(name, column))
+            findings.push_back(missingColumn(name, spelled));
     if (!table.isView)
         compareIndexes(name, wanted, table, findings);
 }

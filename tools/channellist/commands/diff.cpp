@@ -95,14 +95,18 @@ ComparedContent contentOf(std::string const& file) {
     return readForComparison();
 }
 
+void requireComplete(ComparedContent const& content, std::string const& file) {
+    if (!content.complete)
+        throw Failure("not all services of " + file + " could be read; \"channellist check --db " +
+                      file + "\" tells why");
+}
+
 int run(Options const& options, std::string const& newFile) {
     ComparedContent const old = contentOf(options.oldFile);
     ComparedContent const now = contentOf(newFile);
     (options.json ? printObject : printTables)(differenceOf(old, now));
-    for (auto const& [content, file] : {std::pair(&old, options.oldFile), {&now, newFile}})
-        if (!content->complete)
-            throw Failure("not all services of " + file +
-                          " could be read; \"channellist check --db " + file + "\" tells why");
+    requireComplete(old, options.oldFile);
+    requireComplete(now, newFile);
     return kSuccess;
 }
 

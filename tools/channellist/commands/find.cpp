@@ -26,7 +26,8 @@ bool isMeant(ResultRow const& service, std::string const& word) {
 std::vector<ServicePlaces> servicesWith(std::vector<std::string> const& words,
                                         std::vector<ListContentRows> const& lists) {
     std::vector<ServicePlaces> found;
-    for (auto& [id, places] : placesOfServices(lists)) {
+    for (auto const& service : placesOfServices(lists)) {
+        ServicePlaces const& places = service.second;
         bool const isFound = std::all_of(words.begin(), words.end(), [&](std::string const& word) {
             return isMeant(places.service, word);
         });
