@@ -17,18 +17,15 @@ namespace {
 constexpr std::string_view kName = "#NAME";
 constexpr std::string_view kService = "#SERVICE";
 constexpr std::string_view kDescription = "#DESCRIPTION";
-constexpr std::uint32_t kCable = 0xFFFF;
-constexpr std::uint32_t kTerrestrial = 0xEEEE;
 
 // By the namespace, which is the orbital position with a checksum behind.
 std::string sourceOf(std::uint32_t place) {
     std::uint32_t const position = place >> 16;
-    if (position == kCable)
+    if (position == kCablePlace)
         return "C";
-    if (position == kTerrestrial)
+    if (position == kTerrestrialPlace)
         return "T";
-    auto const tenths = static_cast<int>(position);
-    return orbitalSource(tenths > 1800 ? tenths - 3600 : tenths);
+    return orbitalSource(orbitalPosition(static_cast<int>(position)));
 }
 
 // What stands behind the tenth colon.
@@ -186,20 +183,13 @@ ChannelsConf readEnigma2Folder(std::string const& folder) {
 
 std::string formatBouquetName(std::string const& name) { return "#NAME " + name; }
 
-std::string formatBouquetEntry(Channel const& channel, bool isHighDefinition) {
-    int const position = channel.orbitalPosition();
-    unsigned const place = channel.source[0] == 'C' ? kCable
-                           : channel.source[0] == 'T'
-                               ? kTerrestrial
-                               : static_cast<unsigned>(position < 0 ? position + 3600 : position);
+std::string formatBouquetEntry(Channel const& channel) {
     char text[96];
-    std::snprintf(text, sizeof text, "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:",
-                  channel.isRadio()  ? 2U
-                  : isHighDefinition ? 0x19U
-                                     : 1U,
+    std::snprintf(text, sizeof text,
+                  "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:", static_cast<unsigned>(serviceType(channel)),
                   static_cast<unsigned>(channel.serviceId),
                   static_cast<unsigned>(channel.transportStreamId),
-                  static_cast<unsigned>(channel.networkId), place << 16);
+                  static_cast<unsigned>(channel.networkId), enigma2Place(channel));
     return text;
 }
 

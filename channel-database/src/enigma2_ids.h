@@ -45,7 +45,18 @@ inline std::optional<std::vector<std::uint32_t>> hexadecimalFields(std::string_v
     return numbers;
 }
 
-inline bool isRadioType(int type) { return type == 2 || type == 10; }
+constexpr int kTvType = 1;
+constexpr int kRadioType = 2;
+constexpr int kHdTvType = 25;
+
+inline bool isRadioType(int type) { return type == kRadioType || type == 10; }
+
+/// MPEG-2, AVC and HEVC services of high definition.
+inline bool isHighDefinitionType(int type) { return type == 17 || type == kHdTvType || type == 31; }
+
+inline int serviceType(Channel const& channel) {
+    return channel.isRadio() ? kRadioType : channel.highDefinition ? kHdTvType : kTvType;
+}
 
 /// Data, CI and MHP services, which nobody watches.
 inline bool isData(int type) { return type >= 12 && type <= 16; }
@@ -71,6 +82,27 @@ inline std::string shownText(std::string_view text) {
 inline std::string tripletText(Channel const& channel) {
     return std::to_string(channel.networkId) + "-" + std::to_string(channel.transportStreamId) +
            "-" + std::to_string(channel.serviceId);
+}
+
+/// What the formats count up to 3599, east from 0; west is negative here.
+inline int orbitalPosition(int tenths) { return tenths > 1800 ? tenths - 3600 : tenths; }
+
+inline int enigma2Position(Channel const& channel) {
+    int const position = channel.orbitalPosition();
+    return position < 0 ? position + 3600 : position;
+}
+
+/// The high half of a namespace says where a transponder is: a satellite's position, or one of
+/// these.
+constexpr std::uint32_t kCablePlace = 0xFFFF;
+constexpr std::uint32_t kTerrestrialPlace = 0xEEEE;
+
+inline std::uint32_t enigma2Place(Channel const& channel) {
+    std::uint32_t const place = channel.source[0] == 'C' ? kCablePlace
+                                : channel.source[0] == 'T'
+                                    ? kTerrestrialPlace
+                                    : static_cast<std::uint32_t>(enigma2Position(channel));
+    return place << 16;
 }
 
 /// "S19.2E" of 192.

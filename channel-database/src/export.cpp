@@ -99,10 +99,10 @@ std::optional<Channel> channelOf(StoredService const& service) {
     channel.name = oneLine(service.name);
     channel.symbolRate = numbers["symbolrate"];
     setSource(numbers, delivery, channel);
-    channel.frequency =
-        channel.source[0] == 'S' ? toMHz(numbers["frequency"]) : numbers["frequency"];
+    channel.frequency = numbers["frequency"];
     setParameters(numbers, delivery, channel);
     channel.videoPid = service.radio ? "0" : "8191";
+    channel.highDefinition = service.highDefinition;
     channel.audioPids = "0";
     channel.teletextPid = "0";
     if (service.encrypted)
@@ -110,6 +110,12 @@ std::optional<Channel> channelOf(StoredService const& service) {
     channel.serviceId = numbers["sid"];
     channel.networkId = numbers["onid"];
     channel.transportStreamId = numbers["tsid"];
+    return channel;
+}
+
+Channel inVdrUnits(Channel channel) {
+    if (channel.source[0] == 'S')
+        channel.frequency = toMHz(channel.frequency);
     return channel;
 }
 

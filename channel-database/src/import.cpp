@@ -24,9 +24,10 @@ int bandNumber(int kHz) {
     return kHz < 11700000 ? 1 : 2;
 }
 
-/// The list says nothing about the picture, so the name has to: "ZDF HD", "Ultra HD", "UHD1".
+/// VDR's list says nothing about the picture, so the name has to: "ZDF HD", "Ultra HD", "UHD1".
 bool isHighDefinition(Channel const& channel) {
-    return !channel.isRadio() && channel.name.find("HD") != std::string::npos;
+    bool const isNamedSo = channel.name.find("HD") != std::string::npos;
+    return !channel.isRadio() && (channel.highDefinition || isNamedSo);
 }
 
 class Importer {
@@ -180,10 +181,40 @@ class Importer {
         return service;
     }
 
+    /// Of what the tuner's row keeps, so that a list made of the database again gives the same.
     static std::string transponderText(Channel const& channel) {
+        Channel kept;
+        kept.polarization = channel.polarization;
+        for (char const letter : keptParameters(channel.delivery()))
+            if (int const value = channel.parameter(letter); value != 0)
+                kept.parameters[letter] = value;
+        if (channel.delivery() == Delivery::DvbS2 && modcodOf(channel) == 0) {
+            kept.parameters.erase('M');
+            kept.parameters.erase('C');
+        }
+        bool const hasSymbols = channel.source[0] == 'S' || channel.delivery() == Delivery::DvbC;
         return channel.source + "-" + std::to_string(channel.frequencyInKHz()) + "-" +
-               channel.parameterText() + "-" + std::to_string(channel.symbolRate) + "-" +
-               std::to_string(channel.networkId);
+               kept.parameterText() + "-" + std::to_string(hasSymbols ? channel.symbolRate : 0) +
+               "-" + std::to_string(channel.networkId);
+    }
+
+    static int modcodOf(Channel const& channel) {
+        return modcodNumber({channel.parameter('M'), channel.parameter('C')});
+    }
+
+    static std::string_view keptParameters(Delivery delivery) {
+        switch (delivery) {
+            case Delivery::DvbT:
+                return "BIM";
+            case Delivery::DvbT2:
+                return "BIMPS";
+            case Delivery::DvbC:
+                return "IM";
+            case Delivery::DvbC2:
+                return "BIPS";
+            default:
+                return "CIMS";
+        }
     }
 
     static void writeTuner(Channel const& channel, Service& service) {
@@ -209,8 +240,7 @@ class Importer {
                 service.set("CodeRate", channel.parameter('C'));
                 break;
             default:
-                service.set("ModulationCoding",
-                            modcodNumber({channel.parameter('M'), channel.parameter('C')}));
+                service.set("ModulationCoding", modcodOf(channel));
                 break;
         }
         if (channel.delivery() == Delivery::DvbT2 || channel.delivery() == Delivery::DvbC2)

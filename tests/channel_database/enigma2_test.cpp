@@ -51,6 +51,21 @@ TEST(Lamedb, IsReadInEveryVersion) {
         "0005:00c00000:0441:0001:12:0\nData\np:\n"
         "0006:00c00000:9999:0001:1:0\nLost\np:\n"
         "foul\nFoul\np:\nend\nHave a lot of bugs!\n";
+    char const rewritten[] =
+        "eDVB services /4/\ntransponders\n"
+        "00c00000:03fb:0001\n\ts 11362000:22000000:0:2:192:2:0:1:2:0:2\n/\n"
+        "00c00000:0441:0001\n\ts 12188000:27500000:1:3:192:2:0\n/\n"
+        "0e080000:0001:0002\n\ts 12515000:22000000:3:0:3592:2:0\n/\n"
+        "ffff0000:0441:0085\n\tc 338000:6900000:2:5:0:0:0\n/\n"
+        "eeee0000:0101:2114\n\tt 474000000:0:5:5:3:2:4:4:2:0:1:7\n/\n"
+        "ffff0000:0801:0600\n\tc 682750:6900000:2:0:0:0:0\n/\nend\nservices\n"
+        "283d:00c00000:03fb:0001:25:0:0\nDas Erste HD\np:ARD\n"
+        "2ee3:00c00000:0441:0001:1:0:0\nRTL\np:CBC,C:1837\n"
+        "0001:0e080000:0001:0002:2:0:0\nS\xC3\xBC"
+        "d\np:\n"
+        "0002:ffff0000:0441:0085:1:0:0\n133-1089-2\np:\n"
+        "0003:eeee0000:0101:2114:25:0:0\nT2\np:\n"
+        "0004:ffff0000:0801:0600:1:0:0\nZiggo\np:\nend\n";
     std::string const expected =
         "26 Das Erste HD/ARD S19.2E 11362000 HHC23M5S1 22000 tv 1-1019-10301\n"
         "29 RTL/CBC S19.2E 12188000 VVC34M2S0 27500 tv encrypted 1-1089-12003\n"
@@ -68,6 +83,8 @@ TEST(Lamedb, IsReadInEveryVersion) {
                             "47: no transponder of the list carries it: Lost\n"
                             "50: a service that cannot be read: foul\n");
     }
+    auto const list = parsed(parseLamedb, std::string("eDVB services /4/\n") + older);
+    EXPECT_EQ(formatLamedb(list.channels), rewritten);
     std::string fifth =
         summary(parsed(parseLamedb,
                        "eDVB services /5/\n# Transponders\n"
@@ -101,7 +118,7 @@ TEST(Bouquet, NamesServicesByTheirIds) {
         "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:", "#SERVICE 1:0:2:1:1:2:E080000:0:0:0:",
         "#SERVICE 1:0:1:2:441:85:FFFF0000:0:0:0:"};
     for (std::size_t i = 0; i < std::size(entries); ++i)
-        EXPECT_EQ(formatBouquetEntry(list.channels[i], false), entries[i]);
+        EXPECT_EQ(formatBouquetEntry(list.channels[i]), entries[i]);
 }
 
 }  // namespace

@@ -292,6 +292,9 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
     ASSERT_EQ(run("import e2/lamedb new.db"), 0);
     EXPECT_EQ(out, "new.db: 2 channels, 0 groups, 1 lines skipped\n");
     EXPECT_EQ(err, "e2/lamedb:17: skipped: service type 12 is no TV or radio: Data\n");
+    write("lamedb", output("export --db new.db --format lamedb all"));
+    ASSERT_EQ(run("import lamedb again.db"), 0) << err;
+    EXPECT_TRUE(content("again.db") == content("new.db")) << "the same list, the same database";
     ASSERT_EQ(run("import e2 new.db --force"), 0) << err;
     EXPECT_EQ(out, "new.db: 2 channels, 1 groups, 1 lines skipped\n");
     write("cut", "eDVB services /4/\ntransponders\n00c00000:03fb:0001\n");
@@ -314,7 +317,8 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
     expect({"import --favourites bouquet --list FAV1", 0, "Nothing to change.", nullptr});
     expect({"import --favourites e2 --list FAV4 --dry-run", 0, "FAV4: 2 services", "type 12"});
     expect({"export --format enigma2 FAV1 FAV2", 2, nullptr, "takes one list"});
-    expect({"export --format txt FAV1", 2, nullptr, "'txt' is none of vdr, enigma2 and csv"});
+    expect(
+        {"export --format txt FAV1", 2, nullptr, "'txt' is none of vdr, enigma2, lamedb and csv"});
 }
 
 TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {

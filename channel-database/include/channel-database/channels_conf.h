@@ -30,7 +30,7 @@ struct Channel {
     std::string name;
     std::string shortName;
     std::string provider;
-    int frequency = 0;      ///< as given: MHz for satellites, else MHz, kHz or Hz
+    int frequency = 0;      ///< as given: MHz or kHz for satellites, else MHz, kHz or Hz
     char polarization = 0;  ///< 'H', 'V', 'L', 'R', or 0
     /// Value by letter: B bandwidth, C code rate, M modulation, P stream or PLP id, S 1 for the
     /// second generation (DVB-S2, -T2, -C2), and others that no database column needs.
@@ -47,9 +47,10 @@ struct Channel {
     int number = 0;  ///< position in the whole list
     int mark = 0;    ///< the n of the `:@n` in front of it, or of a hidden one's comment; 0 without
     bool hidden = false;
-    bool isReference = false;  ///< names a service by its ids: without frequency and parameters
-    int group = -1;            ///< index in ChannelsConf::groups; -1 in front of the first
-    int line = 0;              ///< counted from 1
+    bool highDefinition = false;  ///< where more is known than the name says
+    bool isReference = false;     ///< names a service by its ids: without frequency and parameters
+    int group = -1;               ///< index in ChannelsConf::groups; -1 in front of the first
+    int line = 0;                 ///< counted from 1
 
     Delivery delivery() const;
     /// In kHz: the frequency times 1000 until it is no smaller than a satellite's in kHz, any

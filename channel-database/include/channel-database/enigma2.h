@@ -10,6 +10,7 @@
 #include <istream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace channel_database {
 
@@ -28,8 +29,13 @@ ChannelsConf parseBouquet(std::istream& text);
 /// std::runtime_error when the folder holds neither lamedb nor bouquets.
 ChannelsConf readEnigma2Folder(std::string const& folder);
 
+/// A whole lamedb, version 4, with the transponders in the order in which the channels name them.
+/// What it has no place for is left to the receiver (pids, hierarchy); DVB-C2 it does not know, so
+/// such channels are not in it.
+std::string formatLamedb(std::vector<Channel> const& channels);
+
 /// The line of a bouquet for a DVB channel, and its first line.
-std::string formatBouquetEntry(Channel const& channel, bool isHighDefinition);
+std::string formatBouquetEntry(Channel const& channel);
 std::string formatBouquetName(std::string const& name);
 
 }  // namespace channel_database

@@ -14,12 +14,16 @@ struct StoredService {
     std::string uri;  ///< its tuning URI
     bool radio = false;
     bool encrypted = false;
+    bool highDefinition = false;
 };
 
 /// The channel of a DVB service; nothing for analogue and IP services and for inputs, which have
 /// no line in a channel list. What a database does not keep is written so that it reads as what it
 /// is: 8191, no pid, for the video of a TV service; FFFF for the access of an encrypted one. The
-/// source of a satellite that only the set knows by its number is S0E.
+/// source of a satellite that only the set knows by its number is S0E. The frequency is in kHz.
 std::optional<Channel> channelOf(StoredService const& service);
+
+/// The same with a satellite's frequency in MHz, as VDR counts.
+Channel inVdrUnits(Channel channel);
 
 }  // namespace channel_database

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "enigma2_ids.h"
+#include "lamedb_numbers.h"
 #include "line_text.h"
 
 namespace channel_database {
@@ -16,19 +17,6 @@ namespace {
 constexpr std::string_view kHeader = "eDVB services /";
 constexpr int kLeastSatelliteKHz = 3400000;
 constexpr int kConverterKHz = 1000000;
-
-// Numbers of the format, by place; what VDR's letters mean by them.
-constexpr int kCodeRates[] = {0, 12, 23, 34, 56, 78, 89, 35, 45, 910, 67};
-constexpr int kSatelliteModulations[] = {0, 2, 5, 16, 6, 7};
-constexpr int kCableModulations[] = {0, 16, 32, 64, 128, 256};
-constexpr int kTerrestrialModulations[] = {2, 16, 64, 0, 256};
-constexpr int kTerrestrialCodeRates[] = {12, 23, 34, 56, 78, 0, 67, 89};
-constexpr int kBandwidths[] = {8, 7, 6, 0, 5, 1712, 10};
-
-template <std::size_t Count>
-int numberAt(int const (&numbers)[Count], int place) {
-    return place >= 0 && place < static_cast<int>(Count) ? numbers[place] : 0;
-}
 
 // Fields between colons as decimal numbers; 0 where one is missing.
 class Fields {
@@ -56,8 +44,12 @@ void setParameter(Channel& channel, char letter, int value) {
         channel.parameters[letter] = value;
 }
 
+void setInversion(Channel& channel, int place) {
+    setParameter(channel, 'I', place == kLamedbInverted ? 1 : 0);
+}
+
 void setSatellite(Fields const& fields, Channel& channel) {
-    int const position = fields[4] > 1800 ? fields[4] - 3600 : fields[4];
+    int const position = orbitalPosition(fields[4]);
     channel.frequency = fields[0];
     channel.symbolRate = fields[1] / 1000;
     if (channel.frequency < kLeastSatelliteKHz && position >= 0 && position <= 2) {
@@ -66,28 +58,32 @@ void setSatellite(Fields const& fields, Channel& channel) {
         return;
     }
     channel.source = orbitalSource(position);
-    channel.polarization = fields[2] >= 0 && fields[2] < 4 ? "HVLR"[fields[2]] : 'H';
-    setParameter(channel, 'C', numberAt(kCodeRates, fields[3]));
+    char const polarization = valueAt(kLamedbPolarizations, fields[2]);
+    channel.polarization = polarization != 0 ? polarization : 'H';
+    setParameter(channel, 'C', valueAt(kLamedbCodeRates, fields[3]));
+    setInversion(channel, fields[5]);
     bool const hasSystem = fields.size() > 7;
     channel.parameters['S'] = hasSystem && fields[7] == 1 ? 1 : 0;
-    setParameter(channel, 'M', hasSystem ? numberAt(kSatelliteModulations, fields[8]) : 2);
+    setParameter(channel, 'M', hasSystem ? valueAt(kLamedbSatelliteModulations, fields[8]) : 2);
 }
 
 void setCable(Fields const& fields, Channel& channel) {
     channel.source = "C";
     channel.frequency = fields[0];
     channel.symbolRate = fields[1] / 1000;
-    setParameter(channel, 'M', numberAt(kCableModulations, fields[3]));
+    setParameter(channel, 'M', valueAt(kLamedbCableModulations, fields[3]));
+    setInversion(channel, fields[2]);
 }
 
 void setTerrestrial(Fields const& fields, Channel& channel) {
     channel.source = "T";
     channel.frequency = fields[0];
     channel.parameters['S'] = fields[10] == 1 ? 1 : 0;
-    setParameter(channel, 'B', numberAt(kBandwidths, fields[1]));
-    setParameter(channel, 'C', numberAt(kTerrestrialCodeRates, fields[2]));
-    setParameter(channel, 'M', numberAt(kTerrestrialModulations, fields[4]));
+    setParameter(channel, 'B', valueAt(kLamedbBandwidths, fields[1]));
+    setParameter(channel, 'C', valueAt(kLamedbTerrestrialCodeRates, fields[2]));
+    setParameter(channel, 'M', valueAt(kLamedbTerrestrialModulations, fields[4]));
     setParameter(channel, 'P', fields[10] == 1 ? fields[11] : 0);
+    setInversion(channel, fields[8]);
 }
 
 // "s 11362000:22000000:...", behind a tab, or in version 5 behind a comma without the blank.
@@ -214,6 +210,7 @@ class LamedbReader {
         channel.networkId = static_cast<int>((*numbers)[3] & 0xFFFF);
         channel.name = shown.empty() ? tripletText(channel) : shown;
         channel.videoPid = isRadioType(type) ? "0" : "8191";
+        channel.highDefinition = isHighDefinitionType(type);
         channel.audioPids = channel.teletextPid = "0";
         setProviderAndAccess(details, channel);
         channel.line = at;
