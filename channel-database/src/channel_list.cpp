@@ -14,16 +14,14 @@ namespace {
 constexpr std::size_t kMostRejected = 20;  // of a list without any channel
 
 struct Format {
-    bool (*fits)(std::string_view beginning);
+    bool (*fits)(std::string_view text);
     ChannelsConf (*parse)(std::istream& text);
 };
-
-bool fitsAnything(std::string_view /*beginning*/) { return true; }
 
 constexpr Format kFormats[] = {
     {isLamedb, parseLamedb},
     {isBouquet, parseBouquet},
-    {fitsAnything, parseChannelsConf},
+    {isChannelsConf, parseChannelsConf},
 };
 
 std::string readText(std::string const& path) {
@@ -51,11 +49,10 @@ ChannelsConf readChannelList(std::string const& path) {
         if (!format.fits(text.str()))
             continue;
         ChannelsConf list = format.parse(text);
-        if (list.channels.empty() && list.rejected.size() > kMostRejected)
-            throw std::runtime_error(path + ": this is no channel list of VDR or Enigma2");
-        return list;
+        if (!list.channels.empty() || list.rejected.size() <= kMostRejected)
+            return list;
     }
-    throw std::logic_error("one format fits anything");
+    throw std::runtime_error(path + ": this is no channel list of VDR or Enigma2");
 }
 
 }  // namespace channel_database

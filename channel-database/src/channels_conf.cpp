@@ -102,6 +102,23 @@ struct ListReader {
 
 }  // namespace
 
+bool isChannelsConf(std::string_view text) {
+    constexpr int kLeastColons = 8;
+    bool isEmpty = true;
+    while (!text.empty()) {
+        std::string_view const line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+        std::string_view const content = trimmed(line);
+        if (content.empty() || (content[0] == '#' && content.find(kOwnComment) != 0))
+            continue;
+        if (content[0] == ':' || content[0] == '#' ||
+            std::count(content.begin(), content.end(), ':') >= kLeastColons)
+            return true;
+        isEmpty = false;
+    }
+    return isEmpty;
+}
+
 ChannelsConf parseChannelsConf(std::istream& text) {
     ListReader reader;
     int lineNumber = 0;

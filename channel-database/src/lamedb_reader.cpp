@@ -128,8 +128,11 @@ class LamedbReader {
         isFifth_ = header.find("/5/") != std::string::npos;
         for (std::string current; next(text, current);)
             isFifth_ ? readFifth(current) : readOlder(current, text);
-        if (section_ != "end")  // as when a copy of the file was cut short
+        // As when a copy of the file was cut short; version 5 has no sections.
+        if (section_ != "end")
             list.rejected.push_back({line_, "the file ends in the midst of its " + section_});
+        else if (isFifth_ && isCut_)
+            list.rejected.push_back({line_, "the file ends in the midst of a line"});
     }
 
     ChannelsConf list;
@@ -142,8 +145,10 @@ class LamedbReader {
 
     std::string line(std::istream& text) {
         std::string result;
-        if (std::getline(text, result))
+        if (std::getline(text, result)) {
             ++line_;
+            isCut_ = text.eof();
+        }
         if (!result.empty() && result.back() == '\r')
             result.pop_back();
         return isUtf8(result) ? result : latin1ToUtf8(result);
@@ -171,8 +176,10 @@ class LamedbReader {
         if (current[0] == 't') {
             addTransponder(ids, rest, line_);
         } else if (current[0] == 's' && rest.size() > 1 && rest[0] == '"') {
-            auto const end = rest.find('"', 1);
-            std::string const behind = end == std::string::npos ? "" : rest.substr(end + 1);
+            auto end = rest.find("\",p:");  // the name may hold quotes
+            if (end == std::string::npos)
+                end = std::max<std::size_t>(1, rest.rfind('"'));
+            std::string const behind = rest.substr(std::min(rest.size(), end + 1));
             addService(ids, rest.substr(1, end - 1), behind.empty() ? "" : behind.substr(1), line_);
         }
     }
@@ -228,6 +235,7 @@ class LamedbReader {
 
     std::map<TransponderKey, Channel> transponders_;
     bool isFifth_ = false;
+    bool isCut_ = false;  // whether the last line has no end
     std::string section_ = "end";
     int line_ = 0;
 };

@@ -91,11 +91,13 @@ TEST(Lamedb, IsReadInEveryVersion) {
                        "t:00c00000:03fb:0001,s:11362000:22000000:0:2:192:2:0:1:2:0:2\n"
                        "t:eeee0000:0101:2114,t:474000000:0:5:5:3:2:4:4:2:0:1:7\n"
                        "s:283d:00c00000:03fb:0001:25:0,\"Das Erste HD\",p:ARD\n"
-                       "s:0003:eeee0000:0101:2114:31:0,\"T2, again\",p:\n"));
+                       "s:0003:eeee0000:0101:2114:31:0,\"T2, \"again\"\",p:\n"
+                       "s:0003:eeee"));
     fifth.erase(std::remove(fifth.begin(), fifth.end(), '\0'), fifth.end());
     EXPECT_EQ(fifth,
               "5 Das Erste HD/ARD S19.2E 11362000 HHC23M5S1 22000 tv 1-1019-10301\n"
-              "6 T2, again/ T 474000 B8P7S1 0 tv 8468-257-3\n");
+              "6 T2, \"again\"/ T 474000 B8P7S1 0 tv 8468-257-3\n"
+              "7: the file ends in the midst of a line\n");
 }
 
 TEST(Bouquet, NamesServicesByTheirIds) {

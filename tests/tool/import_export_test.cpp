@@ -27,7 +27,7 @@ TEST_F(ToolTest, ImportsAChannelListAndNamesSkippedLines) {
     EXPECT_THAT(err, HasSubstr("new.db exists; --force replaces its content"));
     EXPECT_EQ(run("import missing new.db --force"), 1);
     EXPECT_THAT(err, HasSubstr("cannot read missing: No such file"));
-    write("list", "foul\n");
+    write("list", ":Group\nfoul\n");
     EXPECT_EQ(run("import list new.db --force"), 1);
     EXPECT_THAT(err, HasSubstr("the list holds no channel"));
     EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "new.db"), "A");
@@ -337,6 +337,10 @@ TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {
           "\xEF\xBB\xBFName,number,key\r\nJazz,7,\r\n\"A, \"\"B\"\"\",,1\r\nテレビ東京,,\r\n");
     expect({"edit FAV1 --from list.csv", 0, "FAV1  added", nullptr});
     EXPECT_EQ(fav(1), "7 5;8 1;9 4");
+    for (std::string const separator : {";", "\t"}) {
+        write("list.csv", "\"Key\"" + separator + "Number\r\n5" + separator + "4\r\n");
+        expect({"edit FAV1 --from list.csv --dry-run", 0, "Jazz", nullptr});
+    }
     write("list.csv", "Number,Name\nx,Jazz\n1,\n2,nobody\n");
     expect({"edit FAV1 --from list.csv", 1, nullptr, "list.csv:2: the number or key is none"});
     EXPECT_THAT(err,

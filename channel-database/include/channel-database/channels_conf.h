@@ -21,6 +21,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace channel_database {
@@ -95,6 +96,8 @@ struct ChannelsConf {
 
 /// Reads one channel line; throws LineError.
 Channel parseChannel(std::string const& line);
+/// Whether a line is a group or has as many fields as a channel, or the text says nothing at all.
+bool isChannelsConf(std::string_view text);
 /// Reads a whole list. Lines that are not UTF-8 are taken as Latin-1.
 ChannelsConf parseChannelsConf(std::istream& text);
 /// The channel's line, with all thirteen fields.

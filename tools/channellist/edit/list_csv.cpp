@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "output/folded_text.h"
@@ -43,9 +44,10 @@ struct CsvRow {
 // The fields of a text, row by row, up to a quote that is wrong: what follows one means nothing.
 class CsvRows {
   public:
-    explicit CsvRows(std::string const& text) {
+    CsvRows(std::string const& text, char separator) {
         csv_parser parser;
         csv_init(&parser, CSV_APPEND_NULL | CSV_STRICT | CSV_STRICT_FINI);
+        csv_set_delim(&parser, static_cast<unsigned char>(separator));
         std::unique_ptr<csv_parser, decltype(&csv_free)> const owner(&parser, csv_free);
         std::size_t next = 0;
         for (std::size_t at = 0; at < text.size(); at = next) {
@@ -109,6 +111,18 @@ bool readRow(Columns const& columns, std::vector<std::string> const& row, TextLi
     return (number.empty() || line.number) && (key.empty() || line.key);
 }
 
+// What stands behind the first column's name: spreadsheets of some languages write semicolons or
+// tabs. Nothing for a text that is no table of a list.
+std::optional<char> separatorIn(std::string const& text) {
+    std::string header = withoutMark(text.substr(0, text.find_first_of("\r\n")));
+    header.erase(std::remove(header.begin(), header.end(), '"'), header.end());
+    std::size_t const end = header.find_first_of(",;\t");
+    std::string const first = folded(header.substr(0, end));
+    bool const isNamed = std::any_of(std::begin(kColumns), std::end(kColumns),
+                                     [&](char const* column) { return first == folded(column); });
+    return isNamed && end != std::string::npos ? std::optional(header[end]) : std::nullopt;
+}
+
 }  // namespace
 
 std::string formatCsv(std::vector<ResultRow> const& services) {
@@ -122,15 +136,11 @@ std::string formatCsv(std::vector<ResultRow> const& services) {
     return text;
 }
 
-bool isCsv(std::string const& text) {
-    std::string const first = folded(withoutMark(text.substr(0, text.find('\n'))));
-    return first.find("number,") != std::string::npos && first.find("name") != std::string::npos &&
-           first[0] != '#';
-}
+bool isCsv(std::string const& text) { return separatorIn(text).has_value(); }
 
 ListText parseCsv(std::string const& text) {
     ListText result;
-    CsvRows const csv(withoutMark(text));
+    CsvRows const csv(withoutMark(text), separatorIn(text).value_or(','));
     result.errors = csv.errors;
     Columns const columns(csv.rows.empty() ? std::vector<std::string>() : csv.rows[0].fields);
     for (std::size_t i = 1; i < csv.rows.size(); ++i) {
