@@ -191,7 +191,7 @@ CHANNELLIST_ACCESS_EXPORT int computeService(int argc, std::vector<std::string> 
 /// @throws std::out_of_range when `row` has fewer than 34 strings; `sv` is unchanged.
 CHANNELLIST_ACCESS_EXPORT void fetchServiceItem(std::vector<std::string> const& row);
 
-/// Row callback of the folder query: hands a copy of the row to computeFolder. A list whose
+/// Row callback of the folder query: converts the row as computeFolder does. A list whose
 /// attributes are no signed number is left out, with a message that names it, and the query goes
 /// on. `data` is the ResultSet.
 CHANNELLIST_ACCESS_EXPORT int folder_callback(void* data, int argc, char** values, char** names);
@@ -201,8 +201,7 @@ CHANNELLIST_ACCESS_EXPORT int folder_callback(void* data, int argc, char** value
 ///
 /// The capability code, by the list's attribute word A (see attr), first match: A as a signed
 /// number below 0x100000: "63"; bit 0x800000: "18"; bits 0x100000 and 0x1000000: "48"; bit
-/// 0x100000: "18"; else "50". The list's icon becomes the thumbnail URL of the item that the
-/// conversion builds; no row shows it.
+/// 0x100000: "18"; else "50".
 ///
 /// @return 0; -1 with nothing appended when `argc` (as an unsigned number) exceeds the row's length
 ///         or the row is shorter than seven strings.
@@ -233,27 +232,28 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 ///
 /// Opens on demand, holds svresult_mutex. The list's update tag advances before the transaction
 /// begins, so it has advanced even when a later step fails; an advance that fails is logged, and
-/// the edit goes on. So is a renumbering that fails, unless SQLite has rolled the edit back: the
-/// items before the failing one then keep their new numbers. Stored items without a service id are
-/// counted in a message and left where they are. Each query before the writes, each write and the
-/// commit may wait up to 50 attempts; a query that stays locked out says so. A FAV list edit that
-/// another process overtook, between reading the stored items and writing, is worked out again
-/// behind a lock, for which it may wait up to 50 attempts more.
+/// the edit goes on. So is a renumbering that fails, the items before the failing one with their
+/// new numbers, unless SQLite has rolled the edit back, which fails it. Stored items without a
+/// service id are counted in a message and left where they are. Each query before the writes, each
+/// write and the commit may wait up to 50 attempts; a query that stays locked out says so. A FAV
+/// list edit that another process overtook, between reading the stored items and writing, is worked
+/// out again behind a lock, for which it may wait up to 50 attempts more.
 ///
 /// @return 0 or 101: the edit is committed (0: a FAV list edit that added and removed nothing).
 ///         -1: the number of strings is not 1 + 3k, or a number does not convert. -2: the database
 ///         cannot be opened, the uuid is empty or unknown, there are not exactly four FAV lists,
 ///         the list is no FAV list and there are no entries, the database stays locked, the stored
-///         items cannot be read, or a
-///         statement or the commit failed. After a negative result nothing of the edit is written,
-///         save the update tag. May raise `std::bad_alloc`, with the same promise.
+///         items cannot be read, or a statement or the commit failed. After a negative result
+///         nothing of the edit is written, save the update tag. May raise `std::bad_alloc`, with
+///         the same promise.
 CHANNELLIST_ACCESS_EXPORT int onServiceListEdit(std::vector<std::string> arguments);
 
 /// Gives the items of FAV list `favIndex` (1 to 4) that are not deleted the channel numbers that
 /// its OTT channels leave free, in their present order, then stores the list's highest number.
 /// Memory is bounded by the items and the OTT numbers. Does not open the database; the caller holds
-/// svresult_mutex. A failing step is logged, the items from it on keep their numbers, and the
-/// result is still 0.
+/// svresult_mutex. Preparing its statement and each step may wait up to 50 attempts, the query of
+/// the items is one attempt. A failing step is logged, the items from it on keep their numbers, and
+/// the result is still 0.
 ///
 /// @param listPid  key of the list
 /// @param favIndex which of the OTT database's four lists holds the numbers to leave free

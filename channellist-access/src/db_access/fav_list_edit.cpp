@@ -48,19 +48,12 @@ int storedItemCallback(void* context, int count, char** values, char** names) {
     return dbaccess::FAVserviceIdCallback(&items.services, count, values, names);
 }
 
-// Items without a service are left where they are: no entry can mean them.
-int readStoredServices(unsigned int favoriteListId, std::vector<unsigned int>& services) {
+int readStoredItems(unsigned int favoriteListId, StoredItems& items) {
     std::string const sql =
         "SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = " + numberText(favoriteListId) + ";";
-    StoredItems items;
-    int const code = readForEdit(
+    return readForEdit(
         CALL_SITE, sql.c_str(), storedItemCallback, &items, [&] { items = {}; },
         "Read stored FAV services.");
-    if (items.withoutService != 0)
-        LOG_FORMAT(Error, "%d items of list %d have no service id, passed over",
-                   items.withoutService, static_cast<int>(favoriteListId));
-    services = std::move(items.services);
-    return code;
 }
 
 bool convertEntries(std::vector<std::string> const& arguments, std::vector<EditEntry>& entries) {
@@ -181,14 +174,15 @@ EditOutcome writeFavTags(unsigned int favIndex, FavListPlan const& plan) {
 
 EditOutcome planFavListEdit(unsigned int favoriteListId, std::vector<std::string> const& arguments,
                             FavListPlan& plan) {
-    std::vector<unsigned int> stored;
-    if (readStoredServices(favoriteListId, stored) != SQLITE_OK)
+    StoredItems stored;
+    if (readStoredItems(favoriteListId, stored) != SQLITE_OK)
         return EditOutcome::Failed;
+    plan.itemsWithoutService = stored.withoutService;
     std::vector<EditEntry> entries;
     if (!convertEntries(arguments, entries))
         return EditOutcome::Malformed;
-    planRemovals(stored, entries, plan);
-    planEntries(stored, entries, plan);
+    planRemovals(stored.services, entries, plan);
+    planEntries(stored.services, entries, plan);
     return EditOutcome::Done;
 }
 

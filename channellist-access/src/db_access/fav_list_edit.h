@@ -26,6 +26,7 @@ struct FavListPlan {
     std::vector<Update> updates;          // entries of stored services, in entry order
     std::vector<Addition> additions;      // entries of other services, in entry order
     std::vector<std::uint32_t> removals;  // stored services that no entry names, in stored order
+    int itemsWithoutService = 0;          // stored, left where they are: no entry can mean them
 };
 
 // Reads the stored items and converts the entries; writes nothing. Done, Failed when the items

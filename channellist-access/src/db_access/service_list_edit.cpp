@@ -78,6 +78,10 @@ EditOutcome editFavList(CallSite const& site, unsigned int favoriteListId, unsig
                         std::vector<std::string> const& arguments) {
     FavListPlan plan;
     EditOutcome const planned = planFavListEdit(favoriteListId, arguments, plan);
+    if (plan.itemsWithoutService != 0)
+        LOG_FORMAT_AT(site, kLogModule, Error,
+                      "%d items of list %d have no service id, passed over",
+                      plan.itemsWithoutService, static_cast<int>(favoriteListId));
     if (!isDone(planned))
         return planned;
     std::optional<unsigned int> const version = dataVersion(db);

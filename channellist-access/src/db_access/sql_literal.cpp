@@ -1,13 +1,12 @@
 #include "db_access/sql_literal.h"
 
-#include <algorithm>
-
 namespace channellist {
 
 namespace {
 
-constexpr char kMarkLetter = '\1';
-constexpr char kMarkEnd[] = "\2";
+constexpr char kEscape = '\1';
+constexpr char kNul = '\2';     // behind an escape
+constexpr char kItself = '\3';  // the escape, behind one
 
 std::string quoted(std::string_view text) {
     std::string literal = "'";
@@ -16,15 +15,15 @@ std::string quoted(std::string_view text) {
     return literal + "'";
 }
 
-// A mark that stands nowhere in `text`, nor begins in it: one letter more in a row than it has.
-std::string unusedMark(std::string_view text) {
-    std::size_t longest = 0;
-    std::size_t current = 0;
+std::string escaped(std::string_view text) {
+    std::string result;
     for (char const character : text) {
-        current = character == kMarkLetter ? current + 1 : 0;
-        longest = std::max(longest, current);
+        bool const isMarked = character == '\0' || character == kEscape;
+        result += isMarked ? kEscape : character;
+        if (isMarked)
+            result += character == '\0' ? kNul : kItself;
     }
-    return std::string(longest + 1, kMarkLetter) + kMarkEnd;
+    return result;
 }
 
 }  // namespace
@@ -32,14 +31,8 @@ std::string unusedMark(std::string_view text) {
 std::string sqlLiteral(std::string_view text) {
     if (text.find('\0') == std::string_view::npos)
         return quoted(text);
-    std::string const mark = unusedMark(text);
-    std::string marked;
-    for (char const character : text)
-        if (character == '\0')
-            marked += mark;
-        else
-            marked += character;
-    return "replace(" + quoted(marked) + ",'" + mark + "',char(0))";
+    return "replace(replace(" + quoted(escaped(text)) + ",'" + kEscape + kNul + "',char(0)),'" +
+           kEscape + kItself + "','" + kEscape + "')";
 }
 
 }  // namespace channellist

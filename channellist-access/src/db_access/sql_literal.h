@@ -8,8 +8,8 @@
 namespace channellist {
 
 // Returns an SQL expression whose value is `text`: the text between single quotes, each of its own
-// doubled. A NUL would end the statement; a text with NULs is one literal in which a mark stands
-// for them, however many there are.
+// doubled. A NUL would end the statement; a text with NULs is one literal in which two bytes stand
+// for each, however many there are.
 std::string sqlLiteral(std::string_view text);
 
 }  // namespace channellist
