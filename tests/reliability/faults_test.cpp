@@ -177,7 +177,7 @@ TEST(Snapshot, ChangesAsAWholeOrNotAtAllWithoutMemory) {
     for (; !isWhole; ++at) {
         ResultRow row(34, "0");
         std::string all;
-        for (std::size_t const column : {3, 8, 1, 7, 6, 24, 32, 33})
+        for (std::size_t const column : {3U, 8U, 1U, 7U, 6U, 24U, 32U, 33U})
             all += row[column] = std::string(100U << at, static_cast<char>('a' + at));
         std::string const before = texts();
         fault = {FaultKind::New, at, false};

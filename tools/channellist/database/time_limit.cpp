@@ -158,8 +158,8 @@ void TimeLimit::finish() {
 
 bool TimeLimit::isReached() { return reached; }
 
-std::string TimeLimit::sentenceOf(std::string const& work) {
-    return work + " did not end within " + std::to_string(limitSeconds) +
+std::string TimeLimit::sentenceOf(std::string const& ended) {
+    return ended + " did not end within " + std::to_string(limitSeconds) +
            (limitSeconds == 1 ? " second" : " seconds");
 }
 

@@ -29,7 +29,7 @@ class TimeLimit {
     static bool isReached();
     // "reading FavoriteList did not end within 20 seconds", of what was last interrupted.
     static std::string sentence();
-    static std::string sentenceOf(std::string const& work);
+    static std::string sentenceOf(std::string const& ended);
     // Work that was interrupted, "reading FavoriteList", once for each.
     static std::optional<std::string> newlyEndless();
 };
