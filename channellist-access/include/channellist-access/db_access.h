@@ -131,6 +131,8 @@ CHANNELLIST_ACCESS_EXPORT ResultSet get_dbservices(std::string favoriteUuId);
 
 /// Runs the service query of get_dbservices on `db` and appends the rows to `*result`, a ResultSet.
 /// The caller holds svresult_mutex and has created the views. Sets m_selectedServiceListId to 1.
+/// The list's attributes are read as getFavriteAttributes does, on the global `db`: of another
+/// connection the order may not be that of its own attributes.
 ///
 /// @return the code of the closing COMMIT, 0 on success; not that of the query.
 CHANNELLIST_ACCESS_EXPORT int select_dbservice(sqlite3* db, std::string favoriteUuId, void* result);
@@ -191,7 +193,7 @@ CHANNELLIST_ACCESS_EXPORT int computeService(int argc, std::vector<std::string> 
 /// @throws std::out_of_range when `row` has fewer than 34 strings; `sv` is unchanged.
 CHANNELLIST_ACCESS_EXPORT void fetchServiceItem(std::vector<std::string> const& row);
 
-/// Row callback of the folder query: converts the row as computeFolder does. A list whose
+/// Row callback of the folder query: converts the row as computeFolder does, but a list whose
 /// attributes are no signed number is left out, with a message that names it, and the query goes
 /// on. `data` is the ResultSet.
 CHANNELLIST_ACCESS_EXPORT int folder_callback(void* data, int argc, char** values, char** names);
@@ -228,7 +230,7 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 /// removed, new ones added, and the services' FavTag column of that list follows. For every other
 /// list each entry rewrites its service's channel number and deleted flag, and copies the flag to
 /// the four FAV lists; flags 0x04, 0x08, 0x10 and 0x20 beside 0x01 or 0x02 then renumber FAV1 to
-/// FAV4 (see renumberFAVList).
+/// FAV4 (see renumberFAVList) and advance the update tags of those that they name.
 ///
 /// Opens on demand, holds svresult_mutex. The list's update tag advances before the transaction
 /// begins, so it has advanced even when a later step fails; an advance that fails is logged, and
@@ -244,12 +246,13 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 ///         cannot be opened, the uuid is empty or unknown, there are not exactly four FAV lists,
 ///         the list is no FAV list and there are no entries, the database stays locked, the stored
 ///         items cannot be read, or a statement or the commit failed. After a negative result
-///         nothing of the edit is written, save the update tag. May raise `std::bad_alloc`, with
-///         the same promise.
+///         nothing of the edit is written, save the update tag of the list itself. May raise
+///         `std::bad_alloc`, with the same promise.
 CHANNELLIST_ACCESS_EXPORT int onServiceListEdit(std::vector<std::string> arguments);
 
-/// Gives the items of FAV list `favIndex` (1 to 4) that are not deleted the channel numbers that
-/// its OTT channels leave free, in their present order, then stores the list's highest number.
+/// Gives the items of FAV list `favIndex` (1 to 4) that are not deleted, and whose service exists,
+/// the channel numbers that its OTT channels leave free, in their present order, then stores the
+/// list's highest number.
 /// Memory is bounded by the items and the OTT numbers. Does not open the database; the caller holds
 /// svresult_mutex. Preparing its statement and each step may wait up to 50 attempts, the query of
 /// the items is one attempt. A failing step is logged, the items from it on keep their numbers, and
@@ -258,7 +261,8 @@ CHANNELLIST_ACCESS_EXPORT int onServiceListEdit(std::vector<std::string> argumen
 /// @param listPid  key of the list
 /// @param favIndex which of the OTT database's four lists holds the numbers to leave free
 /// @return 0; -2 when `favIndex` is not 1 to 4, the database is not open, the list has no such
-///         item, or the statement does not prepare; nothing is written then.
+///         item, its items cannot be read, or the statement does not prepare: nothing is written
+///         then; -2 too when a failing step made SQLite roll back the caller's transaction.
 CHANNELLIST_ACCESS_EXPORT int renumberFAVList(unsigned int listPid, unsigned char favIndex);
 
 /// Advances the change counter of the list with key `listPid` by one; 65535 becomes 0. Does not

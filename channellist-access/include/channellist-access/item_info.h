@@ -1,9 +1,9 @@
 /// @file
-/// The records that describe one entry of the channel list: a broadcast service, an external input
+/// The item classes, each a service or a list as an object: a broadcast service, an external input
 /// shown as a service, or a list ("folder"). Their vocabulary follows the UPnP content directory.
 ///
-/// They serve hosts that hand an entry on as an object, and fill it from a result row or `sv`. The
-/// library makes none for a row of its own: thirty strings would be built and freed for the few
+/// They serve hosts that hand an item on as an object, and fill it from a result row or `sv`. The
+/// library makes none for a row of its own: 34 strings would be built and freed for the few
 /// that a row shows. A service is a record of views there, of the kind that VideoItemInfo or
 /// MusicItemInfo stands for, and so is a list; without the properties that no column and no field
 /// of `sv` shows: the UPnP class (sub-type), title, sound selection, volume correction and the icon
@@ -24,7 +24,7 @@ enum itemType : unsigned int {
     ITEM_TYPE_FOLDER = 32  ///< a list
 };
 
-/// One entry of the channel list: a plain value, one field per property.
+/// A service or a list: a plain value, one field per property.
 ///
 /// Getters of strings and numbers return a reference to the field, valid as long as the item.
 /// Setters marked "stripped" store stripValue() of their argument, all others the argument itself.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 
-// The FAV lists to renumber, by FAV index; 0: not asked for.
+// The keys of the FAV lists to renumber; position p is FAV(p + 1). 0: not asked for.
 using RenumberRequests = std::array<unsigned int, kFavListCount>;
 
 std::string favListFlagUpdate(std::vector<unsigned int> const& favListIds) {
@@ -25,21 +25,21 @@ std::string favListFlagUpdate(std::vector<unsigned int> const& favListIds) {
 
 void collectRenumberRequests(EditEntry const& entry, std::vector<unsigned int> const& favListIds,
                              RenumberRequests& requests) {
-    if ((entry.flag & (kEditDeleted | kEditRestore)) == 0)
+    if ((entry.flags & (kEditDeleted | kEditRestore)) == 0)
         return;
     for (std::size_t j = 0; j < kFavListCount; ++j)
-        if (requests[j] == 0 && (entry.flag & kEditRenumberFav1 << j) != 0)
+        if (requests[j] == 0 && (entry.flags & kEditRenumberFav1 << j) != 0)
             requests[j] = favListIds[j];
 }
 
 // False after a failing step, which has logged itself.
 bool writeEntry(EditEntry const& entry, unsigned int favoriteListId, Statement& itemUpdate,
                 Statement& favListFlags) {
-    int const isDeleted = (entry.flag & kEditDeleted) != 0 ? 1 : 0;
+    int const isDeleted = (entry.flags & kEditDeleted) != 0 ? 1 : 0;
     LOG_FORMAT(Verbose, "serviceId=%u,isDeleted=%d,channelnumber:%d,flag=%d,restoreEdit:%d.",
-               entry.serviceId, isDeleted, static_cast<int>(entry.channelnumber),
-               static_cast<int>(entry.flag), (entry.flag & kEditRestore) != 0 ? 1 : 0);
-    itemUpdate.rebind(entry.channelnumber, isDeleted, favoriteListId, entry.serviceId);
+               entry.serviceId, isDeleted, static_cast<int>(entry.channelNumber),
+               static_cast<int>(entry.flags), (entry.flags & kEditRestore) != 0 ? 1 : 0);
+    itemUpdate.rebind(entry.channelNumber, isDeleted, favoriteListId, entry.serviceId);
     if (itemUpdate.step("Update All list in the case of All list edit.") != SQLITE_DONE)
         return false;
     favListFlags.rebind(isDeleted, entry.serviceId);

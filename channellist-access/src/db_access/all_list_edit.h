@@ -10,10 +10,9 @@
 
 namespace channellist {
 
-inline constexpr std::size_t kFavListCount = 4;
-
 // Writes every entry inside the open transaction, then renumbers the FAV lists asked for.
-// `favListIds` holds four keys. Done, Malformed or Failed: then the caller rolls back.
+// `favListIds` holds the keys of FAV1 to FAV4. Done, Malformed or Failed: then the caller rolls
+// back.
 EditOutcome writeAllListEdit(unsigned int favoriteListId,
                              std::vector<unsigned int> const& favListIds,
                              std::vector<std::string> const& arguments, Statement& itemUpdate);

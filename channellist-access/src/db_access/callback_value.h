@@ -1,4 +1,4 @@
-// What the row callbacks of one-column queries share: column 0 as an unsigned number.
+// What row callbacks share: their answers to SQLite, and column 0 as an unsigned number.
 #ifndef CHANNELLIST_DB_ACCESS_CALLBACK_VALUE_H
 #define CHANNELLIST_DB_ACCESS_CALLBACK_VALUE_H
 

@@ -6,7 +6,7 @@
 
 namespace channellist {
 
-// attr() of a text that is no string.
+// As attr(), of any text.
 unsigned int attributeWord(std::string_view creator, unsigned int attributes);
 
 }  // namespace channellist

@@ -27,8 +27,8 @@ std::optional<EditEntry> convertEntry(std::vector<std::string> const& arguments,
                                       std::size_t index) {
     std::size_t const first = 1 + index * kStringsPerEntry;
     EditEntry entry = {};
-    if (!convertArgument(arguments, first, entry.flag) ||
-        !convertArgument(arguments, first + 1, entry.channelnumber) ||
+    if (!convertArgument(arguments, first, entry.flags) ||
+        !convertArgument(arguments, first + 1, entry.channelNumber) ||
         !convertArgument(arguments, first + 2, entry.serviceId))
         return std::nullopt;
     return entry;

@@ -1,4 +1,5 @@
-// The entries of an edit request: triples of strings behind the list's uuid.
+// The form of an edit request: triples of strings behind the list's uuid, and the FAV lists that
+// their flags name.
 #ifndef CHANNELLIST_DB_ACCESS_EDIT_ENTRIES_H
 #define CHANNELLIST_DB_ACCESS_EDIT_ENTRIES_H
 
@@ -10,15 +11,16 @@
 namespace channellist {
 
 inline constexpr std::size_t kStringsPerEntry = 3;
+inline constexpr std::size_t kFavListCount = 4;
 
-// Bits of an entry's flag word. A FAV list edit reads the first alone.
+// Bits of an entry's flags. A FAV list edit reads the first alone.
 inline constexpr std::uint32_t kEditDeleted = 0x01;
 inline constexpr std::uint32_t kEditRestore = 0x02;
 inline constexpr std::uint32_t kEditRenumberFav1 = 0x04;  // FAV2 to FAV4: the next bits
 
 struct EditEntry {
-    std::uint32_t flag;
-    std::uint32_t channelnumber;
+    std::uint32_t flags;
+    std::uint32_t channelNumber;
     std::uint32_t serviceId;
 };
 

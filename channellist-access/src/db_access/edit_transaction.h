@@ -9,8 +9,8 @@
 
 namespace channellist {
 
-// Rolls back when it is left begun and not committed, by an early return or an exception. Every
-// statement runs through sqlexec, which logs its failure.
+// Rolls back when it is left begun and not committed, by an early return or an exception. Its
+// statements run through sqlexec, which logs a failure; the spare rollback logs its own.
 class EditTransaction {
   public:
     explicit EditTransaction(sqlite3* connection) : connection_(connection) {}

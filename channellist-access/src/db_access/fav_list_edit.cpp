@@ -1,11 +1,14 @@
 #include "db_access/fav_list_edit.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "db_access/callback_value.h"
 #include "db_access/edit_entries.h"
 #include "db_access/edit_reads.h"
 #include "db_access/session.h"
+#include "support/number_text.h"
 
 namespace channellist {
 
@@ -35,6 +38,7 @@ constexpr char const* kFavTagUpdates[] = {
     "UPDATE Service SET FavTag3= ? WHERE Pid= ?;",
     "UPDATE Service SET FavTag4= ? WHERE Pid= ?;",
 };
+static_assert(std::size(kFavTagUpdates) == kFavListCount);
 
 struct StoredItems {
     std::vector<unsigned int> services;
@@ -88,11 +92,11 @@ void planEntries(std::vector<unsigned int> const& stored, std::vector<EditEntry>
     ServiceIds const known(stored);
     for (EditEntry const& entry : entries) {
         if (!known.contain(entry.serviceId)) {
-            plan.additions.push_back({entry.serviceId, entry.channelnumber});
+            plan.additions.push_back({entry.serviceId, entry.channelNumber});
             continue;
         }
-        auto const deleted = static_cast<std::uint8_t>(entry.flag & kEditDeleted);
-        plan.updates.push_back({entry.serviceId, entry.channelnumber, deleted});
+        auto const deleted = static_cast<std::uint8_t>(entry.flags & kEditDeleted);
+        plan.updates.push_back({entry.serviceId, entry.channelNumber, deleted});
     }
 }
 
@@ -105,7 +109,7 @@ bool writeUpdates(unsigned int favoriteListId, FavListPlan const& plan, Statemen
     LOG_FORMAT(Verbose, "Update (count: %d) existed Services to FAV list.",
                static_cast<int>(plan.updates.size()));
     for (FavListPlan::Update const& update : plan.updates) {
-        itemUpdate.rebind(update.channelnumber, update.deleted, favoriteListId, update.serviceId);
+        itemUpdate.rebind(update.channelNumber, update.deleted, favoriteListId, update.serviceId);
         if (itemUpdate.step("Update FAV Services.") != SQLITE_DONE)
             return false;
     }
@@ -126,7 +130,7 @@ bool writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
                        insert) != SQLITE_OK)
         return false;
     for (FavListPlan::Addition const& added : plan.additions) {
-        insert.rebind(added.serviceId, added.channelnumber, favoriteListId, favoriteListId);
+        insert.rebind(added.serviceId, added.channelNumber, favoriteListId, favoriteListId);
         if (insert.step("Add FAV Services.") != SQLITE_DONE)
             return false;
     }

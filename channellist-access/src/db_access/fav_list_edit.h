@@ -1,5 +1,4 @@
-// The edit of one of the four user favourite lists: the difference between the entries and the
-// stored items.
+// The edit of a FAV list: the difference between the entries and the stored items.
 #ifndef CHANNELLIST_DB_ACCESS_FAV_LIST_EDIT_H
 #define CHANNELLIST_DB_ACCESS_FAV_LIST_EDIT_H
 
@@ -16,12 +15,12 @@ namespace channellist {
 struct FavListPlan {
     struct Update {
         std::uint32_t serviceId;
-        std::uint32_t channelnumber;
+        std::uint32_t channelNumber;
         std::uint8_t deleted;
     };
     struct Addition {
         std::uint32_t serviceId;
-        std::uint32_t channelnumber;
+        std::uint32_t channelNumber;
     };
     std::vector<Update> updates;          // entries of stored services, in entry order
     std::vector<Addition> additions;      // entries of other services, in entry order

@@ -1,8 +1,10 @@
 // Consecutive channel numbers for one FAV list, around the numbers that its OTT channels hold.
 #include <algorithm>
+#include <iterator>
 
 #include "db_access/broadcast_numbers.h"
 #include "db_access/callback_value.h"
+#include "db_access/edit_entries.h"
 #include "db_access/edit_reads.h"
 #include "db_access/session.h"
 #include "db_access/statement.h"
@@ -18,6 +20,7 @@ using OttListReader = int (*)(std::vector<unsigned int>&);
 // By FAV index, from 1.
 constexpr OttListReader kOttListReaders[] = {dbaccess::getOttFav1List, dbaccess::getOttFav2List,
                                              dbaccess::getOttFav3List, dbaccess::getOttFav4List};
+static_assert(std::size(kOttListReaders) == kFavListCount);
 
 // The trace of the broadcast numbers ends after this many: a foul OTT number of four thousand
 // million must not write as many messages.

@@ -26,9 +26,9 @@ ResultSet dbaccess::select_Folders() {
                     LOG_FORMAT_AT(site, kLogModule, Error, "SQL error res:%d", code);
                 if (code == SQLITE_BUSY)
                     folders.clear();  // the next attempt delivers every row again
+                // SQLite handed out a null where it lacked memory for a text.
                 if (code == SQLITE_NOMEM && !folders.empty())
-                    folders
-                        .pop_back();  // SQLite handed out a null where it lacked memory for a text
+                    folders.pop_back();
                 return code;
             });
     }

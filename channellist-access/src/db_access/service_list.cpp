@@ -12,8 +12,9 @@ constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 constexpr int kBusyTimeoutMilliseconds = 1000;
 constexpr unsigned int kOrderByMediaType = 0x200;  // of a list's attributes
 
-// The read transaction of one query: one snapshot for the attribute lookup and the rows. When the
-// frame is left without end(), or COMMIT fails, what was begun here is rolled back.
+// The read transaction of one query: the attribute lookup and the rows see one state of the file,
+// as long as the lookup's `db` is this connection. When the frame is left without end(), or COMMIT
+// fails, what was begun here is rolled back.
 class ReadTransaction {
   public:
     ReadTransaction(sqlite3* connection, CallSite const& site) : connection_(connection) {

@@ -146,10 +146,11 @@ EditOutcome announceEdit(CallSite const& site, std::string const& uuid,
     return EditOutcome::Done;
 }
 
-EditOutcome checkFavLists(CallSite const& site, std::vector<unsigned int>& favListIds) {
+// Finds the FAV lists: both kinds of edit need all of them.
+EditOutcome findAllFavLists(CallSite const& site, std::vector<unsigned int>& favListIds) {
     int const found = findFavLists(site, favListIds);
     if (found == SQLITE_BUSY)
-        return EditOutcome::Failed;
+        return EditOutcome::Failed;  // which has been told
     if (found != SQLITE_OK || favListIds.size() != kFavListCount) {
         LOG_FORMAT_AT(site, kLogModule, Error, "Number of FAV lists is wrong: %d!",
                       static_cast<int>(favListIds.size()));
@@ -165,7 +166,7 @@ EditOutcome editList(CallSite const& site, std::vector<std::string> const& argum
         outcome = announceEdit(site, arguments[0], favoriteListId);
     std::vector<unsigned int> favListIds;
     if (isDone(outcome))
-        outcome = checkFavLists(site, favListIds);
+        outcome = findAllFavLists(site, favListIds);
     if (!isDone(outcome))
         return outcome;
     auto const favList = std::find(favListIds.begin(), favListIds.end(), favoriteListId);

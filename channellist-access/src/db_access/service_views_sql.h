@@ -3,7 +3,6 @@
 #ifndef CHANNELLIST_DB_ACCESS_SERVICE_VIEWS_SQL_H
 #define CHANNELLIST_DB_ACCESS_SERVICE_VIEWS_SQL_H
 
-#include <cstddef>
 #include <string_view>
 
 namespace channellist {

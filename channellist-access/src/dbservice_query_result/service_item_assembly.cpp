@@ -18,8 +18,8 @@ namespace {
 constexpr LogModule kLogModule = LogModule::ItemAssembly;
 constexpr std::int32_t kMediaTypeRadio = 2;
 
-// The item of one service, for as long as its row: an ItemInfo whose texts view the row, with the
-// fields that the snapshot keeps.
+// The item of one service, for as long as its row: those fields of an ItemInfo that the snapshot
+// keeps, their texts views of the row.
 struct ServiceItem {
     ServiceItem(itemType itemKind, RawServiceRow const& row)
         : kind(itemKind),

@@ -1,3 +1,4 @@
+// The item classes of one kind each: TV service, radio service, list.
 #include <channellist-access/item_info.h>
 
 VideoItemInfo::VideoItemInfo(std::string const& caption, std::string const& uuid)

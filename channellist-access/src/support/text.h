@@ -1,3 +1,4 @@
+// Parts of texts, without a copy.
 #ifndef CHANNELLIST_SUPPORT_TEXT_H
 #define CHANNELLIST_SUPPORT_TEXT_H
 
