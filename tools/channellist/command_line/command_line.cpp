@@ -6,6 +6,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "command_line/completion.h"
 #include "database/session.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
@@ -69,6 +70,14 @@ CLI::Validator withoutMark() {
                 return std::string();
             },
             ""};
+}
+
+CommandWords wordsOf(CLI::App const& app, std::string const& name) {
+    CommandWords command = {name, {}};
+    for (CLI::Option const* option : app.get_options())
+        for (std::string const& word : option->get_lnames())
+            command.options.push_back({"--" + word, option->get_items_expected_max() > 0});
+    return command;
 }
 
 }  // namespace
@@ -162,7 +171,19 @@ Command CommandLine::add(std::string const& name, std::string const& help) {
     return Command(*app_->add_subcommand(name, help), action_);
 }
 
+void CommandLine::printCompletions(std::vector<std::string> const& words) const {
+    std::vector<CommandWords> commands = {wordsOf(*app_, "")};
+    for (CLI::App const* command : app_->get_subcommands({}))
+        commands.push_back(wordsOf(*command, command->get_name()));
+    for (std::string const& candidate : completions(commands, words))
+        std::cout << displayText(candidate) << "\n";
+}
+
 std::optional<int> CommandLine::parse(int argc, char** argv) {
+    if (argc > 1 && argv[1] == std::string(kCompleteCommand)) {
+        printCompletions({argv + 2, argv + argc});
+        return kSuccess;
+    }
     try {
         app_->parse(markedWords(argc, argv));
     } catch (CLI::Success const& asked) {  // help, the version

@@ -65,6 +65,9 @@ class CommandLine {
     int run() const;
 
   private:
+    // All candidates of the line that is being typed, see completion.h.
+    void printCompletions(std::vector<std::string> const& words) const;
+
     std::unique_ptr<CLI::App> app_;
     std::string database_;
     std::string trace_;

@@ -1,0 +1,16 @@
+# Completion of channellist in fish: the tool says what may stand there.
+
+function __channellist_complete
+    set -l before (commandline -opc)
+    set -l word (commandline -ct)
+    set -l behind (commandline -op)[(math (count $before) + 1)..-1]
+    test -n "$word"; and set -e behind[1]
+    set -l candidates (channellist __complete (count $before) $before[2..-1] "$word" $behind 2>/dev/null)
+    if test "$candidates[1]" = :files
+        __fish_complete_path "$word"
+    else
+        string join \n -- $candidates
+    end
+end
+
+complete -c channellist -f -a '(__channellist_complete)'

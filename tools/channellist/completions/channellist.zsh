@@ -1,0 +1,10 @@
+#compdef channellist
+# Completion of channellist in zsh: the tool says what may stand there.
+
+local -a candidates
+candidates=("${(@f)$(channellist __complete $((CURRENT - 1)) "${(@Q)words[2,-1]}" 2>/dev/null)}")
+if [[ $candidates[1] == :files ]]; then
+    _files
+else
+    compadd -a candidates
+fi
