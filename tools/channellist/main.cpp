@@ -5,6 +5,7 @@
 #include "database/time_limit.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
+#include "output/text_table.h"
 
 namespace {
 
@@ -32,13 +33,14 @@ int main(int argc, char** argv) {
     } catch (tool::Failure const& failure) {
         std::cout.flush();
         std::cerr << "channellist: "
-                  << (tool::TimeLimit::isReached() ? tool::TimeLimit::sentence() : failure.what())
+                  << (tool::TimeLimit::isReached() ? tool::TimeLimit::sentence()
+                                                   : tool::displayLines(failure.what()))
                   << "\n";
         tool::explainByMessages();
         code = failure.code();
     } catch (std::exception const& error) {
         std::cout.flush();
-        std::cerr << "channellist: " << error.what() << "\n";
+        std::cerr << "channellist: " << tool::displayLines(error.what()) << "\n";
         tool::explainByMessages();
         code = tool::kFailure;
     }

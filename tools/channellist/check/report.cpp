@@ -17,14 +17,15 @@ struct SeverityWord {
     Severity severity;
     char const* word;
     char const* heading;
+    Style style;
 };
 
 constexpr SeverityWord kWords[] = {
-    {Severity::Edits, "edits", "Breaks edits, or everything"},
-    {Severity::Seen, "seen", "Breaks what a viewer sees"},
-    {Severity::Tuning, "tuning", "Breaks tuning"},
-    {Severity::Slow, "slow", "Slows"},
-    {Severity::Odd, "odd", "Looks odd"},
+    {Severity::Edits, "edits", "Breaks edits, or everything", Style::Red},
+    {Severity::Seen, "seen", "Breaks what a viewer sees", Style::Red},
+    {Severity::Tuning, "tuning", "Breaks tuning", Style::Yellow},
+    {Severity::Slow, "slow", "Slows", Style::Bold},
+    {Severity::Odd, "odd", "Looks odd", Style::Bold},
 };
 
 struct Consequence {
@@ -120,12 +121,12 @@ void printFindings(Findings findings, bool all) {
     auto const* heading = "";
     for (std::size_t i = 0; i < findings.size(); ++i) {
         Finding const& finding = findings[i];
-        char const* const own = kWords[static_cast<std::size_t>(finding.severity)].heading;
+        SeverityWord const& own = kWords[static_cast<std::size_t>(finding.severity)];
         if (causes.count(finding.rule) != 0 || (++shown[finding.rule] > kMostShown && !all))
             continue;
-        if (std::string(heading) != own)
-            std::cout << own << ":\n";
-        heading = own;
+        if (std::string(heading) != own.heading)
+            std::cout << styled(own.style, own.heading + std::string(":")) << "\n";
+        heading = own.heading;
         print(finding, all);
         for (auto const& [rule, cause] : causes)
             if (cause == finding.rule && shown[finding.rule] == 1)

@@ -2,15 +2,20 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
 #include "database/session.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
+#include "output/terminal.h"
+#include "output/text_table.h"
 
 namespace tool {
 namespace {
+
+constexpr std::size_t kPageWidth = 80;  // of help that is printed elsewhere
 
 constexpr char kExitCodes[] =
     "Exit codes: 0 success, 1 failure or findings, 2 wrong usage.\n"
@@ -39,21 +44,52 @@ std::string checkTrace(std::string const& text) {
     return "";
 }
 
+// What "--" does: words behind it are none of the options, whatever they begin with. CLI11 gives
+// them to the wrong command when nothing is missing in front of it, so they go past it marked.
+constexpr char kMark = '\1';
+
+std::vector<std::string> markedWords(int argc, char** argv) {
+    std::vector<std::string> words;
+    bool isMarked = false;
+    for (int i = 1; i < argc; ++i) {
+        std::string const word = argv[i];
+        if (!isMarked && word == "--")
+            isMarked = true;
+        else
+            words.push_back(isMarked && word[0] == '-' ? kMark + word : word);
+    }
+    std::reverse(words.begin(), words.end());  // as CLI11 wants them
+    return words;
+}
+
+CLI::Validator withoutMark() {
+    return {[](std::string& word) {
+                if (!word.empty() && word[0] == kMark)
+                    word.erase(0, 1);
+                return std::string();
+            },
+            ""};
+}
+
 }  // namespace
 
 Command& Command::argument(std::string const& name, std::string& value, std::string const& help) {
-    app_.add_option(name, value, help)->required();
+    app_.add_option(name, value, help)->required()->transform(withoutMark());
     return *this;
 }
 
 Command& Command::optionalArgument(std::string const& name, std::string& value,
                                    std::string const& help) {
-    return option(name, value, help);
+    app_.add_option(name, value, help)->transform(withoutMark());
+    return *this;
 }
 
 Command& Command::arguments(std::string const& name, std::vector<std::string>& values, int least,
                             int most, std::string const& help) {
-    app_.add_option(name, values, help)->expected(least, most)->required(least > 0);
+    app_.add_option(name, values, help)
+        ->expected(least, most)
+        ->required(least > 0)
+        ->transform(withoutMark());
     return *this;
 }
 
@@ -84,7 +120,7 @@ Command& Command::excludes(std::string const& name, std::string const& other) {
 }
 
 Command& Command::footer(std::string const& text) {
-    app_.footer(text);
+    app_.footer(unwrapped(text));
     return *this;
 }
 
@@ -112,6 +148,12 @@ CommandLine::CommandLine()
         ->type_name("LEVEL")
         ->take_last()
         ->check(CLI::Validator(checkTrace, ""));
+    app_->add_option(
+            "--color", color_,
+            "auto (on a terminal, unless NO_COLOR is set or TERM is dumb), always or never")
+        ->type_name("WHEN")
+        ->take_last();
+    app_->add_flag("--wide", wide_, "cut no table to the terminal's width");
 }
 
 CommandLine::~CommandLine() = default;
@@ -122,17 +164,22 @@ Command CommandLine::add(std::string const& name, std::string const& help) {
 
 std::optional<int> CommandLine::parse(int argc, char** argv) {
     try {
-        app_->parse(argc, argv);
+        app_->parse(markedWords(argc, argv));
     } catch (CLI::Success const& asked) {  // help, the version
-        return app_->exit(asked);
+        std::ostringstream text;
+        int const code = app_->exit(asked, text, text);
+        std::size_t const width = lineWidth();
+        std::cout << wrapped(text.str(), width != 0 ? width : kPageWidth);
+        return code;
     } catch (CLI::ParseError const& error) {
-        std::cerr << "channellist: " << error.what() << "; --help shows how\n";
+        std::cerr << "channellist: " << displayLines(error.what()) << "; --help shows how\n";
         return kUsage;
     }
     return std::nullopt;
 }
 
 int CommandLine::run() const {
+    setOutput(color_, wide_);
     if (!trace_.empty())
         traceMessages(trace_);
     return action_(database_);

@@ -68,6 +68,8 @@ class CommandLine {
     std::unique_ptr<CLI::App> app_;
     std::string database_;
     std::string trace_;
+    std::string color_ = "auto";
+    bool wide_ = false;
     Action action_;
 };
 

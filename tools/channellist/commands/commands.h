@@ -5,7 +5,8 @@
 
 namespace tool {
 
-constexpr char kRawHelp[] = "print the rows as the library gives them";
+constexpr char kRawHelp[] =
+    "print the rows as the library gives them, fields between tabs, control characters as \\x1b";
 
 // The choice between a table, JSON and the library's rows.
 struct Format {

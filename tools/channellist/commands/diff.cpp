@@ -24,7 +24,11 @@ std::size_t countOf(Tally const& tally, char const* word) {
 void printServices(std::vector<ServiceChange> const& services) {
     if (services.empty())
         return;
-    TextTable table({{"Service"}, {"Triplet"}, {"Change"}, {"Before"}, {"After"}});
+    TextTable table({{"Service", Align::Left, kIsCut},
+                     {"Triplet", Align::Left, 1},
+                     {"Change"},
+                     {"Before"},
+                     {"After"}});
     for (ServiceChange const& each : services)
         table.add({each.name, each.triplet, each.what, each.before, each.after});
     table.print(std::cout);
@@ -37,10 +41,10 @@ void printCounts(DatabaseDifference const& difference) {
         columns.push_back({word, Align::Right});
     TextTable table(columns);
     auto const add = [&](std::string const& name, Tally const& tally) {
-        std::vector<std::string> texts = {name};
+        std::vector<Cell> cells = {name};
         for (char const* word : kHappenings)
-            texts.push_back(std::to_string(countOf(tally, word)));
-        table.add(texts);
+            cells.emplace_back(std::to_string(countOf(tally, word)));
+        table.add(std::move(cells));
     };
     for (ListTally const& list : difference.lists)
         add(list.listName + (*list.list == '\0' ? "" : std::string(" (") + list.list + ")"),

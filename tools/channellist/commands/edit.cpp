@@ -13,6 +13,7 @@
 #include "edit/reserved_numbers.h"
 #include "edit/text_edit.h"
 #include "failure.h"
+#include "output/text_table.h"
 #include "undo/undo_store.h"
 
 namespace tool {
@@ -65,7 +66,7 @@ void noteUndelivered(List const& list, std::size_t delivered) {
     count.bind(std::int64_t{list.pid}).next();
     auto const lost = count.number(0) - static_cast<std::int64_t>(delivered);
     if (list.favIndex != 0 && lost > 0) {
-        std::cerr << "channellist: " << displayName(list) << " holds " << lost
+        std::cerr << "channellist: " << displayText(displayName(list)) << " holds " << lost
                   << " items that it cannot show; the edit drops them\n";
     }
 }
@@ -177,6 +178,7 @@ void addEditCommand(CommandLine& line) {
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"
             "  channellist edit all hide id:21 --renumber\n"
+            "  channellist edit FAV1 -- remove '-Radio-'    (what follows -- is no option)\n"
             "  channellist edit FAV1\n"
             "  channellist list FAV1 > mine.txt; channellist edit FAV1 --from mine.txt")
         .action([options](std::string const& database) {

@@ -75,7 +75,7 @@ std::vector<Channel> enigma2Channels(List const& list, std::vector<ResultRow> co
         channels.push_back(std::move(*channel));
     }
     if (channels.size() != services.size())
-        std::cerr << "channellist: " << displayName(list) << ": left out "
+        std::cerr << "channellist: " << displayText(displayName(list)) << ": left out "
                   << services.size() - channels.size()
                   << " entries that are hidden or no service that Enigma2 knows\n";
     return channels;

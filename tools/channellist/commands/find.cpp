@@ -37,9 +37,13 @@ std::vector<ServicePlaces> servicesWith(std::vector<std::string> const& words,
     return found;
 }
 
+std::vector<Column> tableColumns() {
+    return {{"Name", Align::Left, kIsCut}, {"Kind", Align::Left, 2}, {"Delivery", Align::Left, 1},
+            {"Triplet", Align::Left, 3},   {"Id", Align::Right, 4},  {"Lists"}};
+}
+
 void print(std::vector<ServicePlaces> const& found) {
-    TextTable table(
-        {{"Name"}, {"Kind"}, {"Delivery"}, {"Triplet"}, {"Id", Align::Right}, {"Lists"}});
+    TextTable table(tableColumns());
     for (ServicePlaces const& each : found) {
         std::vector<std::string> places;
         for (ServicePlace const& place : each.places)
@@ -100,12 +104,11 @@ void addFindCommand(CommandLine& line) {
         .arguments("WORD", *words, 1, kAnyNumber,
                    "a part of the name, whatever its case; id:N, a triplet or a uuid")
         .json(*json)
-        .footer(
-            "Of several words each has to fit.\n"
-            "Examples:\n"
-            "  channellist find arte\n"
-            "  channellist find zdf hd\n"
-            "  channellist find 1-1019-10301")
+        .footer("Of several words each has to fit. " + narrowHelp(tableColumns()) +
+                "Examples:\n"
+                "  channellist find arte\n"
+                "  channellist find zdf hd\n"
+                "  channellist find 1-1019-10301")
         .action(
             [words, json](std::string const& database) { return run(database, *words, *json); });
 }

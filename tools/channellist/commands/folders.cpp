@@ -61,14 +61,18 @@ void addAllServicesList(std::vector<ResultRow>& folders) {
     }
 }
 
+std::vector<Column> tableColumns() {
+    return {{"Name", Align::Left, kIsCut},
+            {"FAV", Align::Left, 5},
+            {"Kind", Align::Left, 4},
+            {"Network", Align::Right, 2},
+            {"Tag", Align::Right, 3},
+            {"Capability", Align::Right, 1},
+            {"UUID"}};
+}
+
 void printTable(std::vector<ResultRow> const& folders) {
-    TextTable table({{"Name"},
-                     {"FAV"},
-                     {"Kind"},
-                     {"Network", Align::Right},
-                     {"Tag", Align::Right},
-                     {"Capability", Align::Right},
-                     {"UUID"}});
+    TextTable table(tableColumns());
     for (ResultRow const& folder : folders) {
         table.add({nameOf(folder), folder[FOLDER_FIELD_FAV_NAME], kindOf(folder),
                    folder[FOLDER_FIELD_NETWORK_ID], folder[FOLDER_FIELD_UPDATE_TAG],
@@ -114,11 +118,11 @@ void addFoldersCommand(CommandLine& line) {
              "The lists that a viewer can browse, in the set's order, and that of all services")
         .json(format->json)
         .flag("--raw", format->raw, kRawHelp)
-        .footer(
-            "Examples:\n"
-            "  channellist folders\n"
-            "  channellist folders --json | jq '.[].name'\n"
-            "  channellist folders --raw --db copy-of-servicelist.db")
+        .footer(narrowHelp(tableColumns()) +
+                "Examples:\n"
+                "  channellist folders\n"
+                "  channellist folders --json | jq '.[].name'\n"
+                "  channellist folders --raw --db copy-of-servicelist.db")
         .action([format](std::string const& database) { return run(database, *format); });
 }
 

@@ -100,7 +100,8 @@ void submitChanged(std::vector<Favourites> const& all, UndoStore& undo) {
 
 void tell(std::vector<Favourites> const& all) {
     for (Favourites const& favourites : all) {
-        std::string const start = "channellist: " + displayName(favourites.list) + ": ";
+        std::string const start =
+            "channellist: " + displayText(displayName(favourites.list)) + ": ";
         for (std::string const& note : favourites.notes)
             std::cerr << start << displayText(note) << "\n";
         for (std::string const& channel : favourites.notFound)
@@ -108,7 +109,7 @@ void tell(std::vector<Favourites> const& all) {
                       << "\n";
     }
     for (Favourites const& favourites : all) {
-        std::cout << displayName(favourites.list) << ": " << favourites.entries.size()
+        std::cout << displayText(displayName(favourites.list)) << ": " << favourites.entries.size()
                   << " services, " << favourites.notFound.size() << " not found\n";
     }
 }

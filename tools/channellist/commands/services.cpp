@@ -22,25 +22,30 @@ struct Options {
     ServiceFilter filter;
 };
 
+std::vector<Column> tableColumns() {
+    return {{"No", Align::Right},
+            {"LCN", Align::Right, 1},
+            {"Name", Align::Left, kIsCut},
+            {"Kind", Align::Left, 8},
+            {"Delivery", Align::Left, 5},
+            {"ONID", Align::Right, 2},
+            {"TSID", Align::Right, 3},
+            {"SID", Align::Right, 4},
+            {"Id", Align::Right, 7},
+            {"FAV", Align::Left, 6},
+            {"State"}};
+}
+
 void printTable(std::vector<ResultRow> const& services) {
-    TextTable table({{"No", Align::Right},
-                     {"LCN", Align::Right},
-                     {"Name"},
-                     {"Kind"},
-                     {"Delivery"},
-                     {"ONID", Align::Right},
-                     {"TSID", Align::Right},
-                     {"SID", Align::Right},
-                     {"Id", Align::Right},
-                     {"FAV"},
-                     {"State"}});
+    TextTable table(tableColumns());
     for (ResultRow const& service : services) {
-        table.add({service[SERVICE_FIELD_CHANNEL_NUMBER], service[SERVICE_FIELD_LCN],
-                   service[SERVICE_FIELD_CAPTION], kindOf(service), deliveryOf(service),
-                   service[SERVICE_FIELD_ORIGINAL_NETWORK_ID],
-                   service[SERVICE_FIELD_TRANSPORT_STREAM_ID], service[SERVICE_FIELD_SERVICE_ID],
-                   service[SERVICE_FIELD_PID], joined(favouritesOf(service), " "),
-                   joined(statesOf(service))});
+        table.add(
+            {service[SERVICE_FIELD_CHANNEL_NUMBER], service[SERVICE_FIELD_LCN],
+             service[SERVICE_FIELD_CAPTION], kindOf(service), deliveryOf(service),
+             service[SERVICE_FIELD_ORIGINAL_NETWORK_ID], service[SERVICE_FIELD_TRANSPORT_STREAM_ID],
+             service[SERVICE_FIELD_SERVICE_ID], service[SERVICE_FIELD_PID],
+             joined(favouritesOf(service), " "), joined(statesOf(service))},
+            isDeleted(service) ? Style::Dim : Style::Plain);
     }
     table.print(std::cout);
 }
@@ -125,6 +130,7 @@ void addServicesCommand(CommandLine& line) {
         .option("--match", options->filter.match, "names that hold this, whatever its case")
         .option("--sort", options->filter.sort, "by number, name or triplet (the order of the set)")
         .footer(
+            narrowHelp(tableColumns()) +
             "Examples:\n"
             "  channellist services FAV1\n"
             "  channellist services all --tv --hd --free --sort name\n"

@@ -86,10 +86,15 @@ void printDifferences(std::vector<Change> const& changes) {
                      {"Change"},
                      {"Before", Align::Right},
                      {"After", Align::Right},
-                     {"Name"},
-                     {"Id", Align::Right}});
+                     {"Name", Align::Left, kIsCut},
+                     {"Id", Align::Right, 1}});
     for (Change const& change : changes) {
-        table.add({change.listName, joined(change.what), change.before, change.after, change.name,
+        Style const look = change.before == change.after ? Style::Plain : Style::Bold;
+        table.add({change.listName,
+                   joined(change.what),
+                   {change.before, Style::Dim},
+                   {change.after, look},
+                   change.name,
                    std::to_string(change.serviceId)});
     }
     table.print(std::cout);

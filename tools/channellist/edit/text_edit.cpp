@@ -12,6 +12,7 @@
 #include "edit/reserved_numbers.h"
 #include "edit/text_order.h"
 #include "failure.h"
+#include "output/text_table.h"
 
 namespace tool {
 namespace {
@@ -38,7 +39,7 @@ TextOrder orderOf(List const& list, std::vector<Entry> const& before, std::strin
 
 std::vector<Entry> accept(TextOrder&& order) {
     for (std::string const& note : order.notes)
-        std::cerr << "channellist: " << note << "\n";
+        std::cerr << "channellist: " << displayText(note) << "\n";
     return std::move(order.entries);
 }
 
@@ -109,7 +110,7 @@ bool confirm(List const& list, std::vector<Entry> const& before, std::vector<Ent
     printDifferences(differences({{list.uuid, displayName(list), before}},
                                  {{list.uuid, displayName(list), after}}));
     std::cout.flush();
-    std::cerr << "Write this to " << displayName(list) << "? [y/N] ";
+    std::cerr << "Write this to " << displayText(displayName(list)) << "? [y/N] ";
     std::string answer;
     std::getline(std::cin, answer);
     return answer == "y" || answer == "Y" || answer == "yes";

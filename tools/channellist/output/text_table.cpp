@@ -1,73 +1,103 @@
 #include "output/text_table.h"
 
-#include <locale.h>
-#include <wchar.h>
+#include <utf8proc.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 
 namespace tool {
 namespace {
 
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
+constexpr char kEllipsis[] = "\xE2\x80\xA6";
 constexpr char kGap[] = "  ";
-
-// The terminal's character set, whatever the locale of the caller, for the life of the object.
-class Utf8Scope {
-  public:
-    Utf8Scope() {
-        static locale_t const utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-        if (utf8 != nullptr)
-            before_ = uselocale(utf8);
-    }
-    ~Utf8Scope() {
-        if (before_ != nullptr)
-            uselocale(before_);
-    }
-    Utf8Scope(Utf8Scope const&) = delete;
-    Utf8Scope& operator=(Utf8Scope const&) = delete;
-
-  private:
-    locale_t before_ = nullptr;
-};
+constexpr std::size_t kGapWidth = 2;
+constexpr std::size_t kLeastCut = 12;  // of a column whose texts are cut
 
 // Calls visit(bytes, length, character) for each character; the length is 1 and the character -1
 // where the bytes are no UTF-8.
 template <class Visit>
 void forEachCharacter(std::string const& text, Visit visit) {
-    Utf8Scope const scope;
-    char const* at = text.data();
-    char const* const end = at + text.size();
-    while (at < end) {
-        wchar_t character = 0;
-        mbstate_t state = {};
-        std::size_t length = mbrtowc(&character, at, static_cast<std::size_t>(end - at), &state);
-        bool const valid =
-            length != static_cast<std::size_t>(-1) && length != static_cast<std::size_t>(-2);
-        length = valid ? std::max<std::size_t>(length, 1) : 1;
-        visit(at, length, valid ? static_cast<long>(character) : -1L);
-        at += length;
+    auto const* const bytes = reinterpret_cast<utf8proc_uint8_t const*>(text.data());
+    auto const size = static_cast<utf8proc_ssize_t>(text.size());
+    for (utf8proc_ssize_t at = 0; at < size;) {
+        utf8proc_int32_t character = -1;
+        utf8proc_ssize_t const length = utf8proc_iterate(bytes + at, size - at, &character);
+        bool const isValid = length > 0;
+        visit(text.data() + at, static_cast<std::size_t>(isValid ? length : 1),
+              isValid ? character : -1);
+        at += isValid ? length : 1;
     }
 }
 
-bool isControl(long character) {
+std::size_t widthOf(utf8proc_int32_t character) {
+    return character < 0 ? 1U : static_cast<std::size_t>(utf8proc_charwidth(character));
+}
+
+bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
+}
+
+// Ends behind a character with all that combines with it.
+std::string cut(std::string const& text, std::size_t width) {
+    if (displayWidth(text) <= width)
+        return text;
+    std::string shown;
+    std::size_t used = 1;  // of the ellipsis
+    bool isFull = false;
+    forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
+        used += widthOf(character);
+        isFull = isFull || used > width;
+        if (!isFull)
+            shown.append(bytes, length);
+    });
+    return shown + kEllipsis;
+}
+
+// The widths that the columns have on a line; 0 for one that has left.
+std::vector<std::size_t> fitted(std::vector<Column> const& columns, std::vector<std::size_t> widths,
+                                std::size_t width) {
+    auto const total = [&] {
+        std::size_t const shown =
+            widths.size() - static_cast<std::size_t>(std::count(widths.begin(), widths.end(), 0U));
+        return std::accumulate(widths.begin(), widths.end(), std::size_t{0}) +
+               kGapWidth * (shown - 1);
+    };
+    auto const cutColumn = static_cast<std::size_t>(
+        std::find_if(columns.begin(), columns.end(),
+                     [](Column const& column) { return column.leaves == kIsCut; }) -
+        columns.begin());
+    bool const hasCut = cutColumn < columns.size();
+    std::size_t const whole = hasCut ? widths[cutColumn] : 0;
+    std::size_t const least = std::min(whole, kLeastCut);
+    for (int next = 1; width != 0; ++next) {
+        if (hasCut)
+            widths[cutColumn] = least;
+        if (total() <= width || next > static_cast<int>(columns.size()))
+            break;
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            if (columns[i].leaves == next)
+                widths[i] = 0;
+    }
+    if (hasCut && width != 0 && total() < width)
+        widths[cutColumn] = std::min(whole, least + width - total());
+    return widths;
 }
 
 }  // namespace
 
 std::size_t displayWidth(std::string const& text) {
     std::size_t width = 0;
-    forEachCharacter(text, [&](char const*, std::size_t, long character) {
-        int const columns = character < 0 ? 1 : wcwidth(static_cast<wchar_t>(character));
-        width += columns < 0 ? 1U : static_cast<std::size_t>(columns);
+    forEachCharacter(text, [&](char const*, std::size_t, utf8proc_int32_t character) {
+        width += widthOf(character);
     });
     return width;
 }
 
 std::string displayText(std::string const& text) {
     std::string shown;
-    forEachCharacter(text, [&](char const* bytes, std::size_t length, long character) {
+    forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
         if (character < 0) {
             shown += kReplacement;
         } else if (isControl(character)) {
@@ -82,41 +112,75 @@ std::string displayText(std::string const& text) {
     return shown;
 }
 
+std::string displayLines(std::string const& text) {
+    std::string shown;
+    for (std::size_t at = 0; at <= text.size();) {
+        std::size_t const end = std::min(text.find('\n', at), text.size());
+        shown += (at == 0 ? "" : "\n") + displayText(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return shown;
+}
+
+std::string narrowHelp(std::vector<Column> const& columns) {
+    std::vector<Column> leaving;
+    std::string shortened;
+    for (Column const& column : columns)
+        if (column.leaves > 0)
+            leaving.push_back(column);
+        else if (column.leaves == kIsCut)
+            shortened = column.name;
+    std::sort(leaving.begin(), leaving.end(),
+              [](Column const& a, Column const& b) { return a.leaves < b.leaves; });
+    std::string names;
+    for (Column const& column : leaving)
+        names += (names.empty() ? "" : ", ") + column.name;
+    return "On a terminal that is too narrow " + shortened +
+           " is cut, then these columns leave: " + names + ". --wide shows them whole.\n\n";
+}
+
 TextTable::TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {
     for (Column const& column : columns_)
         widths_.push_back(displayWidth(column.name));
 }
 
-void TextTable::add(std::vector<std::string> texts) {
-    texts.resize(columns_.size());
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        texts[i] = displayText(texts[i]);
-        widths_[i] = std::max(widths_[i], displayWidth(texts[i]));
+void TextTable::add(std::vector<Cell> cells, Style style) {
+    cells.resize(columns_.size(), Cell(""));
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells[i].text = displayText(cells[i].text);
+        if (cells[i].style == Style::Plain)
+            cells[i].style = style;
+        widths_[i] = std::max(widths_[i], displayWidth(cells[i].text));
     }
-    rows_.push_back(std::move(texts));
+    rows_.push_back(std::move(cells));
 }
 
 void TextTable::print(std::ostream& out) const {
-    std::vector<std::string> names, rules;
+    std::vector<std::size_t> const widths = fitted(columns_, widths_, lineWidth());
+    auto const printRow = [&](std::vector<Cell> const& cells) {
+        std::string line, blanks;
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            if (widths[i] == 0)
+                continue;
+            std::string const text = cut(cells[i].text, widths[i]);
+            std::string const padding(widths[i] - std::min(widths[i], displayWidth(text)), ' ');
+            bool const isRight = columns_[i].align == Align::Right;
+            if (!text.empty())
+                line += blanks + (isRight ? padding : "") + styled(cells[i].style, text);
+            blanks = text.empty() ? blanks + padding : isRight ? "" : padding;
+            blanks += kGap;
+        }
+        out << line << '\n';
+    };
+    std::vector<Cell> names, rules;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        names.push_back(columns_[i].name);
-        rules.emplace_back(widths_[i], '-');
+        names.emplace_back(columns_[i].name, Style::Bold);
+        rules.emplace_back(std::string(widths[i], '-'));
     }
-    printRow(out, names);
-    printRow(out, rules);
+    printRow(names);
+    printRow(rules);
     for (auto const& row : rows_)
-        printRow(out, row);
-}
-
-void TextTable::printRow(std::ostream& out, std::vector<std::string> const& texts) const {
-    std::string line;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        std::string const padding(widths_[i] - displayWidth(texts[i]), ' ');
-        line += i == 0 ? "" : kGap;
-        line += columns_[i].align == Align::Right ? padding + texts[i] : texts[i] + padding;
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
+        printRow(row);
 }
 
 }  // namespace tool

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "output/terminal.h"
+
 namespace tool {
 
 // Columns a terminal needs for `text`: two for wide characters, none for combining ones.
@@ -14,28 +16,46 @@ std::size_t displayWidth(std::string const& text);
 // replacement character.
 std::string displayText(std::string const& text);
 
+// Of each line of `text`.
+std::string displayLines(std::string const& text);
+
 enum class Align { Left, Right };
+
+// What happens to a column on a terminal that is too narrow for the table: it stays; its texts are
+// cut, before anything else happens; or it leaves, of several first that of the lowest number.
+constexpr int kStays = 0;
+constexpr int kIsCut = -1;
 
 struct Column {
     std::string name;
     Align align = Align::Left;
+    int leaves = kStays;
 };
+
+struct Cell {
+    Cell(std::string shown, Style look = Style::Plain) : text(std::move(shown)), style(look) {}
+    Cell(char const* shown) : text(shown) {}
+
+    std::string text;
+    Style style = Style::Plain;
+};
+
+// What the help of a command with such a table says about narrow terminals.
+std::string narrowHelp(std::vector<Column> const& columns);
 
 class TextTable {
   public:
     explicit TextTable(std::vector<Column> columns);
 
-    // One text a column.
-    void add(std::vector<std::string> texts);
+    // One cell a column; `style` is that of those without one.
+    void add(std::vector<Cell> cells, Style style = Style::Plain);
     // The columns' names, a rule and the rows; no blanks at the ends of lines.
     void print(std::ostream& out) const;
 
   private:
-    void printRow(std::ostream& out, std::vector<std::string> const& texts) const;
-
     std::vector<Column> columns_;
     std::vector<std::size_t> widths_;
-    std::vector<std::vector<std::string>> rows_;
+    std::vector<std::vector<Cell>> rows_;
 };
 
 }  // namespace tool

@@ -1,0 +1,64 @@
+// What a terminal is shown: tables that fit it, colours, help.
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "tool_process.h"
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+struct Terminal {
+    char const* setting;  // of the environment
+    int columns;          // 0: a serial console that does not tell
+    char const* arguments;
+    char const* shown;  // part of it
+    char const* hidden;
+};
+
+class TerminalTest : public ToolTest {
+  protected:
+    std::string shownOn(Terminal const& terminal) {
+        std::string const resize = "stty cols " + std::to_string(terminal.columns) + "; ";
+        run("--version", "true; script -qec '" + resize + "env -u COLUMNS -u NO_COLOR TERM=xterm " +
+                             terminal.setting + " " TOOL " --db set.db " + terminal.arguments +
+                             "' /dev/null >shown; true");
+        return content("shown");
+    }
+};
+
+TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
+    change("UPDATE Service SET Name = '一二三四五六七八九十e\xCC\x81z' WHERE Pid = 1");
+    Terminal const terminals[] = {
+        {"NO_COLOR=1", 120, "services FAV1", "一二三四五六七八九十e\xCC\x81z  TV", "…"},
+        {"NO_COLOR=1", 85, "services FAV1", "ONID  ", "LCN"},
+        {"NO_COLOR=1", 78, "services FAV1", " 1  一二三四五六七八…  TV     satellite  ", "LCN"},
+        {"NO_COLOR=1", 0, "services FAV1", "Delivery", "LCN"},
+        {"NO_COLOR=1 COLUMNS=45", 0, "services FAV1", "State", "Delivery"},
+        {"NO_COLOR=1", 20, "--wide services FAV1", "LCN", "…"},
+        {"NO_COLOR=1", 60, "services FAV1", "ZDF HD", "\x1b["},
+        {"TERM=dumb", 60, "services FAV1", "ZDF HD", "\x1b["},
+        {"", 60, "--color never services FAV1", "ZDF HD", "\x1b["},
+        {"", 60, "services --hidden all", "\x1b[2mJazz\x1b[0m", "\x1b[2mVOX"},
+        {"NO_COLOR=1", 60, "--color always services --hidden all", "\x1b[2mJazz\x1b[0m", "…"},
+        {"", 60, "services FAV1 --json", "ZDF HD", "\x1b["},
+        {"", 60, "edit FAV1 -n move 2 to 1", "\x1b[2m2\x1b[0m", "\x1b[31m"},
+        {"", 60, "services --help",
+         "names that hold this, whatever\r\n                              its case",
+         "(the order of the set)  "},
+    };
+    change("UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 5");
+    for (Terminal const& terminal : terminals) {
+        std::string const shown = shownOn(terminal);
+        EXPECT_THAT(shown, HasSubstr(terminal.shown))
+            << terminal.setting << " " << terminal.columns << " " << terminal.arguments;
+        EXPECT_THAT(shown, Not(HasSubstr(terminal.hidden)))
+            << terminal.setting << " " << terminal.columns << " " << terminal.arguments;
+    }
+    EXPECT_THAT(output("services FAV1"), Not(HasSubstr("\x1b["))) << "no terminal, no colour";
+    expect({"--color loud services FAV1", 2, nullptr, "'loud' is none of auto, always and never"});
+}
+
+}  // namespace

@@ -1,0 +1,30 @@
+// What standard output can show: how wide a line may be, and colours.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace tool {
+
+enum class Style { Plain, Dim, Bold, Red, Yellow };
+
+// "--color auto|always|never" and "--wide", before anything is printed. Throws Failure for another
+// word. "auto" is a terminal that knows escape sequences (TERM is neither empty nor "dumb") of a
+// user who has not set NO_COLOR.
+void setOutput(std::string const& color, bool wide);
+
+// Columns of a line: the terminal's own word, else COLUMNS, else 80; 0, any number, for what is no
+// terminal or with "--wide".
+std::size_t lineWidth();
+
+// The text between the style's escape sequences, where there is colour.
+std::string styled(Style style, std::string const& text);
+
+// Help of that many columns: lines that are longer go on below where their last column begins.
+// Lines of a column alone, which are commands to type, stay whole.
+std::string wrapped(std::string const& help, std::size_t width);
+
+// The paragraphs of a text as one line each; indented lines and headings of one word stay lines.
+std::string unwrapped(std::string const& text);
+
+}  // namespace tool
