@@ -3,8 +3,10 @@
 function __channellist_complete
     set -l before (commandline -opc)
     set -l word (commandline -ct)
-    set -l behind (commandline -op)[(math (count $before) + 1)..-1]
-    test -n "$word"; and set -e behind[1]
+    set -l typed (commandline -op)
+    set -l next (math (count $before) + 1)
+    test -n "$word"; and set next (math $next + 1)
+    set -l behind $typed[$next..-1]
     set -l candidates (channellist __complete (count $before) $before[2..-1] "$word" $behind 2>/dev/null)
     if test "$candidates[1]" = :files
         __fish_complete_path "$word"
