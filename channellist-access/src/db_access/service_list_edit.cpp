@@ -183,6 +183,7 @@ EditOutcome editList(CallSite const& site, std::vector<std::string> const& argum
 
 using namespace channellist;
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a signature that hosts are linked with
 int dbaccess::onServiceListEdit(std::vector<std::string> arguments) {
     CallSite const site = CALL_SITE;
     LOG_FORMAT(Verbose, " called,  arguments.size:%d.", static_cast<int>(arguments.size()));
