@@ -15,17 +15,17 @@ constexpr std::size_t kWidest = 200;  // of a text, in characters
 
 struct SeverityWord {
     Severity severity;
+    Style style;
     char const* word;
     char const* heading;
-    Style style;
 };
 
 constexpr SeverityWord kWords[] = {
-    {Severity::Edits, "edits", "Breaks edits, or everything", Style::Red},
-    {Severity::Seen, "seen", "Breaks what a viewer sees", Style::Red},
-    {Severity::Tuning, "tuning", "Breaks tuning", Style::Yellow},
-    {Severity::Slow, "slow", "Slows", Style::Bold},
-    {Severity::Odd, "odd", "Looks odd", Style::Bold},
+    {Severity::Edits, Style::Red, "edits", "Breaks edits, or everything"},
+    {Severity::Seen, Style::Red, "seen", "Breaks what a viewer sees"},
+    {Severity::Tuning, Style::Yellow, "tuning", "Breaks tuning"},
+    {Severity::Slow, Style::Bold, "slow", "Slows"},
+    {Severity::Odd, Style::Bold, "odd", "Looks odd"},
 };
 
 struct Consequence {

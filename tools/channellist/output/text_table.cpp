@@ -134,7 +134,7 @@ std::string narrowHelp(std::vector<Column> const& columns) {
               [](Column const& a, Column const& b) { return a.leaves < b.leaves; });
     std::string names;
     for (Column const& column : leaving)
-        names += (names.empty() ? "" : ", ") + column.name;
+        names.append(names.empty() ? "" : ", ").append(column.name);
     return "On a terminal that is too narrow " + shortened +
            " is cut, then these columns leave: " + names + ". --wide shows them whole.\n\n";
 }
