@@ -8,6 +8,7 @@
 #include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
+#include "output/text_table.h"
 
 namespace tool {
 namespace {
@@ -20,8 +21,8 @@ int run(std::string const& database, std::string const& file) {
     auto const lists = queryNumber(db, "SELECT count(*) FROM FavoriteList");
     channel_database::writeNewFile(db, file);
     Query(db, "COMMIT").next();
-    std::cout << file << ": " << lists << " lists, " << services << " services of " << database
-              << "\n";
+    std::cout << displayText(file) << ": " << lists << " lists, " << services << " services of "
+              << displayText(database) << "\n";
     return kSuccess;
 }
 

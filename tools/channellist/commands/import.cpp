@@ -53,13 +53,13 @@ class Progress {
 
 void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
     for (RejectedLine const& rejected : list.rejected)
-        std::cerr << path << ":" << rejected.line << ": skipped: " << displayText(rejected.reason)
-                  << "\n";
+        std::cerr << displayText(path) << ":" << rejected.line
+                  << ": skipped: " << displayText(rejected.reason) << "\n";
 }
 
 void makeDatabase(ChannelsConf const& list, Options const& options) {
     for (OtherEntry const& other : list.others)
-        std::cerr << options.list << ":" << other.line
+        std::cerr << displayText(options.list) << ":" << other.line
                   << ": skipped: no DVB service; only --favourites finds it again\n";
     tellWaitsFor(options.database);
     UndoStore undo(options.database, options.force && !options.noUndo);
@@ -72,7 +72,7 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
     auto const references =
         std::count_if(list.channels.begin(), list.channels.end(),
                       [](Channel const& channel) { return channel.isReference; });
-    std::cout << options.database << ": "
+    std::cout << displayText(options.database) << ": "
               << list.channels.size() - static_cast<std::size_t>(references) << " channels, "
               << list.groups.size() << " groups, " << list.rejected.size() + list.others.size()
               << " lines skipped\n";

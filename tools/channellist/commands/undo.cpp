@@ -79,8 +79,8 @@ std::vector<Entry> keptEntries(ListEntries const& kept, std::vector<Entry> const
         std::string error;
         Entry const* const service = services.find(line, error);
         if (service == nullptr) {
-            std::cerr << "channellist: " << displayText(kept.listName) << ": " << entry.name
-                      << " is left out: " << error << "\n";
+            std::cerr << "channellist: " << displayText(kept.listName) << ": "
+                      << displayText(entry.name) << " is left out: " << displayLines(error) << "\n";
             continue;
         }
         entries.push_back(*service);
@@ -183,7 +183,8 @@ int run(std::string const& database, Options const& options) {
         return kSuccess;
     }
     KeptCopy const& copy = chosen(copies, options.number);
-    std::cout << "Taking back \"" << copy.command << "\" of " << copy.time << "\n";
+    std::cout << "Taking back \"" << displayText(copy.command) << "\" of " << displayText(copy.time)
+              << "\n";
     if (!copy.file.empty())
         bringBack(copy.file, database, {options.dryRun, "undo " + std::to_string(copy.number)});
     else

@@ -11,6 +11,7 @@
 #include "database/session.h"
 #include "database/waiting.h"
 #include "failure.h"
+#include "output/text_table.h"
 #include "undo/undo_store.h"
 
 namespace tool {
@@ -63,8 +64,8 @@ void tellChanges(std::string const& database) {
         }
         std::cout << "\n";
     } catch (Failure const& failure) {
-        std::cout << "What " << database << " holds now cannot be compared: " << failure.what()
-                  << "\n";
+        std::cout << "What " << displayText(database)
+                  << " holds now cannot be compared: " << displayLines(failure.what()) << "\n";
     }
     sqlite3_exec(db, "DETACH old", nullptr, nullptr, nullptr);
 }
@@ -91,8 +92,8 @@ void bringBack(std::string const& file, std::string const& database,
     undo.keepDatabase(replacement.command);
     (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
     undo.confirm();
-    std::cout << "Written, and flushed to the disk: " << database << " holds what " << file
-              << " holds.\n";
+    std::cout << "Written, and flushed to the disk: " << displayText(database) << " holds what "
+              << displayText(file) << " holds.\n";
 }
 
 }  // namespace tool

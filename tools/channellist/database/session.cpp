@@ -14,6 +14,7 @@
 #include "database/time_limit.h"
 #include "database/waiting.h"
 #include "failure.h"
+#include "output/text_table.h"
 
 namespace tool {
 namespace {
@@ -124,7 +125,8 @@ void settle(std::string const& path) {
                       ": run the command as a user who may write it and its"
                       " folder");
     if (code == SQLITE_OK)
-        std::cerr << "channellist: settled an interrupted write that lay beside " << path << "\n";
+        std::cerr << "channellist: settled an interrupted write that lay beside "
+                  << displayText(path) << "\n";
 }
 
 }  // namespace

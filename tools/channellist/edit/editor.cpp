@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "failure.h"
+#include "output/text_table.h"
 
 namespace tool {
 namespace {
@@ -48,7 +49,7 @@ EditorFile::EditorFile() {
 
 EditorFile::~EditorFile() {
     if (!path_.empty())
-        std::cerr << "channellist: your text is kept in " << path_ << "\n";
+        std::cerr << "channellist: your text is kept in " << displayText(path_) << "\n";
 }
 
 std::string EditorFile::edit(std::string const& text) {

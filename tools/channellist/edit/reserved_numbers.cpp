@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "failure.h"
+#include "output/text_table.h"
 #include "services/ott_numbers.h"
 
 namespace tool {
@@ -14,7 +15,8 @@ std::set<std::int64_t> reservedNumbers(List const& list) {
         std::vector<unsigned int> const numbers = ottNumbers(list.favIndex);
         return std::set<std::int64_t>(numbers.begin(), numbers.end());
     } catch (Failure const& failure) {
-        std::cerr << "channellist: " << failure.what() << "; no number is kept free for it\n";
+        std::cerr << "channellist: " << displayLines(failure.what())
+                  << "; no number is kept free for it\n";
         return {};
     }
 }

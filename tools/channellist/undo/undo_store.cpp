@@ -193,7 +193,8 @@ void UndoStore::keepLists(std::string const& command, Snapshot const& lists) {
         keep(copy);
         last_ = std::move(copy);
     } catch (std::exception const& error) {
-        std::cerr << "channellist: \"undo\" will not know of this: " << error.what() << "\n";
+        std::cerr << "channellist: \"undo\" will not know of this: " << displayLines(error.what())
+                  << "\n";
     }
 }
 
@@ -219,7 +220,7 @@ void UndoStore::keepOnlyChanged(Snapshot const& now) {
     try {
         write(last_);
     } catch (Failure const& failure) {  // the copy stays as it was: it has more than it needs
-        std::cerr << "channellist: " << failure.what() << "\n";
+        std::cerr << "channellist: " << displayLines(failure.what()) << "\n";
     }
     confirm();
 }
@@ -232,7 +233,8 @@ std::vector<KeptCopy> UndoStore::copies() const {
         try {
             found.push_back(copyFrom(number, json));
         } catch (Json::exception const&) {
-            std::cerr << "channellist: " << fileOf(number, ".json") << " is no kept copy\n";
+            std::cerr << "channellist: " << displayText(fileOf(number, ".json"))
+                      << " is no kept copy\n";
             continue;
         }
         if (found.back().lists.empty())
