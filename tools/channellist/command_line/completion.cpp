@@ -155,20 +155,34 @@ Words optionWords(std::vector<CommandWords> const& commands, std::string const& 
     return words;
 }
 
+// The values of an option, with `start` in front ("--color="); of files their mark alone.
+Words valueWords(std::string const& option, std::string const& start) {
+    for (Values const& each : values()) {
+        if (option != each.option)
+            continue;
+        Words words = each.words;
+        for (std::string& word : words)
+            if (word != kFiles)
+                word.insert(0, start);
+        return words;
+    }
+    return {};
+}
+
 }  // namespace
 
 Words completions(std::vector<CommandWords> const& commands, Words const& words) {
     if (words.empty())
         return {};
     Line const line = lineOf(commands, words);
-    if (!line.option.empty()) {
-        for (Values const& each : values())
-            if (line.option == each.option)
-                return each.words;
-        return {};
+    if (!line.option.empty())
+        return valueWords(line.option, "");
+    if (!line.optionsEnded && !line.word.empty() && line.word[0] == '-') {
+        std::size_t const equals = line.word.find('=');
+        return equals == std::string::npos
+                   ? optionWords(commands, line.command)
+                   : valueWords(line.word.substr(0, equals), line.word.substr(0, equals + 1));
     }
-    if (!line.optionsEnded && !line.word.empty() && line.word[0] == '-')
-        return optionWords(commands, line.command);
     if (!line.command.empty()) {
         try {
             return argumentWords(line);

@@ -9,7 +9,8 @@ function __channellist_complete
     set -l behind $typed[$next..-1]
     set -l candidates (channellist __complete (count $before) $before[2..-1] "$word" $behind 2>/dev/null)
     if test "$candidates[1]" = :files
-        __fish_complete_path "$word"
+        set -l start (string match -r -- '^--[a-z-]+=' "$word")
+        __fish_complete_path (string replace -- "$start" '' "$word") | string replace -r -- '^' "$start"
     else
         string join \n -- $candidates
     end

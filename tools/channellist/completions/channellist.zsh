@@ -4,6 +4,7 @@
 local -a candidates
 candidates=("${(@f)$(channellist __complete $((CURRENT - 1)) "${(@Q)words[2,-1]}" 2>/dev/null)}")
 if [[ $candidates[1] == :files ]]; then
+    [[ $PREFIX != --*=* ]] || compset -P '*='
     _files
 else
     compadd -a candidates
