@@ -79,8 +79,8 @@ std::vector<Entry> keptEntries(ListEntries const& kept, std::vector<Entry> const
         std::string error;
         Entry const* const service = services.find(line, error);
         if (service == nullptr) {
-            std::cerr << "channellist: " << displayText(kept.listName) << ": " << entry.name
-                      << " is left out: " << error << "\n";
+            std::cerr << "channellist: " << displayText(kept.listName) << ": "
+                      << displayText(entry.name) << " is left out: " << error << "\n";
             continue;
         }
         entries.push_back(*service);
