@@ -84,6 +84,12 @@ Line lineOf(std::vector<CommandWords> const& commands, Words const& words) {
             read(line, commands, words[i]);
     if (index < words.size())
         line.word = words[index];
+    std::size_t const equals = line.word.find('=');
+    if (line.option.empty() && !line.optionsEnded && line.word.compare(0, 2, "--") == 0 &&
+        equals != std::string::npos) {
+        line.option = line.word.substr(0, equals);
+        line.word.erase(0, equals + 1);
+    }
     for (std::size_t i = 1; i < words.size(); ++i)
         if (words[i].compare(0, 5, "--db=") == 0)
             line.database = path(words[i].substr(5));

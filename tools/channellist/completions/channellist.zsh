@@ -3,6 +3,7 @@
 
 local -a candidates
 candidates=("${(@f)$(channellist __complete $((CURRENT - 1)) "${(@Q)words[2,-1]}" 2>/dev/null)}")
+compset -P '--*=' # the candidates behind it are those of the value
 if [[ $candidates[1] == :files ]]; then
     _files
 else
