@@ -185,8 +185,7 @@ TEST_F(ToolTest, ComparesTwoDatabases) {
           "FAV1   moved               2      9  ZDF HD        2\n",
           "New    added, hidden              1  ARD           1\n",
           "ARD         1-1019-10301  renamed  Das Erste                      ARD\n",
-          "CNN         9-9-9         came                                    terrestrial 506000 "
-          "kHz ",
+          "CNN         9-9-9         came                                    terrestrial 506000 ",
           "Jazz        3-77-10       retuned  cable 394000 kHz 6900 kBd 3-8  cable 394000 kHz 69",
           "List          came  went  moved  hidden  restored  renamed  retuned\n",
           "FAV1             0     0      1       1         0        1        1\n",
