@@ -49,6 +49,7 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
         {"", 60, "services --help",
          "names that hold this, whatever\r\n                              its case",
          "(the order of the set)  "},
+        {"", 60, "import --help", "replace the content of an\r\n", "of an existing database"},
     };
     change("UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 5");
     for (Terminal const& terminal : terminals) {
