@@ -45,6 +45,7 @@ TEST_F(ToolTest, CompletesWhatIsTyped) {
         {"channellist --db se", 2, "set.db"},
         {"channellist services --db = set.db A", 5, "Astra"},
         {"channellist --db = se", 3, "set.db"},
+        {"channellist list FAV1 '>' se", 4, "set.db"},
         {"channellist --db set.db services u : as", 6, "astra"},
     };
     change("UPDATE FavoriteList SET Uuid = 'u:astra' WHERE Uuid = 'u-astra'");

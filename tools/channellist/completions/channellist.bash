@@ -2,6 +2,11 @@
 
 _channellist() {
     local words=() candidates candidate word prefix rest=$COMP_LINE piece before i index
+    COMPREPLY=()
+    if [[ ${COMP_WORDS[COMP_CWORD - 1]} == [\<\>]* ]]; then # behind a redirection
+        mapfile -t COMPREPLY < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]//[\\\"\']/}")
+        return
+    fi
     # Bash ends a word at "=" and ":", too: what no blank separates belongs together.
     for i in "${!COMP_WORDS[@]}"; do
         piece=${COMP_WORDS[i]}
@@ -27,7 +32,6 @@ _channellist() {
         prefix=${prefix#--*=}
         word=${word#--*=}
     fi
-    COMPREPLY=()
     if [ "${candidates[0]-}" = :files ]; then
         mapfile -t candidates < <(compgen -f -- "$word")
     fi
