@@ -167,9 +167,12 @@ void TextTable::print(std::ostream& out) const {
             std::string const text = cut(cells[i].text, widths[i]);
             std::string const padding(widths[i] - std::min(widths[i], displayWidth(text)), ' ');
             bool const isRight = columns_[i].align == Align::Right;
-            if (!text.empty())
-                line += blanks + (isRight ? padding : "") + styled(cells[i].style, text);
-            blanks = text.empty() ? blanks + padding : isRight ? "" : padding;
+            if (isRight || text.empty())
+                blanks += padding;
+            if (!text.empty()) {
+                line.append(blanks).append(styled(cells[i].style, text));
+                blanks = isRight ? "" : padding;
+            }
             blanks += kGap;
         }
         out << line << '\n';
