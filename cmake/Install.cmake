@@ -21,7 +21,7 @@ install(DIRECTORY channellist-access/include/
 if(CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY)
     set(orv_debug_location "${CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY}")
     get_filename_component(orv_debug_folder "${orv_debug_location}" DIRECTORY)
-    set(orv_debug_rpath_link "-Wl,-rpath-link,${orv_debug_folder} ")
+    set(orv_debug_rpath_link "-Wl,-rpath-link,\"${orv_debug_folder}\" ")
     foreach(root ${CMAKE_SYSROOT} ${CMAKE_FIND_ROOT_PATH})
         string(FIND "${orv_debug_location}" "${root}/" at)
         if(at EQUAL 0)
@@ -31,7 +31,7 @@ if(CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY)
     endforeach()
 else()
     set(orv_debug_location "${CMAKE_INSTALL_LIBDIR}/liborv-debug.so")
-    set(orv_debug_rpath_link "-Wl,-rpath-link,\${libdir} ")
+    set(orv_debug_rpath_link "-Wl,-rpath-link,\"\${libdir}\" ")
     # It finds the stand-in beside itself, in whatever program it is loaded.
     set_target_properties(channellist-access PROPERTIES INSTALL_RPATH "$ORIGIN")
 endif()
@@ -51,11 +51,19 @@ install(FILES
 
 # Written when it is installed: it names the prefix, which `cmake --install --prefix` may choose. A
 # prefix relative to the file would be taken twice where pkg-config puts a sysroot before it.
+foreach(folder LIBDIR INCLUDEDIR)
+    string(TOLOWER "pkgconfig_${folder}" variable)
+    set(${variable} "${CMAKE_INSTALL_${folder}}")
+    if(NOT IS_ABSOLUTE "${${variable}}")
+        string(PREPEND ${variable} "\${prefix}/")
+    endif()
+endforeach()
 install(CODE "
+    get_filename_component(pkgconfig_prefix \"\${CMAKE_INSTALL_PREFIX}\" ABSOLUTE)
     set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
     set(PROJECT_VERSION \"${PROJECT_VERSION}\")
-    set(CMAKE_INSTALL_LIBDIR \"${CMAKE_INSTALL_LIBDIR}\")
-    set(CMAKE_INSTALL_INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
+    set(pkgconfig_libdir [=[${pkgconfig_libdir}]=])
+    set(pkgconfig_includedir [=[${pkgconfig_includedir}]=])
     set(CHANNELLIST_ACCESS_SQLITE_VERSION \"${CHANNELLIST_ACCESS_SQLITE_VERSION}\")
     set(orv_debug_rpath_link [=[${orv_debug_rpath_link}]=])
     configure_file(\"${PROJECT_SOURCE_DIR}/cmake/package/channellist-access.pc.in\"

@@ -1,6 +1,9 @@
 # Debian packages, made by scripts/package (presets package and package-arm):
 #
-#   libchannellist-access1      the library, and the debug library's stand-in where it was built
+#   libchannellist-access1      the library
+#   liborv-debug-stand-in       the debug library's stand-in, where none of the set's own is named;
+#                               a set's package takes its place if it is named or provides
+#                               CHANNELLIST_ACCESS_ORV_DEBUG_PACKAGE
 #   libchannellist-access-dev   headers, link name, CMake package, pkg-config file
 #   channellist                 the command-line tool, its manual page and completions
 set(CPACK_GENERATOR DEB)
@@ -13,14 +16,18 @@ set(CPACK_SET_DESTDIR ON) # the pkg-config file names the prefix
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
 set(CPACK_COMPONENTS_ALL runtime development)
+set(CHANNELLIST_ACCESS_ORV_DEBUG_PACKAGE liborv-debug CACHE STRING
+    "The Debian package of the set's debug library")
+set(orv_debug_packages "${CHANNELLIST_ACCESS_ORV_DEBUG_PACKAGE}")
 if(NOT CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY)
     list(APPEND CPACK_COMPONENTS_ALL stand-in)
+    string(PREPEND orv_debug_packages "liborv-debug-stand-in (= ${PROJECT_VERSION}) | ")
 endif()
 if(CHANNELLIST_ACCESS_BUILD_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
 set(CPACK_COMPONENT_RUNTIME_GROUP lib)
-set(CPACK_COMPONENT_STAND-IN_GROUP lib)
+set(CPACK_COMPONENT_STAND-IN_GROUP orv)
 set(CPACK_COMPONENT_DEVELOPMENT_GROUP dev)
 set(CPACK_COMPONENT_TOOLS_GROUP tool)
 
@@ -37,18 +44,30 @@ set(same_library "${library_package} (= ${PROJECT_VERSION})")
 # What the binaries need of other packages: scripts/package says it, which asks dpkg-shlibdeps, and
 # for another machine's binaries looks into their sysroot.
 set(CHANNELLIST_ACCESS_LIBRARY_DEPENDS "" CACHE STRING "Debian packages that the library needs")
+set(CHANNELLIST_ACCESS_ORV_DEBUG_DEPENDS "" CACHE STRING "Debian packages that the stand-in needs")
 set(CHANNELLIST_ACCESS_TOOLS_DEPENDS "" CACHE STRING "Debian packages that the tool needs")
 
 set(CPACK_DEBIAN_LIB_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_LIB_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIB_PACKAGE_DEPENDS "${CHANNELLIST_ACCESS_LIBRARY_DEPENDS},\
+set(CPACK_DEBIAN_LIB_PACKAGE_DEPENDS "${CHANNELLIST_ACCESS_LIBRARY_DEPENDS}, ${orv_debug_packages},\
  libsqlite3-0 (>= ${CHANNELLIST_ACCESS_SQLITE_VERSION})")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 file(WRITE "${PROJECT_BINARY_DIR}/package/triggers" "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_ORV_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/package/triggers")
 set(CPACK_DEBIAN_LIB_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/package/triggers")
 set(CPACK_DEBIAN_LIB_DESCRIPTION "channel-list access for the TV services of a set
 Reads and edits the channel lists of a digital television set, which stand in
 one SQLite file that many processes share.")
+
+set(CPACK_DEBIAN_ORV_PACKAGE_NAME liborv-debug-stand-in)
+set(CPACK_DEBIAN_ORV_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_ORV_PACKAGE_DEPENDS "${CHANNELLIST_ACCESS_ORV_DEBUG_DEPENDS}")
+foreach(relation PROVIDES CONFLICTS REPLACES)
+    set(CPACK_DEBIAN_ORV_PACKAGE_${relation} "${CHANNELLIST_ACCESS_ORV_DEBUG_PACKAGE}")
+endforeach()
+set(CPACK_DEBIAN_ORV_DESCRIPTION "stand-in for the debug library of a TV set
+Takes the messages of libchannellist-access on machines that have no debug
+library of a set's maker, and writes those that ORV_DEBUG asks for.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libchannellist-access-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
@@ -74,7 +93,7 @@ if(NOT heading)
     message(FATAL_ERROR "CHANGELOG.md has no heading '## [${PROJECT_VERSION}] - YYYY-MM-DD'")
 endif()
 string(REGEX MATCH "[0-9]+-[0-9]+-[0-9]+$" CPACK_CHANNELLIST_DATE "${heading}")
-set(CPACK_CHANNELLIST_PACKAGES "lib=${library_package};dev=libchannellist-access-dev;tool=channellist")
+set(CPACK_CHANNELLIST_PACKAGES "lib=${library_package};orv=liborv-debug-stand-in;dev=libchannellist-access-dev;tool=channellist")
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/package/debian-documents.cmake")
 
 include(CPack)

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <functional>
-#include <numeric>
 #include <thread>
 
 namespace {
@@ -44,7 +43,10 @@ std::vector<std::string> standardErrorOf(char const* orvDebug, std::function<voi
 }
 
 std::string joined(std::vector<std::string> const& pieces) {
-    return std::accumulate(pieces.begin(), pieces.end(), std::string());
+    std::string whole;
+    for (std::string const& piece : pieces)
+        whole += piece;
+    return whole;
 }
 
 bool isEnabled(unsigned int module, unsigned int level) {

@@ -208,7 +208,7 @@ TEST(Sharing, WaitsForTheOwnerOfTheOttDatabase) {
     Workshop workshop(Journal::Rollback, true);
     std::vector<unsigned> right;
     ASSERT_EQ(dbaccess::getOttFav4List(right), 0);
-    std::string const file = std::string(std::getenv("HOME")) + "/zentova_DB_V1.3.db";
+    std::string const file = workshop.ottFile();
     platform::sleepsTakeTime = true;
     for (unsigned round = 0; round < 3; ++round) {
         forgetLibraryState();

@@ -67,7 +67,7 @@ int main() {
                                             waits.seconds[entry][timeout]));
     sleep(3);  // all have opened the file
     lock("/var/tvservice/servicelist.db");
-    lock(std::string(std::getenv("HOME")) + "/zentova_DB_V1.3.db");
+    lock(workshop.ottFile());
     close(locked[1]);
     for (pid_t const child : children)
         endOf(child);

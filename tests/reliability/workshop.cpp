@@ -37,6 +37,8 @@ std::string bytesOf(std::string const& file) {
     return bytes;
 }
 
+constexpr char kOttFile[] = "/zentova_DB_V1.3.db";
+
 // Both databases, the channel database as `file`; `directory` becomes HOME.
 void makeDatabases(std::string const& file, std::string const& directory) {
     using channel_database::ChannelDatabase;
@@ -69,7 +71,7 @@ void makeDatabases(std::string const& file, std::string const& directory) {
                 database.put(list, service, i);
     }
     transaction.commit();
-    ChannelDatabase ott(directory + "/zentova_DB_V1.3.db");
+    ChannelDatabase ott(directory + kOttFile);
     ott.run("CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex INTEGER)");
     ott.run("INSERT INTO SQL_OTTFavChannels VALUES ('FAV4', 3), ('FAV4', 1), ('FAV4', 4)");
     setenv("HOME", directory.c_str(), 1);
@@ -105,6 +107,8 @@ void Workshop::renew() {
     std::filesystem::remove(file_ + "-shm");
     std::ofstream(file_, std::ios::binary) << made_;
 }
+
+std::string Workshop::ottFile() const { return directory_ + kOttFile; }
 
 bool Workshop::isUntouched() const {
     // Readers of a database in WAL mode leave an empty log.

@@ -38,6 +38,8 @@ class Workshop {
     std::string rows(char const* sql) const;
     /// True while the database file is, byte by byte, as it was made.
     bool isUntouched() const;
+    /// The OTT database.
+    std::string ottFile() const;
 
   private:
     std::string directory_;

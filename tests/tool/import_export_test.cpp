@@ -171,18 +171,23 @@ TEST_F(ToolTest, ExportsWhatAnImportReads) {
 TEST_F(ToolTest, WritesGroupsGapsAndMarksOfAList) {
     change(
         "UPDATE Service SET Name = 'A, B: C' WHERE Pid = 1;"
-        "UPDATE Service SET Visible = 1 WHERE Pid = 5");
+        "UPDATE Service SET Visible = 1, Name = 'Ja' || char(27, 10, 0x9B) || 'zz' WHERE Pid = 5");
     EXPECT_EQ(output("export FAV1 FAV2 av"),
               ":FAV1\n"
               "A, B| C,:12604:HC34M2S0:S19.2E:27500:8191:0:0:0:10301:1:1019:0\n"
               "ZDF HD:11494:HC23M5S1:S19.2E:22000:8191:0:0:0:11110:1:1011:0\n"
               "VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
               ":@5\n"
-              "Jazz:394000:M256:C:6900:0:0:0:0:10:3:8:0\n"
+              "Ja\\x1b\\x0a\\x9bzz:394000:M256:C:6900:0:0:0:0:10:3:8:0\n"
               ":FAV2\n"
               "#channellist 1 hidden VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
               ":inputs\n"
               "#channellist 1  shown   HDMI 1  -  id:7\n");
+    for (char const* command : {"export FAV1 --format enigma2", "export FAV1 --format lamedb",
+                                "export FAV1 --format csv", "services FAV1 --json", "list FAV1"}) {
+        EXPECT_THAT(output(command), HasSubstr("zz")) << command;
+        EXPECT_THAT(out, Not(testing::ContainsRegex("[\x1b\x9b]"))) << command;
+    }
 }
 
 // Gaps, hidden entries, inputs, services that are alike in all, and what an OTT channel pushed on.

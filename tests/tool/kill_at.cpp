@@ -29,11 +29,11 @@ void dieAtTheLast(Half writeHalf) {
 }  // namespace
 
 // The calls by which a database, its journal or a kept copy changes on the disk.
-#define INTERPOSE(result, name, parameters, arguments, half)                                       \
-    extern "C" __attribute__((visibility("default"))) result name parameters {                     \
-        static auto* const next = reinterpret_cast<result(*) parameters>(dlsym(RTLD_NEXT, #name)); \
-        dieAtTheLast([&] { half; });                                                               \
-        return next arguments;                                                                     \
+#define INTERPOSE(result, name, parameters, arguments, half)                                    \
+    extern "C" __attribute__((visibility("default"))) result name parameters {                  \
+        static auto* const next = reinterpret_cast<decltype(&::name)>(dlsym(RTLD_NEXT, #name)); \
+        dieAtTheLast([&] { half; });                                                            \
+        return next arguments;                                                                  \
     }
 
 INTERPOSE(ssize_t, pwrite, (int fd, void const* data, size_t size, off_t at), (fd, data, size, at),

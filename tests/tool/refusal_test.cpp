@@ -23,7 +23,8 @@ TEST_F(ToolTest, ExplainsItselfInHelpManualAndCompletion) {
     }
 }
 
-// Of bash, run as its completion runs it; those of zsh and fish ask the tool in the same way.
+// Of bash, which breaks words at "=" and ":", run as its completion runs it; those of zsh and fish
+// ask the tool in the same way.
 TEST_F(ToolTest, CompletesWhatIsTyped) {
     struct {
         char const* words;
@@ -42,10 +43,16 @@ TEST_F(ToolTest, CompletesWhatIsTyped) {
         {"channellist services F --db missing.db", 2, "FAV1 FAV2 FAV3 FAV4"},
         {"channellist import se", 2, "set.db"},
         {"channellist --db se", 2, "set.db"},
+        {"channellist services --db = set.db A", 5, "Astra"},
+        {"channellist --db = se", 3, "set.db"},
+        {"channellist list FAV1 '>' se", 4, "set.db"},
+        {"channellist --db set.db services u : as", 6, "astra"},
     };
+    change("UPDATE FavoriteList SET Uuid = 'u:astra' WHERE Uuid = 'u-astra'");
     write("complete", "channellist() { " TOOL " \"$@\"; }; . " TOOL_SOURCE
                       "/completions/channellist.bash; shift 0; COMP_CWORD=$1; shift;"
-                      " COMP_WORDS=(\"$@\"); _channellist; echo \"${COMPREPLY[*]}\"");
+                      " COMP_WORDS=(\"$@\") all=\"$*\" COMP_LINE=${all// = /=}"
+                      " COMP_LINE=${COMP_LINE// : /:}; _channellist; echo \"${COMPREPLY[*]}\"");
     for (auto const& line : lines) {
         run("--version",
             "bash complete " + std::to_string(line.at) + " " + line.words + " >completed;");

@@ -37,6 +37,7 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
         {"NO_COLOR=1", 78, "services FAV1", " 1  一二三四五六七八…  TV     satellite  ", "LCN"},
         {"NO_COLOR=1", 0, "services FAV1", "Delivery", "LCN"},
         {"NO_COLOR=1 COLUMNS=45", 0, "services FAV1", "State", "Delivery"},
+        {"NO_COLOR=1", 24, "services FAV1", " 2  ZD…", "ZDF"},
         {"NO_COLOR=1", 20, "--wide services FAV1", "LCN", "…"},
         {"NO_COLOR=1", 60, "services FAV1", "ZDF HD", "\x1b["},
         {"TERM=dumb", 60, "services FAV1", "ZDF HD", "\x1b["},
@@ -48,6 +49,7 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
         {"", 60, "services --help",
          "names that hold this, whatever\r\n                              its case",
          "(the order of the set)  "},
+        {"", 60, "import --help", "replace the content of an\r\n", "of an existing database"},
     };
     change("UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 5");
     for (Terminal const& terminal : terminals) {

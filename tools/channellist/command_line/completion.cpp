@@ -84,6 +84,12 @@ Line lineOf(std::vector<CommandWords> const& commands, Words const& words) {
             read(line, commands, words[i]);
     if (index < words.size())
         line.word = words[index];
+    std::size_t const equals = line.word.find('=');
+    if (line.option.empty() && !line.optionsEnded && line.word.compare(0, 2, "--") == 0 &&
+        equals != std::string::npos) {
+        line.option = line.word.substr(0, equals);
+        line.word.erase(0, equals + 1);
+    }
     for (std::size_t i = 1; i < words.size(); ++i)
         if (words[i].compare(0, 5, "--db=") == 0)
             line.database = path(words[i].substr(5));
@@ -155,34 +161,20 @@ Words optionWords(std::vector<CommandWords> const& commands, std::string const& 
     return words;
 }
 
-// The values of an option, with `start` in front ("--color="); of files their mark alone.
-Words valueWords(std::string const& option, std::string const& start) {
-    for (Values const& each : values()) {
-        if (option != each.option)
-            continue;
-        Words words = each.words;
-        for (std::string& word : words)
-            if (word != kFiles)
-                word.insert(0, start);
-        return words;
-    }
-    return {};
-}
-
 }  // namespace
 
 Words completions(std::vector<CommandWords> const& commands, Words const& words) {
     if (words.empty())
         return {};
     Line const line = lineOf(commands, words);
-    if (!line.option.empty())
-        return valueWords(line.option, "");
-    if (!line.optionsEnded && !line.word.empty() && line.word[0] == '-') {
-        std::size_t const equals = line.word.find('=');
-        return equals == std::string::npos
-                   ? optionWords(commands, line.command)
-                   : valueWords(line.word.substr(0, equals), line.word.substr(0, equals + 1));
+    if (!line.option.empty()) {
+        for (Values const& each : values())
+            if (line.option == each.option)
+                return each.words;
+        return {};
     }
+    if (!line.optionsEnded && !line.word.empty() && line.word[0] == '-')
+        return optionWords(commands, line.command);
     if (!line.command.empty()) {
         try {
             return argumentWords(line);

@@ -4,7 +4,7 @@
 //
 // with all words of the line behind the program, of which INDEX, counted from 1, is to be
 // completed; it may be one behind the last. Candidates come a line each, whatever the word begins
-// with; ":files" alone says that files are due.
+// with; for "--option=VALUE" they are those of the value. ":files" alone says that files are due.
 #pragma once
 
 #include <string>

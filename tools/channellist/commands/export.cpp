@@ -33,7 +33,7 @@ std::string tuningUri(Query& uris, std::string const& servicePid) {
 
 std::optional<Channel> channelOf(ResultRow const& service, Query& uris) {
     unsigned const attributes = attributesOf(service);
-    return channel_database::channelOf({service[SERVICE_FIELD_CAPTION],
+    return channel_database::channelOf({displayText(service[SERVICE_FIELD_CAPTION]),
                                         tuningUri(uris, service[SERVICE_FIELD_PID]),
                                         kindOf(service) == "radio", (attributes & kScrambled) != 0,
                                         (attributes & kHighDefinition) != 0});
@@ -45,7 +45,6 @@ std::string lineOf(ResultRow const& service, Query& uris, std::int64_t& nextNumb
     if (!channel || entry.number.value_or(0) < 1)
         return formatOther(formatEntry(entry));
     channel = inVdrUnits(*channel);
-    channel->name = entry.name;
     if (entry.deleted)
         return formatHidden(*channel, static_cast<int>(*entry.number));
     std::string const mark = *entry.number == nextNumber ? "" : ":@" + numberText(entry) + "\n";
@@ -71,7 +70,6 @@ std::vector<Channel> enigma2Channels(List const& list, std::vector<ResultRow> co
         auto channel = channelOf(service, uris);
         if (!channel || isDeleted(service) || channel->delivery() == Delivery::DvbC2)
             continue;
-        channel->name = displayText(channel->name);
         channels.push_back(std::move(*channel));
     }
     if (channels.size() != services.size())

@@ -8,12 +8,12 @@ function __channellist_complete
     test -n "$word"; and set next (math $next + 1)
     set -l behind $typed[$next..-1]
     set -l candidates (channellist __complete (count $before) $before[2..-1] "$word" $behind 2>/dev/null)
+    # Behind "--option=" the candidates are those of the value.
+    set -l option (string match -r -- '^--[^=]*=' "$word")
     if test "$candidates[1]" = :files
-        set -l start (string match -r -- '^--[a-z-]+=' "$word")
-        __fish_complete_path (string replace -- "$start" '' "$word") | string replace -r -- '^' "$start"
-    else
-        string join \n -- $candidates
+        set candidates (__fish_complete_path (string replace -- "$option" '' "$word"))
     end
+    string join \n -- "$option"$candidates
 end
 
 complete -c channellist -f -a '(__channellist_complete)'

@@ -3,8 +3,8 @@
 
 local -a candidates
 candidates=("${(@f)$(channellist __complete $((CURRENT - 1)) "${(@Q)words[2,-1]}" 2>/dev/null)}")
+compset -P '--*=' # the candidates behind it are those of the value
 if [[ $candidates[1] == :files ]]; then
-    [[ $PREFIX != --*=* ]] || compset -P '*='
     _files
 else
     compadd -a candidates

@@ -10,6 +10,7 @@
 
 #include "output/folded_text.h"
 #include "output/json_text.h"
+#include "output/text_table.h"
 #include "services/service_words.h"
 
 namespace tool {
@@ -129,9 +130,9 @@ std::string formatCsv(std::vector<ResultRow> const& services) {
     std::string text = lineOf({std::begin(kColumns), std::end(kColumns)});
     for (ResultRow const& service : services) {
         Entry const entry = entryOf(service);
-        text += lineOf({numberText(entry), entry.deleted ? "hidden" : "shown", entry.name,
-                        entry.triplet, std::to_string(entry.serviceId), kindOf(service),
-                        deliveryOf(service), service[SERVICE_FIELD_FREQUENCY]});
+        text += lineOf({numberText(entry), entry.deleted ? "hidden" : "shown",
+                        displayText(entry.name), entry.triplet, std::to_string(entry.serviceId),
+                        kindOf(service), deliveryOf(service), service[SERVICE_FIELD_FREQUENCY]});
     }
     return text;
 }

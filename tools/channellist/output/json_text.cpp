@@ -1,6 +1,7 @@
 #include "output/json_text.h"
 
 #include <charconv>
+#include <cstdio>
 #include <iostream>
 
 #include "output/text_table.h"
@@ -8,8 +9,18 @@
 namespace tool {
 namespace {
 
+// JSON escapes the control characters below U+0020; a terminal obeys those from U+0080 on as well.
 std::string dump(Json const& value, int indent) {
-    return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+    std::string text = value.dump(indent, ' ', false, Json::error_handler_t::replace);
+    for (std::size_t at = 0; (at = text.find('\xC2', at)) != std::string::npos; ++at) {
+        auto const second = static_cast<unsigned char>(text[at + 1]);
+        if (second >= 0xA0)
+            continue;
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned int>(second));
+        text.replace(at, 2, escape);
+    }
+    return text;
 }
 
 }  // namespace

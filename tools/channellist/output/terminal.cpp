@@ -14,6 +14,7 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
+constexpr std::size_t kIndent = 2;  // of the options and examples in a help text
 constexpr char const* kSequences[] = {"", "\x1b[2m", "\x1b[1m", "\x1b[31m", "\x1b[33m"};
 constexpr char kReset[] = "\x1b[0m";
 
@@ -33,14 +34,15 @@ bool wantsColour() {
            environment("NO_COLOR").empty();
 }
 
-// Where a line that is too long goes on: below its last column, or nowhere for one without.
+// Where a line that is too long goes on: below its last column, or nowhere for an example, which is
+// there to be copied.
 std::size_t hangOf(std::string const& line, std::size_t width) {
     std::size_t const begin = line.find_first_not_of(' ');
     std::size_t const gap = line.find("  ", begin);
-    if (gap == std::string::npos)
-        return begin == 0 ? 0 : std::string::npos;
-    std::size_t const column = line.find_first_not_of(' ', gap);
-    return column > width / 2 ? 4 : column;
+    if (gap == std::string::npos && begin != 0 && begin <= kIndent)
+        return std::string::npos;
+    std::size_t const column = gap == std::string::npos ? begin : line.find_first_not_of(' ', gap);
+    return column > width / 2 ? 2 * kIndent : column;
 }
 
 std::string wrappedLine(std::string line, std::size_t width) {

@@ -13,7 +13,7 @@ constexpr char kReplacement[] = "\xEF\xBF\xBD";
 constexpr char kEllipsis[] = "\xE2\x80\xA6";
 constexpr char kGap[] = "  ";
 constexpr std::size_t kGapWidth = 2;
-constexpr std::size_t kLeastCut = 12;  // of a column whose texts are cut
+constexpr std::size_t kLeastCut = 12;  // of a column whose texts are cut, while others may leave
 
 // Calls visit(bytes, length, character) for each character; the length is 1 and the character -1
 // where the bytes are no UTF-8.
@@ -80,8 +80,10 @@ std::vector<std::size_t> fitted(std::vector<Column> const& columns, std::vector<
             if (columns[i].leaves == next)
                 widths[i] = 0;
     }
-    if (hasCut && width != 0 && total() < width)
-        widths[cutColumn] = std::min(whole, least + width - total());
+    if (hasCut && width != 0) {
+        std::size_t const others = total() - least;
+        widths[cutColumn] = std::min(whole, width > others ? width - others : 1);
+    }
     return widths;
 }
 
@@ -165,9 +167,12 @@ void TextTable::print(std::ostream& out) const {
             std::string const text = cut(cells[i].text, widths[i]);
             std::string const padding(widths[i] - std::min(widths[i], displayWidth(text)), ' ');
             bool const isRight = columns_[i].align == Align::Right;
-            if (!text.empty())
-                line += blanks + (isRight ? padding : "") + styled(cells[i].style, text);
-            blanks = text.empty() ? blanks + padding : isRight ? "" : padding;
+            if (isRight || text.empty())
+                blanks += padding;
+            if (!text.empty()) {
+                line.append(blanks).append(styled(cells[i].style, text));
+                blanks = isRight ? "" : padding;
+            }
             blanks += kGap;
         }
         out << line << '\n';
