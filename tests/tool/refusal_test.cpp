@@ -77,6 +77,7 @@ TEST_F(ToolTest, RefusesWrongUsage) {
         {"import list", 2, nullptr, "import needs the name of the database to make"},
         {"import list --list FAV1", 2, nullptr, "channellist: --list requires --favourites"},
         {"import list --favourites --force", 2, nullptr, "channellist: --force excludes --fav"},
+        {"undo 1 --list", 2, nullptr, "channellist: NUMBER excludes --list"},
         {"import list other.db", 2, nullptr, "the database is named twice, by --db and behind"},
     };
     for (Invocation const& each : runs)

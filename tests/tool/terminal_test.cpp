@@ -30,6 +30,10 @@ class TerminalTest : public ToolTest {
 };
 
 TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
+    std::string big;
+    for (int service = 1; service <= 600; ++service)
+        big += "Name:11000:HC34:S19.2E:22000:1:2:0:0:" + std::to_string(service) + ":1:1:0\n";
+    write("big", big);
     change("UPDATE Service SET Name = '一二三四五六七八九十e\xCC\x81z' WHERE Pid = 1");
     Terminal const terminals[] = {
         {"NO_COLOR=1", 120, "services FAV1", "一二三四五六七八九十e\xCC\x81z  TV", "…"},
@@ -49,6 +53,9 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
         {"", 60, "services --help",
          "names that hold this, whatever\r\n                              its case",
          "(the order of the set)  "},
+        {"", 1, "folders --help", "lists\r\nthat", "lists that"},
+        {"", 60, "import big set.db --force", "Importing 500 of 600", "…"},
+        {"TERM=dumb", 60, "import big set.db --force", "600", "\x1b["},
         {"", 60, "import --help", "replace the content of an\r\n", "of an existing database"},
     };
     change("UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 5");

@@ -1,7 +1,6 @@
 // channellist import CHANNELS.CONF DATABASE
 #include <channel-database/channel_list.h>
 #include <channel-database/database_file.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <iostream>
@@ -13,6 +12,7 @@
 #include "edit/favourites.h"
 #include "edit/request.h"
 #include "failure.h"
+#include "output/progress.h"
 #include "output/text_table.h"
 #include "undo/undo_store.h"
 
@@ -31,24 +31,18 @@ struct Options {
     bool noUndo = false;
 };
 
-// Shows how far a long import is, on a terminal only.
+// Shows how far a long import is.
 class Progress {
   public:
-    ~Progress() {
-        if (shown_)
-            std::cerr << "\r\x1b[K" << std::flush;
-    }
+    Progress() = default;
+    ~Progress() { endProgress(); }
+    Progress(Progress const&) = delete;
+    Progress& operator=(Progress const&) = delete;
     void operator()(std::size_t done, std::size_t total) {
         constexpr std::size_t kStep = 500;
-        if (terminal_ && done % kStep == 0) {
-            std::cerr << "\rImporting " << done << " of " << total << std::flush;
-            shown_ = true;
-        }
+        if (done % kStep == 0)
+            showProgress("Importing " + std::to_string(done) + " of " + std::to_string(total));
     }
-
-  private:
-    bool terminal_ = isatty(STDERR_FILENO) == 1;
-    bool shown_ = false;
 };
 
 void reportRejectedLines(ChannelsConf const& list, std::string const& path) {

@@ -202,6 +202,7 @@ void addUndoCommand(CommandLine& line) {
         .flag("-n,--dry-run", options->dryRun, "show what would change, and write nothing")
         .json(options->json)
         .needs("--json", "--list")
+        .excludes("--list", "NUMBER")
         .footer(
             "\"edit\" and \"import --favourites\" keep the lists that they change, \"import "
             "--force\"\n"

@@ -1,16 +1,14 @@
 #include "database/time_limit.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <ctime>
-#include <iostream>
 #include <map>
 #include <new>
 #include <set>
 #include <vector>
 
 #include "database/query.h"
+#include "output/progress.h"
 
 namespace tool {
 namespace {
@@ -41,9 +39,9 @@ double secondsOfWork() {
 }
 
 void showTask() {
-    if (task == shown || secondsOfWork() < kSecondsUnseen || isatty(STDERR_FILENO) == 0)
+    if (task == shown || secondsOfWork() < kSecondsUnseen)
         return;
-    std::cerr << "\rLooking at " << task << "\x1b[K" << std::flush;
+    showProgress("Looking at " + task);
     shown = task;
 }
 
@@ -151,8 +149,7 @@ void TimeLimit::restart(std::string const& next) {
 void TimeLimit::finish() {
     reached = false;
     task.clear();
-    if (!shown.empty())
-        std::cerr << "\r\x1b[K" << std::flush;
+    endProgress();
     shown.clear();
 }
 

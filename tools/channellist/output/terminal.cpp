@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <sstream>
@@ -28,11 +29,7 @@ std::string environment(char const* name) {
 
 bool isTerminal() { return isatty(STDOUT_FILENO) == 1; }
 
-bool wantsColour() {
-    std::string const terminal = environment("TERM");
-    return isTerminal() && !terminal.empty() && terminal != "dumb" &&
-           environment("NO_COLOR").empty();
-}
+bool wantsColour() { return isTerminal() && knowsSequences() && environment("NO_COLOR").empty(); }
 
 // Where a line that is too long goes on: below its last column, or nowhere for an example, which is
 // there to be copied.
@@ -51,9 +48,10 @@ std::string wrappedLine(std::string line, std::size_t width) {
         return line + "\n";
     std::string result;
     while (line.size() > width) {
+        std::size_t const least = std::max(line.find_first_not_of(' '), hang) + 1;
         std::size_t blank = line.rfind(' ', width);
-        if (blank == std::string::npos || line.find_first_not_of(' ') >= blank || blank <= hang)
-            blank = line.find(' ', width);
+        if (blank == std::string::npos || blank < least)
+            blank = line.find(' ', std::max(width, least));
         if (blank == std::string::npos)
             break;
         result += line.substr(0, line.find_last_not_of(' ', blank) + 1) + "\n";
@@ -69,6 +67,11 @@ void setOutput(std::string const& color, bool wide) {
         throw Failure("'" + color + "' is none of auto, always and never", kUsage);
     hasColour = color == "always" || (color == "auto" && wantsColour());
     isWide = wide;
+}
+
+bool knowsSequences() {
+    std::string const terminal = environment("TERM");
+    return !terminal.empty() && terminal != "dumb";
 }
 
 std::size_t lineWidth() {

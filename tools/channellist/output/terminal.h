@@ -13,6 +13,9 @@ enum class Style { Plain, Dim, Bold, Red, Yellow };
 // user who has not set NO_COLOR.
 void setOutput(std::string const& color, bool wide);
 
+// True where TERM names a terminal, and no dumb one.
+bool knowsSequences();
+
 // Columns of a line: the terminal's own word, else COLUMNS, else 80; 0, any number, for what is no
 // terminal or with "--wide".
 std::size_t lineWidth();

@@ -1,0 +1,32 @@
+#include "output/progress.h"
+
+#include <unistd.h>
+
+#include <iostream>
+
+#include "output/terminal.h"
+#include "output/text_table.h"
+
+namespace tool {
+namespace {
+
+constexpr char kWipe[] = "\r\x1b[K";
+
+bool isShown = false;
+
+}  // namespace
+
+void showProgress(std::string const& text) {
+    if (isatty(STDERR_FILENO) == 0 || !knowsSequences())
+        return;
+    std::cerr << kWipe << displayText(text) << std::flush;
+    isShown = true;
+}
+
+void endProgress() {
+    if (isShown)
+        std::cerr << kWipe << std::flush;
+    isShown = false;
+}
+
+}  // namespace tool
