@@ -21,7 +21,7 @@ TEST_F(ToolTest, ImportsAChannelListAndNamesSkippedLines) {
     write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\nfoul\n");
     EXPECT_EQ(run("import list new.db"), 0);
     EXPECT_EQ(out, "new.db: 1 channels, 0 groups, 1 lines skipped\n");
-    EXPECT_EQ(err, "list:2: skipped: a channel has 9 to 13 fields, this line 1\n");
+    EXPECT_EQ(err, "channellist: list:2: skipped: a channel has 9 to 13 fields, this line 1\n");
     EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "new.db"), "A");
     EXPECT_EQ(run("import list new.db"), 1);
     EXPECT_THAT(err, HasSubstr("new.db exists; --force replaces its content"));
@@ -296,7 +296,7 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
           "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:\n");
     ASSERT_EQ(run("import e2/lamedb new.db"), 0);
     EXPECT_EQ(out, "new.db: 2 channels, 0 groups, 1 lines skipped\n");
-    EXPECT_EQ(err, "e2/lamedb:17: skipped: service type 12 is no TV or radio: Data\n");
+    EXPECT_EQ(err, "channellist: e2/lamedb:17: skipped: service type 12 is no TV or radio: Data\n");
     write("lamedb", output("export --db new.db --format lamedb all"));
     ASSERT_EQ(run("import lamedb again.db"), 0) << err;
     EXPECT_TRUE(content("again.db") == content("new.db")) << "the same list, the same database";
@@ -304,7 +304,7 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
     EXPECT_EQ(out, "new.db: 2 channels, 1 groups, 1 lines skipped\n");
     write("cut", "eDVB services /4/\ntransponders\n00c00000:03fb:0001\n");
     EXPECT_EQ(run("import cut cut.db"), 1);
-    EXPECT_THAT(err, HasSubstr("cut:3: skipped: the file ends in the midst of its "));
+    EXPECT_THAT(err, HasSubstr("channellist: cut:3: skipped: the file ends in the midst of its "));
     ASSERT_EQ(run("services --db new.db Mine --json"), 1) << "TV and radio are lists of their own";
     EXPECT_EQ(rows("SELECT count(*) FROM Service WHERE Type <> 0", "new.db"), "2");
     EXPECT_EQ(run("import e2/userbouquet.a.tv other.db"), 1);

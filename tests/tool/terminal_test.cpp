@@ -55,6 +55,7 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
          "(the order of the set)  "},
         {"", 1, "folders --help", "lists\r\nthat", "lists that"},
         {"", 60, "import big set.db --force", "Importing 500 of 600", "…"},
+        {"", 20, "import big set.db --force", "Importing 500 of 6…", "500 of 600"},
         {"TERM=dumb", 60, "import big set.db --force", "600", "\x1b["},
         {"", 60, "import --help", "replace the content of an\r\n", "of an existing database"},
     };

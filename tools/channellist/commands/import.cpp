@@ -47,13 +47,13 @@ class Progress {
 
 void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
     for (RejectedLine const& rejected : list.rejected)
-        std::cerr << displayText(path) << ":" << rejected.line
+        std::cerr << "channellist: " << displayText(path) << ":" << rejected.line
                   << ": skipped: " << displayText(rejected.reason) << "\n";
 }
 
 void makeDatabase(ChannelsConf const& list, Options const& options) {
     for (OtherEntry const& other : list.others)
-        std::cerr << displayText(options.list) << ":" << other.line
+        std::cerr << "channellist: " << displayText(options.list) << ":" << other.line
                   << ": skipped: no DVB service; only --favourites finds it again\n";
     tellWaitsFor(options.database);
     UndoStore undo(options.database, options.force && !options.noUndo);

@@ -19,7 +19,9 @@ bool isShown = false;
 void showProgress(std::string const& text) {
     if (isatty(STDERR_FILENO) == 0 || !knowsSequences())
         return;
-    std::cerr << kWipe << displayText(text) << std::flush;
+    // Whole on one row, which alone is wiped; a row that is full may begin the next one.
+    std::size_t const width = terminalWidth(STDERR_FILENO) - 1;
+    std::cerr << kWipe << cutText(displayText(text), width) << std::flush;
     isShown = true;
 }
 

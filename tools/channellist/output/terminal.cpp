@@ -74,17 +74,17 @@ bool knowsSequences() {
     return !terminal.empty() && terminal != "dumb";
 }
 
-std::size_t lineWidth() {
-    if (isWide || !isTerminal())
-        return 0;
+std::size_t terminalWidth(int descriptor) {
     winsize size = {};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+    if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
     std::string const told = environment("COLUMNS");
     std::size_t columns = 0;
     std::from_chars(told.data(), told.data() + told.size(), columns);
     return columns > 0 ? columns : kUsualWidth;
 }
+
+std::size_t lineWidth() { return isWide || !isTerminal() ? 0 : terminalWidth(STDOUT_FILENO); }
 
 std::string styled(Style style, std::string const& text) {
     if (!hasColour || style == Style::Plain || text.empty())

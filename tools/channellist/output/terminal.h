@@ -1,4 +1,4 @@
-// What standard output can show: how wide a line may be, and colours.
+// What a terminal can show: how wide a line may be, and colours.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,10 @@ void setOutput(std::string const& color, bool wide);
 // True where TERM names a terminal, and no dumb one.
 bool knowsSequences();
 
-// Columns of a line: the terminal's own word, else COLUMNS, else 80; 0, any number, for what is no
-// terminal or with "--wide".
+// Columns of a terminal: its own word, else COLUMNS, else 80.
+std::size_t terminalWidth(int descriptor);
+
+// Columns of a line of standard output; 0, any number, for what is no terminal or with "--wide".
 std::size_t lineWidth();
 
 // The text between the style's escape sequences, where there is colour.

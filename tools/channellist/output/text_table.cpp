@@ -39,22 +39,6 @@ bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
-// Ends behind a character with all that combines with it.
-std::string cut(std::string const& text, std::size_t width) {
-    if (displayWidth(text) <= width)
-        return text;
-    std::string shown;
-    std::size_t used = 1;  // of the ellipsis
-    bool isFull = false;
-    forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
-        used += widthOf(character);
-        isFull = isFull || used > width;
-        if (!isFull)
-            shown.append(bytes, length);
-    });
-    return shown + kEllipsis;
-}
-
 // The widths that the columns have on a line; 0 for one that has left.
 std::vector<std::size_t> fitted(std::vector<Column> const& columns, std::vector<std::size_t> widths,
                                 std::size_t width) {
@@ -95,6 +79,21 @@ std::size_t displayWidth(std::string const& text) {
         width += widthOf(character);
     });
     return width;
+}
+
+std::string cutText(std::string const& text, std::size_t width) {
+    if (displayWidth(text) <= width)
+        return text;
+    std::string shown;
+    std::size_t used = 1;  // of the ellipsis
+    bool isFull = false;
+    forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
+        used += widthOf(character);
+        isFull = isFull || used > width;
+        if (!isFull)
+            shown.append(bytes, length);
+    });
+    return shown + kEllipsis;
 }
 
 std::string displayText(std::string const& text) {
@@ -164,7 +163,7 @@ void TextTable::print(std::ostream& out) const {
         for (std::size_t i = 0; i < cells.size(); ++i) {
             if (widths[i] == 0)
                 continue;
-            std::string const text = cut(cells[i].text, widths[i]);
+            std::string const text = cutText(cells[i].text, widths[i]);
             std::string const padding(widths[i] - std::min(widths[i], displayWidth(text)), ' ');
             bool const isRight = columns_[i].align == Align::Right;
             if (isRight || text.empty())
