@@ -42,6 +42,8 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
         {"NO_COLOR=1", 0, "services FAV1", "Delivery", "LCN"},
         {"NO_COLOR=1 COLUMNS=45", 0, "services FAV1", "State", "Delivery"},
         {"NO_COLOR=1", 24, "services FAV1", " 2  ZD…", "ZDF"},
+        {"NO_COLOR=1", 18, "find zdf", "ZDF HD  all 2,\r\n        FAV1 2\r\n", "…"},
+        {"NO_COLOR=1", 8, "find zdf", "ZD…  all\r\n     2,\r\n     FAV\r\n     1 2\r\n", "ZDF"},
         {"NO_COLOR=1", 20, "--wide services FAV1", "LCN", "…"},
         {"NO_COLOR=1", 60, "services FAV1", "ZDF HD", "\x1b["},
         {"TERM=dumb", 60, "services FAV1", "ZDF HD", "\x1b["},

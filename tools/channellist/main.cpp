@@ -5,7 +5,7 @@
 #include "database/time_limit.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace {
 

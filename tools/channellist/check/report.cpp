@@ -4,8 +4,9 @@
 #include <iostream>
 #include <map>
 
+#include "output/display_text.h"
 #include "output/json_text.h"
-#include "output/text_table.h"
+#include "output/terminal.h"
 
 namespace tool {
 namespace {

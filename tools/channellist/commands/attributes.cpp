@@ -65,10 +65,10 @@ int run(std::string const& database, Options const& options) {
                    {"order", order}});
         return kSuccess;
     }
-    TextTable table({{"List"},
+    TextTable table({{"List", Align::Left, kIsCut},
                      {"Attributes", Align::Right},
                      {"Hex", Align::Right},
-                     {"Bits"},
+                     {"Bits", Align::Left, kWraps},
                      {"Folder word", Align::Right},
                      {"Capability", Align::Right},
                      {"Order by"}});

@@ -9,8 +9,8 @@
 #include "database/session.h"
 #include "edit/operations.h"
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/json_text.h"
-#include "output/text_table.h"
 
 namespace tool {
 namespace {

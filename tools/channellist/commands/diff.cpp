@@ -27,8 +27,8 @@ void printServices(std::vector<ServiceChange> const& services) {
     TextTable table({{"Service", Align::Left, kIsCut},
                      {"Triplet", Align::Left, 1},
                      {"Change"},
-                     {"Before"},
-                     {"After"}});
+                     {"Before", Align::Left, kWraps},
+                     {"After", Align::Left, kWraps}});
     for (ServiceChange const& each : services)
         table.add({each.name, each.triplet, each.what, each.before, each.after});
     table.print(std::cout);
@@ -36,7 +36,7 @@ void printServices(std::vector<ServiceChange> const& services) {
 }
 
 void printCounts(DatabaseDifference const& difference) {
-    std::vector<Column> columns = {{"List"}};
+    std::vector<Column> columns = {{"List", Align::Left, kIsCut}};
     for (char const* word : kHappenings)
         columns.push_back({word, Align::Right});
     TextTable table(columns);
@@ -125,7 +125,8 @@ void addDiffCommand(CommandLine& line) {
         .footer(
             "A service is the same in both by its triplet, by uuid and name, or by a name that it\n"
             "alone has, whatever its key. The last line counts each service once: what came to\n"
-            "and went from all lists, or moved in any.\n"
+            "and went from all lists, or moved in any. On a terminal that is too narrow names are "
+            "cut and long texts go on below, then the columns Id and Triplet leave.\n\n"
             "Examples:\n"
             "  channellist diff before-the-scan.db\n"
             "  channellist diff old.db new.db --json | jq .total")

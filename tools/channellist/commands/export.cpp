@@ -14,7 +14,7 @@
 #include "edit/list_csv.h"
 #include "edit/list_text.h"
 #include "failure.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 

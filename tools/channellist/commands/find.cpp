@@ -38,8 +38,9 @@ std::vector<ServicePlaces> servicesWith(std::vector<std::string> const& words,
 }
 
 std::vector<Column> tableColumns() {
-    return {{"Name", Align::Left, kIsCut}, {"Kind", Align::Left, 2}, {"Delivery", Align::Left, 1},
-            {"Triplet", Align::Left, 3},   {"Id", Align::Right, 4},  {"Lists"}};
+    return {{"Name", Align::Left, kIsCut}, {"Kind", Align::Left, 2},
+            {"Delivery", Align::Left, 1},  {"Triplet", Align::Left, 3},
+            {"Id", Align::Right, 4},       {"Lists", Align::Left, kWraps}};
 }
 
 void print(std::vector<ServicePlaces> const& found) {

@@ -12,8 +12,8 @@
 #include "edit/favourites.h"
 #include "edit/request.h"
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/progress.h"
-#include "output/text_table.h"
 #include "undo/undo_store.h"
 
 namespace tool {

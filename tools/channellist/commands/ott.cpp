@@ -28,7 +28,7 @@ int run(bool json) {
         throw Failure("HOME is not set, and the OTT database lies there");
     if (!session.exists())
         throw Failure("there is no OTT database " + session.path());
-    TextTable table({{"List"}, {"Positions of OTT channels"}});
+    TextTable table({{"List"}, {"Positions of OTT channels", Align::Left, kWraps}});
     Json object;
     for (int index = 1; index <= 4; ++index) {
         std::string const name = "FAV" + std::to_string(index);

@@ -13,6 +13,7 @@
 #include "edit/request.h"
 #include "edit/text_services.h"
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "undo/undo_store.h"
@@ -35,7 +36,7 @@ std::string contentOf(KeptCopy const& copy) {
 }
 
 void printCopies(std::vector<KeptCopy> const& copies, bool json) {
-    TextTable table({{"No", Align::Right}, {"Time"}, {"Before"}, {"Content"}});
+    TextTable table({{"No", Align::Right}, {"Time"}, {"Before"}, {"Content", Align::Left, kWraps}});
     Json rows = Json::array();
     for (KeptCopy const& copy : copies) {
         table.add({std::to_string(copy.number), copy.time, copy.command, contentOf(copy)});

@@ -9,8 +9,8 @@
 
 #include "database/query.h"
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/folded_text.h"
-#include "output/text_table.h"
 
 namespace tool {
 namespace {

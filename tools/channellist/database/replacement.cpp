@@ -11,7 +11,7 @@
 #include "database/session.h"
 #include "database/waiting.h"
 #include "failure.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 #include "undo/undo_store.h"
 
 namespace tool {

@@ -14,7 +14,7 @@
 #include "database/time_limit.h"
 #include "database/waiting.h"
 #include "failure.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

@@ -82,7 +82,7 @@ void printDifferences(std::vector<Change> const& changes) {
         std::cout << "no entry of a list differs\n";
         return;
     }
-    TextTable table({{"List"},
+    TextTable table({{"List", Align::Left, kIsCut},
                      {"Change"},
                      {"Before", Align::Right},
                      {"After", Align::Right},

@@ -10,7 +10,7 @@
 #include <iterator>
 
 #include "failure.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

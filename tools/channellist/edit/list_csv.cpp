@@ -8,9 +8,9 @@
 #include <optional>
 #include <utility>
 
+#include "output/display_text.h"
 #include "output/folded_text.h"
 #include "output/json_text.h"
-#include "output/text_table.h"
 #include "services/service_words.h"
 
 namespace tool {

@@ -4,8 +4,8 @@
 #include <limits>
 #include <sstream>
 
+#include "output/display_text.h"
 #include "output/json_text.h"
-#include "output/text_table.h"
 
 namespace tool {
 namespace {

@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "failure.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 #include "services/ott_numbers.h"
 
 namespace tool {

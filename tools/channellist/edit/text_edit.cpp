@@ -12,7 +12,7 @@
 #include "edit/reserved_numbers.h"
 #include "edit/text_order.h"
 #include "failure.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "edit/text_services.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

@@ -1,6 +1,6 @@
 #include "edit/text_services.h"
 
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "message_filter.h"
 #include "message_writer.h"
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

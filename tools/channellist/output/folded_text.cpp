@@ -8,7 +8,7 @@
 #include <numeric>
 #include <vector>
 
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

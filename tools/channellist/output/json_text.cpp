@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <iostream>
 
-#include "output/text_table.h"
+#include "output/display_text.h"
 
 namespace tool {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <iostream>
 
+#include "output/display_text.h"
 #include "output/terminal.h"
-#include "output/text_table.h"
 
 namespace tool {
 namespace {

@@ -9,26 +9,14 @@
 
 namespace tool {
 
-// Columns a terminal needs for `text`: two for wide characters, none for combining ones.
-std::size_t displayWidth(std::string const& text);
-
-// `text`, or as much of it as fits that many columns, with an ellipsis behind it: it ends behind a
-// character with all that combines with it.
-std::string cutText(std::string const& text, std::size_t width);
-
-// `text` as a terminal can show it: control characters as "\x1b", bytes that are no UTF-8 as the
-// replacement character.
-std::string displayText(std::string const& text);
-
-// Of each line of `text`.
-std::string displayLines(std::string const& text);
-
 enum class Align { Left, Right };
 
 // What happens to a column on a terminal that is too narrow for the table: it stays; its texts are
-// cut, before anything else happens; or it leaves, of several first that of the lowest number.
+// cut, or go on below, first in the widest such column; or it leaves when that does not suffice, of
+// several first the one with the lowest number.
 constexpr int kStays = 0;
 constexpr int kIsCut = -1;
+constexpr int kWraps = -2;
 
 struct Column {
     std::string name;

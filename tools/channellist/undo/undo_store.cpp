@@ -14,8 +14,8 @@
 #include <iostream>
 
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/json_text.h"
-#include "output/text_table.h"
 
 namespace tool {
 namespace {
