@@ -35,19 +35,6 @@ bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
-// Bytes of the characters that fit into that many columns, with all that combines with the last.
-std::size_t bytesThatFit(std::string const& text, std::size_t width) {
-    std::size_t used = 0, fitting = 0;
-    bool isFull = false;
-    forEachCharacter(text, [&](char const*, std::size_t length, utf8proc_int32_t character) {
-        used += widthOf(character);
-        isFull = isFull || used > width;
-        if (!isFull)
-            fitting += length;
-    });
-    return fitting;
-}
-
 // Each part keeps what stands of the separator before its blank.
 std::vector<std::string> split(std::string const& text, std::string const& separator) {
     std::vector<std::string> parts;
@@ -60,7 +47,7 @@ std::vector<std::string> split(std::string const& text, std::string const& separ
     return parts;
 }
 
-void addPiece(std::vector<std::string>& lines, std::string piece, std::size_t width) {
+void addPiece(std::vector<std::string>& lines, std::string const& piece, std::size_t width) {
     std::string const longer = lines.back().empty() ? piece : lines.back() + " " + piece;
     if (displayWidth(longer) <= width) {
         lines.back() = longer;
@@ -68,15 +55,15 @@ void addPiece(std::vector<std::string>& lines, std::string piece, std::size_t wi
     }
     if (!lines.back().empty())
         lines.emplace_back();
-    while (displayWidth(piece) > width) {
-        std::size_t const fitting = bytesThatFit(piece, width);
-        if (fitting == 0)
-            break;
-        lines.back() = piece.substr(0, fitting);
-        lines.emplace_back();
-        piece.erase(0, fitting);
-    }
-    lines.back() = piece;
+    std::size_t used = 0;
+    forEachCharacter(piece, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
+        used += widthOf(character);
+        if (used > width && !lines.back().empty()) {
+            lines.emplace_back();
+            used = widthOf(character);
+        }
+        lines.back().append(bytes, length);
+    });
 }
 
 }  // namespace
@@ -92,7 +79,16 @@ std::size_t displayWidth(std::string const& text) {
 std::string cutText(std::string const& text, std::size_t width) {
     if (displayWidth(text) <= width)
         return text;
-    return text.substr(0, bytesThatFit(text, width - std::min<std::size_t>(width, 1))) + kEllipsis;
+    std::string shown;
+    std::size_t used = 1;  // of the ellipsis
+    bool isFull = false;
+    forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
+        used += widthOf(character);
+        isFull = isFull || used > width;
+        if (!isFull)
+            shown.append(bytes, length);
+    });
+    return shown + kEllipsis;
 }
 
 std::vector<std::string> wrapText(std::string const& text, std::size_t width) {
