@@ -21,14 +21,25 @@ std::size_t countOf(Tally const& tally, char const* word) {
     return found == tally.end() ? 0 : found->second.size();
 }
 
+std::vector<Column> serviceColumns() {
+    return {{"Service", Align::Left, kIsCut},
+            {"Triplet", Align::Left, 2},
+            {"Change"},
+            {"Before", Align::Left, kWraps},
+            {"After", Align::Left, kWraps}};
+}
+
+std::vector<Column> allColumns() {
+    std::vector<Column> columns = differenceColumns();
+    std::vector<Column> const services = serviceColumns();
+    columns.insert(columns.end(), services.begin(), services.end());
+    return columns;
+}
+
 void printServices(std::vector<ServiceChange> const& services) {
     if (services.empty())
         return;
-    TextTable table({{"Service", Align::Left, kIsCut},
-                     {"Triplet", Align::Left, 1},
-                     {"Change"},
-                     {"Before", Align::Left, kWraps},
-                     {"After", Align::Left, kWraps}});
+    TextTable table(serviceColumns());
     for (ServiceChange const& each : services)
         table.add({each.name, each.triplet, each.what, each.before, each.after});
     table.print(std::cout);
@@ -125,8 +136,8 @@ void addDiffCommand(CommandLine& line) {
         .footer(
             "A service is the same in both by its triplet, by uuid and name, or by a name that it\n"
             "alone has, whatever its key. The last line counts each service once: what came to\n"
-            "and went from all lists, or moved in any. On a terminal that is too narrow names are "
-            "cut and long texts go on below, then the columns Id and Triplet leave.\n\n"
+            "and went from all lists, or moved in any. " +
+            narrowHelp(allColumns()) +
             "Examples:\n"
             "  channellist diff before-the-scan.db\n"
             "  channellist diff old.db new.db --json | jq .total")

@@ -173,8 +173,8 @@ void addEditCommand(CommandLine& line) {
             "in those of them that hold a service that is hidden or restored.\n"
             "--from takes a text as \"channellist list\" prints it, edited: its comments explain\n"
             "how; or a table as \"export --format csv\" does. Everything wrong in it is told at "
-            "once, and nothing is written then. On a terminal that is too narrow for the table of "
-            "changes names are cut, then its column Id leaves.\n\n"
+            "once, and nothing is written then.\n" +
+            narrowHelp(differenceColumns()) +
             "Examples:\n"
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"

@@ -169,7 +169,8 @@ void addImportCommand(CommandLine& line) {
             "kind\n"
             "where one alone fits. Numbers come from \":@N\" lines; what the list holds already "
             "stays\n"
-            "as it is. What \"channellist export\" prints is taken back whole.\n\n"
+            "as it is. What \"channellist export\" prints is taken back whole.\n" +
+            narrowHelp(differenceColumns()) +
             "Examples:\n"
             "  channellist import channels.conf servicelist.db\n"
             "  channellist import --favourites favourites.conf servicelist.db --dry-run\n"

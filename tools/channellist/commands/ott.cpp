@@ -6,10 +6,10 @@
 #include "commands/commands.h"
 #include "database/session.h"
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "services/ott_numbers.h"
-#include "services/service_words.h"
 
 namespace tool {
 namespace {

@@ -7,6 +7,7 @@
 #include "database/list_naming.h"
 #include "database/session.h"
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/json_text.h"
 #include "output/text_table.h"
 #include "services/service_filter.h"

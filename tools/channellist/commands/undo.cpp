@@ -210,7 +210,8 @@ void addUndoCommand(CommandLine& line) {
             "and \"restore\" the whole database: the last ten copies, in "
             "$XDG_STATE_HOME/channellist\n"
             "or ~/.local/state/channellist. \"undo\" keeps what it takes back in the same way, so\n"
-            "that a second one takes back the first.\n\n"
+            "that a second one takes back the first.\n" +
+            narrowHelp(differenceColumns()) +
             "Examples:\n"
             "  channellist undo\n"
             "  channellist undo --list")

@@ -3,8 +3,8 @@
 #include <iostream>
 #include <utility>
 
+#include "output/display_text.h"
 #include "output/text_table.h"
-#include "services/service_words.h"
 
 namespace tool {
 namespace {
@@ -77,17 +77,18 @@ std::vector<Change> differences(Snapshot const& before, Snapshot const& after) {
     return changes;
 }
 
+std::vector<Column> differenceColumns() {
+    return {{"List", Align::Left, kIsCut}, {"Change"},
+            {"Before", Align::Right},      {"After", Align::Right},
+            {"Name", Align::Left, kIsCut}, {"Id", Align::Right, 1}};
+}
+
 void printDifferences(std::vector<Change> const& changes) {
     if (changes.empty()) {
         std::cout << "no entry of a list differs\n";
         return;
     }
-    TextTable table({{"List", Align::Left, kIsCut},
-                     {"Change"},
-                     {"Before", Align::Right},
-                     {"After", Align::Right},
-                     {"Name", Align::Left, kIsCut},
-                     {"Id", Align::Right, 1}});
+    TextTable table(differenceColumns());
     for (Change const& change : changes) {
         Style const look = change.before == change.after ? Style::Plain : Style::Bold;
         table.add({change.listName,

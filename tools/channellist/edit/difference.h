@@ -8,6 +8,7 @@
 #include "database/list_naming.h"
 #include "edit/list_content.h"
 #include "output/json_text.h"
+#include "output/text_table.h"
 
 namespace tool {
 
@@ -32,6 +33,9 @@ struct Change {
 };
 
 std::vector<Change> differences(Snapshot const& before, Snapshot const& after);
+
+// Of the table that printDifferences prints, for the help of a command that calls it.
+std::vector<Column> differenceColumns();
 void printDifferences(std::vector<Change> const& changes);
 Json differencesJson(std::vector<Change> const& changes);
 

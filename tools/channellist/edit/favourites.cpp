@@ -11,7 +11,6 @@
 #include "edit/reserved_numbers.h"
 #include "edit/text_services.h"
 #include "failure.h"
-#include "services/service_words.h"
 
 namespace tool {
 namespace {

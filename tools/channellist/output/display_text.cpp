@@ -129,4 +129,11 @@ std::string displayLines(std::string const& text) {
     return shown;
 }
 
+std::string joined(std::vector<std::string> const& words, char const* separator) {
+    std::string text;
+    for (std::string const& word : words)
+        text += (text.empty() ? "" : separator) + word;
+    return text;
+}
+
 }  // namespace tool

@@ -24,4 +24,7 @@ std::string displayText(std::string const& text);
 // Of each line of `text`.
 std::string displayLines(std::string const& text);
 
+// The words as one text.
+std::string joined(std::vector<std::string> const& words, char const* separator = ", ");
+
 }  // namespace tool

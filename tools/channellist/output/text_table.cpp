@@ -49,12 +49,11 @@ std::vector<std::size_t> fitted(std::vector<Column> const& columns, std::vector<
         for (std::size_t i = 0; i < columns.size() && leastTotal(columns, widths) > width; ++i)
             if (columns[i].leaves == next)
                 widths[i] = 0;
-    std::size_t const flexible = widestFlexible(columns, widths);
-    while (flexible < columns.size() && total(widths) > width) {
-        std::size_t& widest = widths[widestFlexible(columns, widths)];
-        if (widest <= 1)
+    while (total(widths) > width) {
+        std::size_t const widest = widestFlexible(columns, widths);
+        if (widest == columns.size() || widths[widest] == 1)
             break;
-        --widest;
+        --widths[widest];
     }
     return widths;
 }
@@ -106,20 +105,20 @@ void printRow(std::ostream& out, std::vector<Cell> const& cells, std::vector<Col
 
 std::string narrowHelp(std::vector<Column> const& columns) {
     std::vector<Column> leaving;
-    std::string giving;
+    std::vector<std::string> cut, wrapping;
     for (Column const& column : columns)
         if (column.leaves > kStays)
             leaving.push_back(column);
         else if (isFlexible(column))
-            giving += (giving.empty() ? "" : " and ") + column.name +
-                      (column.leaves == kIsCut ? " is cut" : " goes on below");
+            (column.leaves == kIsCut ? cut : wrapping).push_back(column.name);
     std::sort(leaving.begin(), leaving.end(),
               [](Column const& a, Column const& b) { return a.leaves < b.leaves; });
-    std::string names;
+    std::vector<std::string> names;
     for (Column const& column : leaving)
-        names.append(names.empty() ? "" : ", ").append(column.name);
-    return "On a terminal that is too narrow " + giving + ", then these columns leave: " + names +
-           ". --wide shows them whole.\n\n";
+        names.push_back(column.name);
+    return "On a terminal that is too narrow texts are cut (" + joined(cut) + ")" +
+           (wrapping.empty() ? "" : " and go on below (" + joined(wrapping) + ")") +
+           ", then these columns leave: " + joined(names) + ". --wide shows them whole.\n\n";
 }
 
 TextTable::TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {

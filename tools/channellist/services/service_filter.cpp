@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "output/display_text.h"
 #include "output/folded_text.h"
 #include "output/json_text.h"
 #include "services/service_words.h"

@@ -75,11 +75,4 @@ std::vector<std::string> favouritesOf(ResultRow const& service) {
     return names;
 }
 
-std::string joined(std::vector<std::string> const& words, char const* separator) {
-    std::string text;
-    for (std::string const& word : words)
-        text += (text.empty() ? "" : separator) + word;
-    return text;
-}
-
 }  // namespace tool

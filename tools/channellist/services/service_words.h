@@ -30,6 +30,4 @@ std::vector<std::string> statesOf(ResultRow const& service);
 // The FAV lists that the service says it is in, "FAV1" to "FAV4".
 std::vector<std::string> favouritesOf(ResultRow const& service);
 
-std::string joined(std::vector<std::string> const& words, char const* separator = ", ");
-
 }  // namespace tool
