@@ -4,8 +4,8 @@
 #include "commands/commands.h"
 #include "database/time_limit.h"
 #include "failure.h"
-#include "library_messages/library_messages.h"
-#include "output/display_text.h"
+#include "output/terminal_listener.h"
+#include "text/display_text.h"
 
 namespace {
 
@@ -25,6 +25,7 @@ int runTool(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    tool::TerminalListener const listener;
     int code;
     try {
         code = runTool(argc, argv);

@@ -10,8 +10,8 @@
 #include "database/session.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
-#include "output/display_text.h"
 #include "output/terminal.h"
+#include "text/display_text.h"
 
 namespace tool {
 namespace {

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "tool.h"
+
 namespace CLI {
 class App;
 }

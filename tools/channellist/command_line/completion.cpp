@@ -9,6 +9,7 @@
 #include "database/list_naming.h"
 #include "database/session.h"
 #include "services/service_reader.h"
+#include "tool.h"
 
 namespace tool {
 namespace {

@@ -6,8 +6,9 @@
 #include "commands/commands.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/display_text.h"
-#include "output/json_text.h"
+#include "output/print_rows.h"
+#include "text/display_text.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

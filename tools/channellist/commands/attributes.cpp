@@ -8,10 +8,11 @@
 #include "database/list_naming.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/display_text.h"
-#include "output/json_text.h"
+#include "output/print_rows.h"
 #include "output/text_table.h"
 #include "services/service_reader.h"
+#include "text/display_text.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

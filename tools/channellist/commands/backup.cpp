@@ -8,7 +8,7 @@
 #include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/display_text.h"
+#include "text/display_text.h"
 
 namespace tool {
 namespace {

@@ -7,10 +7,11 @@
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "database/session.h"
-#include "edit/operations.h"
 #include "failure.h"
-#include "output/display_text.h"
-#include "output/json_text.h"
+#include "lists/operations.h"
+#include "output/print_rows.h"
+#include "text/display_text.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

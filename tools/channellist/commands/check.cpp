@@ -3,12 +3,12 @@
 #include <iostream>
 
 #include "check/finding.h"
-#include "check/report.h"
 #include "commands/commands.h"
 #include "database/session.h"
 #include "database/time_limit.h"
 #include "failure.h"
-#include "output/json_text.h"
+#include "output/findings.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

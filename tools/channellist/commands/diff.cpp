@@ -5,8 +5,10 @@
 #include "compare/database_difference.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/json_text.h"
+#include "output/differences.h"
+#include "output/print_rows.h"
 #include "output/text_table.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

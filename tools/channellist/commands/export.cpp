@@ -10,18 +10,19 @@
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "database/session.h"
-#include "edit/list_content.h"
-#include "edit/list_csv.h"
-#include "edit/list_text.h"
 #include "failure.h"
-#include "output/display_text.h"
+#include "lists/list_content.h"
+#include "lists/list_csv.h"
+#include "lists/list_text.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
+#include "text/display_text.h"
 
 namespace tool {
 namespace {
 
 using namespace channel_database;
+using channel_lists::List;
 
 constexpr char const* kUri = "SELECT Uri FROM UriView WHERE Pid = ?";
 

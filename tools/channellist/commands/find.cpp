@@ -7,12 +7,13 @@
 #include "commands/commands.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/display_text.h"
-#include "output/folded_text.h"
-#include "output/json_text.h"
+#include "output/print_rows.h"
 #include "output/text_table.h"
 #include "services/database_content.h"
 #include "services/service_words.h"
+#include "text/display_text.h"
+#include "text/folded_text.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

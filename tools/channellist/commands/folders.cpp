@@ -10,9 +10,10 @@
 #include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/json_text.h"
+#include "output/print_rows.h"
 #include "output/text_table.h"
 #include "services/service_reader.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

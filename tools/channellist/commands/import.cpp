@@ -8,18 +8,20 @@
 #include "commands/commands.h"
 #include "database/session.h"
 #include "database/waiting.h"
-#include "edit/difference.h"
-#include "edit/favourites.h"
 #include "edit/request.h"
 #include "failure.h"
-#include "output/display_text.h"
+#include "lists/difference.h"
+#include "lists/favourites.h"
+#include "output/differences.h"
 #include "output/progress.h"
+#include "text/display_text.h"
 #include "undo/undo_store.h"
 
 namespace tool {
 namespace {
 
 using namespace channel_database;
+using channel_lists::List;
 
 struct Options {
     std::string list;

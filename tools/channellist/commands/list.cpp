@@ -4,8 +4,8 @@
 #include "commands/commands.h"
 #include "database/list_naming.h"
 #include "database/session.h"
-#include "edit/list_text.h"
 #include "failure.h"
+#include "lists/list_text.h"
 
 namespace tool {
 namespace {

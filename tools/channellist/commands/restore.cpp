@@ -2,8 +2,9 @@
 #include <memory>
 
 #include "commands/commands.h"
-#include "database/replacement.h"
 #include "failure.h"
+#include "output/replacement.h"
+#include "undo/replacement.h"
 
 namespace tool {
 namespace {
@@ -15,7 +16,9 @@ struct Options {
 };
 
 int run(std::string const& database, Options const& options) {
-    bringBack(options.file, database, {options.dryRun, options.noUndo ? "" : "restore"});
+    std::string const changes =
+        bringBack(options.file, database, {options.dryRun, options.noUndo ? "" : "restore"});
+    printReplacement(options.file, database, changes, options.dryRun);
     return kSuccess;
 }
 

@@ -6,7 +6,8 @@
 #include "commands/commands.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/json_text.h"
+#include "output/print_rows.h"
+#include "text/json_text.h"
 
 namespace tool {
 namespace {

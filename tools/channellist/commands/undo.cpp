@@ -7,15 +7,18 @@
 #include <memory>
 
 #include "commands/commands.h"
-#include "database/replacement.h"
 #include "database/session.h"
-#include "edit/difference.h"
 #include "edit/request.h"
-#include "edit/text_services.h"
 #include "failure.h"
-#include "output/display_text.h"
-#include "output/json_text.h"
+#include "lists/difference.h"
+#include "lists/text_services.h"
+#include "output/differences.h"
+#include "output/print_rows.h"
+#include "output/replacement.h"
 #include "output/text_table.h"
+#include "text/display_text.h"
+#include "text/json_text.h"
+#include "undo/replacement.h"
 #include "undo/undo_store.h"
 
 namespace tool {
@@ -187,7 +190,10 @@ int run(std::string const& database, Options const& options) {
     std::cout << "Taking back \"" << displayText(copy.command) << "\" of " << displayText(copy.time)
               << "\n";
     if (!copy.file.empty())
-        bringBack(copy.file, database, {options.dryRun, "undo " + std::to_string(copy.number)});
+        printReplacement(
+            copy.file, database,
+            bringBack(copy.file, database, {options.dryRun, "undo " + std::to_string(copy.number)}),
+            options.dryRun);
     else
         bringBackLists(database, copy, options);
     return kSuccess;

@@ -4,8 +4,9 @@
 
 #include <iostream>
 
-#include "output/display_text.h"
 #include "output/terminal.h"
+#include "text/display_text.h"
+#include "tool.h"
 
 namespace tool {
 namespace {

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "failure.h"
+#include "tool.h"
 
 namespace tool {
 namespace {

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
-#include "output/display_text.h"
+#include "text/display_text.h"
+#include "tool.h"
 
 namespace tool {
 namespace {

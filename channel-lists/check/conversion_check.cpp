@@ -1,0 +1,215 @@
+// Asks the library to convert every row that it would deliver, and names the values that do not.
+#include <channellist-access/db_access.h>
+
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+#include <map>
+
+#include "check/finding.h"
+#include "database/list_naming.h"
+#include "database/query.h"
+
+namespace channel_lists {
+namespace {
+
+enum class Owner { Service, Item, Derived };
+
+struct RawColumn {
+    char const* name;    // in FavoriteItemView
+    Owner owner;         // whose column it is
+    char const* stored;  // its name there
+};
+
+// The columns of a raw service row, in their order.
+constexpr RawColumn kColumns[] = {
+    {"Pid", Owner::Service, "Pid"},
+    {"ChannelNum", Owner::Item, "ChannelNum"},
+    {"InternalName", Owner::Derived, ""},
+    {"ExternalName", Owner::Derived, ""},
+    {"FIVisible", Owner::Item, "Visible"},
+    {"FISelectable", Owner::Item, "Selectable"},
+    {"NetworkId", Owner::Derived, ""},
+    {"Uuid", Owner::Service, "Uuid"},
+    {"Uri", Owner::Derived, ""},
+    {"Encrypted", Owner::Service, "Encrypted"},
+    {"MediaType", Owner::Service, "MediaType"},
+    {"ParentalLock", Owner::Service, "ParentalLock"},
+    {"SVisible", Owner::Service, "Visible"},
+    {"SSelectable", Owner::Service, "Selectable"},
+    {"EpgService", Owner::Service, "EpgService"},
+    {"EngineAutoStart", Owner::Service, "EngineAutoStart"},
+    {"VolumeCorrection", Owner::Service, "VolumeCorrection"},
+    {"SoundSelection", Owner::Service, "SoundSelection"},
+    {"GamingMode", Owner::Service, "GamingMode"},
+    {"Hdtv", Owner::Service, "Hdtv"},
+    {"TtxPreviewPage", Owner::Service, "TtxPreviewPage (AnalogService or DvbService)"},
+    {"TtxSubtitlePage", Owner::Service, "TtxSubtitlePage (AnalogService or DvbService)"},
+    {"TtxCharEnc", Owner::Service, "TtxCharEnc (AnalogService or DvbService)"},
+    {"Protected", Owner::Service, "Protected"},
+    {"TunerUuid", Owner::Derived, ""},
+    {"isDeleted", Owner::Item, "isDeleted"},
+    {"FavTag", Owner::Service, "FavTag"},
+    {"FavTag2", Owner::Service, "FavTag2"},
+    {"FavTag3", Owner::Service, "FavTag3"},
+    {"FavTag4", Owner::Service, "FavTag4"},
+    {"HbbTvEnable", Owner::Service, "HbbtvEnable"},
+    {"Type", Owner::Service, "Type"},
+    {"Lcn", Owner::Derived, ""},
+    {"NITId", Owner::Derived, ""},
+};
+constexpr std::size_t kPid = 0, kChannelNum = 1, kInternalName = 2, kExternalName = 3, kUuid = 7,
+                      kType = 31;
+
+bool converts(ResultRow const& row) {
+    try {
+        dbaccess::fetchServiceItem(row);
+        return true;
+    } catch (boost::bad_lexical_cast const&) {
+        return false;
+    }
+}
+
+// Whether the column alone does not convert. The names that make it an input stay, because an
+// input needs fewer columns.
+bool isFoul(ResultRow const& row, std::size_t column) {
+    ResultRow probe(row.size(), "0");
+    for (std::size_t const kept : {kInternalName, kUuid, column})
+        probe[kept] = row[kept];
+    return !converts(probe);
+}
+
+std::string itemIds(List const& list, std::string const& servicePid) {
+    Query ids(db,
+              "SELECT group_concat(Id, ', ') FROM (SELECT Id FROM FavoriteItem"
+              " WHERE FavoriteId = ? AND ServiceId = CAST(? AS INTEGER) LIMIT 5)");
+    ids.bind(std::int64_t{list.pid}).bind(servicePid).next();
+    return ids.text(0);
+}
+
+// A service stands in many lists: one finding names them all.
+class ServiceFindings {
+  public:
+    void add(Finding const& finding, List const& list, ResultRow const& row) {
+        auto const [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
+        if (isNew)
+            findings_.push_back(finding);
+        constexpr int kMostLists = 5;
+        int const lists = ++lists_[known->second];
+        if (lists <= kMostLists)
+            findings_[known->second].viewer +=
+                (isNew ? " " : ", ") + displayName(list) + " (number " + row[kChannelNum] + ")";
+        else if (lists == kMostLists + 1)
+            findings_[known->second].viewer += " and others";
+    }
+    Findings const& findings() const { return findings_; }
+
+  private:
+    Findings findings_;
+    std::map<std::string, std::size_t> known_;
+    std::map<std::size_t, int> lists_;
+};
+
+std::string quotedValue(Query const& rows, std::size_t column) {
+    int const index = static_cast<int>(column);
+    return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
+}
+
+// The owner's statement; a teletext column stands in the table of the service's kind.
+std::string mending(RawColumn const& column, List const& list, ResultRow const& row) {
+    std::string const stored = column.stored;
+    std::string const set = " SET " + stored.substr(0, stored.find(' ')) + " = 0 WHERE ";
+    if (column.owner == Owner::Item) {
+        return "UPDATE FavoriteItem" + set + "FavoriteId = " + std::to_string(list.pid) +
+               " AND ServiceId = " + row[kPid];
+    }
+    if (stored.find(' ') == std::string::npos)
+        return "UPDATE Service" + set + "Pid = " + row[kPid];
+    return std::string("UPDATE ") + (row[kType] == "1" ? "AnalogService" : "DvbService") + set +
+           "ServiceId = " + row[kPid];
+}
+
+void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
+                     ServiceFindings& findings) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        RawColumn const& column = kColumns[i];
+        if (column.owner == Owner::Derived || !isFoul(row, i))
+            continue;
+        std::string const name = column.owner == Owner::Item
+                                     ? "FavoriteItem " + itemIds(list, row[kPid])
+                                     : "Service " + row[kPid];
+        findings.add({"unreadable-number", Severity::Seen, name,
+                      std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
+                      "the set takes it as 0 for " + row[kExternalName] + ", in",
+                      mending(column, list, row)},
+                     list, row);
+    }
+}
+
+void checkLocator(List const& list, ResultRow const& row, ServiceFindings& findings) {
+    bool const unknownType = sv.locator == "about:blank";
+    if (sv.locator.empty() || unknownType) {
+        findings.add(
+            {"no-locator", Severity::Tuning, "Service " + row[kPid],
+             unknownType ? "Type " + row[kType] + " is no kind of delivery"
+                         : "the tuning URI is null: a tuner or delivery row is missing, or"
+                           " holds NULL",
+             row[kExternalName] + " is shown, but cannot be tuned, in", "scan the service anew"},
+            list, row);
+    }
+}
+
+std::string serviceQuery() {
+    std::string sql = "SELECT ";
+    for (RawColumn const& column : kColumns)
+        sql += (&column == kColumns ? "" : ",") + std::string(column.name);
+    return sql + " FROM FavoriteItemView WHERE FavoriteId = ? ORDER BY ChannelNum";
+}
+
+void checkServiceRows(Findings& findings) {
+    dbaccess::initViews(db);
+    Query rows(db, serviceQuery());
+    ServiceFindings found;
+    for (List const& list : allLists()) {
+        rows.reset();
+        rows.bind(std::int64_t{list.pid});
+        while (rows.next()) {
+            ResultRow row;
+            for (int i = 0; i < rows.columns(); ++i)
+                row.push_back(rows.text(i));
+            if (converts(row))
+                checkLocator(list, row, found);
+            else
+                nameFoulColumns(list, rows, row, found);
+        }
+    }
+    findings.insert(findings.end(), found.findings().begin(), found.findings().end());
+}
+
+void checkFolders(Findings& findings) {
+    Query rows(db,
+               "SELECT Pid, Uuid, Name, Creator, Attributes, NetworkId, UpdateTag"
+               " FROM FavoriteList");
+    while (rows.next()) {
+        ResultRow row;
+        for (int i = 0; i < rows.columns(); ++i)
+            row.push_back(rows.text(i));
+        ResultSet converted;
+        try {
+            dbaccess::computeFolder(rows.columns(), row, &converted);
+        } catch (boost::bad_lexical_cast const&) {
+            findings.push_back({"unreadable-number", Severity::Seen, "FavoriteList " + row[0],
+                                "Attributes is " + quotedValue(rows, 4) + ", no number",
+                                "the set's overview of lists lacks " + row[2],
+                                "UPDATE FavoriteList SET Attributes = 0 WHERE Pid = " + row[0]});
+        }
+    }
+}
+
+}  // namespace
+
+void checkConversion(Findings& findings) {
+    for (auto const check : {checkFolders, checkServiceRows})
+        examine(
+            "unreadable-number", findings, [&] { check(findings); });
+}
+
+}  // namespace channel_lists

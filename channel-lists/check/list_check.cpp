@@ -1,0 +1,230 @@
+// Lists and their entries.
+#include "check/rule.h"
+#include "database/list_naming.h"
+
+namespace channel_lists {
+namespace {
+
+// clang-format off
+constexpr Rule kRules[] = {
+    {"fav-lists", Severity::Edits,
+     "SELECT 'FavoriteList', count(*) || ' lists are FAV lists, not four'"
+     ", 'no list can be edited: every edit is refused'"
+     ", 'make lists with the creators User.tvFAV1 to User.tvFAV4, in this order, and no other'"
+     " FROM FavoriteList WHERE Creator LIKE 'User.tvFAV%' HAVING count(*) <> 4"},
+
+    {"fav-order", Severity::Edits,
+     "SELECT 'FavoriteList ' || group_concat(Pid, ', ')"
+     ", 'the keys and creators of the FAV lists do not ascend together'"
+     ", 'edits take one FAV list for another, and mark its services as those of the other'"
+     ", 'make the four lists anew, in the order FAV1 to FAV4'"
+     " FROM (SELECT Pid FROM FavoriteList l WHERE Creator LIKE 'User.tvFAV%' AND EXISTS"
+     " (SELECT 1 FROM FavoriteList m WHERE m.Creator LIKE 'User.tvFAV%' AND m.Pid < l.Pid"
+     " AND m.Creator > l.Creator COLLATE NOCASE) ORDER BY Pid) HAVING count(*) > 0"},
+
+    {"all-list", Severity::Seen,
+     "SELECT 'FavoriteList' || ifnull(' ' || group_concat(Pid, ', '), ''), count(*) || ' lists are the All list, not one'"
+     ", 'the list of all services is missing, or not certain'"
+     ", 'keep one list with the creator tamun.sl2.servicelist$all'"
+     " FROM FavoriteList WHERE Creator = 'tamun.sl2.servicelist$all' HAVING count(*) <> 1"},
+
+    {"creator", Severity::Seen,
+     "SELECT 'FavoriteList ' || Pid, 'Creator is NULL'"
+     ", 'the set''s overview of lists lacks ' || ifnull(Name, 'it')"
+     ", 'DELETE FROM FavoriteList WHERE Pid = ' || Pid || ', or give it its creator'"
+     " FROM FavoriteList WHERE Creator IS NULL"},
+
+    {"list-uuid", Severity::Edits,
+     "SELECT 'FavoriteList ' || Pid, 'the list ' || quote(Name) || ' has no uuid'"
+     ", 'the list opens empty, and cannot be edited'"
+     ", 'UPDATE FavoriteList SET Uuid = ... WHERE Pid = ' || Pid"
+     " FROM FavoriteList WHERE ifnull(Uuid, '') = ''"},
+
+    {"list-uuid", Severity::Edits,
+     "SELECT 'FavoriteList ' || group_concat(Pid, ', '), 'the lists share the uuid ' || quote(Uuid)"
+     ", 'all of them show the services of the first, and edits change the last'"
+     ", 'UPDATE FavoriteList SET Uuid = ... WHERE Pid = ' || max(Pid)"
+     " FROM FavoriteList WHERE Uuid <> '' GROUP BY Uuid HAVING count(*) > 1"},
+
+    {"key", Severity::Edits,
+     "SELECT Kind || ' ' || Key, 'its key is not 1 to 2147483647'"
+     ", 'requests and edits take it for another row, or for none'"
+     ", 'give the row another key, also where others name it'"
+     " FROM (SELECT 'Service' AS Kind, Pid AS Key FROM Service UNION ALL SELECT 'FavoriteList', Pid"
+     " FROM FavoriteList UNION ALL SELECT 'FavoriteItem', Id FROM FavoriteItem)"
+     " WHERE typeof(Key) <> 'integer' OR Key NOT BETWEEN 1 AND 2147483647"},
+
+    {"list-name", Severity::Seen,
+     "SELECT 'FavoriteList ' || Pid, 'Name ' || why_foul_text(Name)"
+     ", 'the list is shown without a name, or with signs that are none'"
+     ", 'UPDATE FavoriteList SET Name = ... WHERE Pid = ' || Pid"
+     " FROM FavoriteList WHERE why_foul_text(Name) IS NOT NULL"},
+
+    {"same-name", Severity::Odd,
+     "SELECT 'FavoriteList ' || group_concat(Pid, ', '), 'the lists are called ' || quote(Name)"
+     ", 'a viewer cannot tell them apart'"
+     ", 'UPDATE FavoriteList SET Name = ... WHERE Pid = ' || max(Pid)"
+     " FROM FavoriteList WHERE Name <> '' GROUP BY Name, substr(Creator, 1, 8) HAVING count(*) > 1"},
+
+    {"update-tag", Severity::Seen,
+     "SELECT 'FavoriteList ' || Pid, 'UpdateTag is ' || quote(UpdateTag) || ', not 0 to 65535'"
+     ", 'an edit of ' || ifnull(Name, Uuid) || ' may not show until the set is switched off and on'"
+     ", 'UPDATE FavoriteList SET UpdateTag = 0 WHERE Pid = ' || Pid"
+     " FROM FavoriteList"
+     " WHERE typeof(UpdateTag) <> 'integer' OR UpdateTag NOT BETWEEN 0 AND 65535"},
+
+    {"network", Severity::Odd,
+     "SELECT 'FavoriteList ' || Pid, 'NetworkId is NULL'"
+     ", 'the services of ' || ifnull(Name, Uuid) || ' are shown without a network'"
+     ", 'UPDATE FavoriteList SET NetworkId = -1 WHERE Pid = ' || Pid"
+     " FROM FavoriteList WHERE NetworkId IS NULL"},
+
+    {"highest-number", Severity::Odd,
+     "SELECT 'FavoriteList ' || l.Pid, 'MaxChannelNumber is ' || quote(MaxChannelNumber)"
+     " || ', and the highest number ' || n.Highest"
+     ", 'a client that trusts it puts a new entry on a number that is taken, or leaves a gap'"
+     ", 'UPDATE FavoriteList SET MaxChannelNumber = ' || n.Highest || ' WHERE Pid = ' || l.Pid"
+     " FROM FavoriteList l JOIN (SELECT FavoriteId, max(ChannelNum) AS Highest FROM FavoriteItem"
+     " WHERE isDeleted = 0 AND typeof(ChannelNum) = 'integer' GROUP BY FavoriteId) n"
+     " ON n.FavoriteId = l.Pid WHERE Creator LIKE 'User.tvFAV%' AND MaxChannelNumber <> 0"
+     " AND MaxChannelNumber <> Highest"},
+
+    {"highest-number", Severity::Odd,
+     "SELECT 'FavoriteList ' || Pid, 'MaxChannelNumber is ' || quote(MaxChannelNumber) || ', no number'"
+     ", 'a client that trusts it finds no place for a new entry'"
+     ", 'UPDATE FavoriteList SET MaxChannelNumber = 0 WHERE Pid = ' || Pid"
+     " FROM FavoriteList WHERE typeof(MaxChannelNumber) <> 'integer' AND MaxChannelNumber NOT NULL"
+     " OR MaxChannelNumber NOT BETWEEN 0 AND 2147483647"},
+
+    {"dangling-item", Severity::Seen,
+     "SELECT 'FavoriteItem ' || group_concat(Id, ', '), 'names service ' || quote(i.ServiceId)"
+     " || ', which does not exist'"
+     ", ifnull(l.Name, 'a list') || ' lacks number ' || ifnull(min(ChannelNum), 'NULL')"
+     " || CASE WHEN i.ServiceId IS NULL THEN '; edits of a FAV list pass the entry over' ELSE '' END"
+     ", 'DELETE FROM FavoriteItem WHERE ServiceId IS ' || quote(i.ServiceId)"
+     " FROM FavoriteItem i LEFT JOIN Service s ON s.Pid = i.ServiceId"
+     " LEFT JOIN FavoriteList l ON l.Pid = i.FavoriteId"
+     " WHERE s.Pid IS NULL GROUP BY i.FavoriteId, i.ServiceId ORDER BY min(Id)"},
+
+    {"dangling-item", Severity::Odd,
+     "SELECT 'FavoriteItem ' || group_concat(Id, ', '), 'belongs to list ' || quote(FavoriteId)"
+     " || ', which does not exist'"
+     ", 'no list shows the entry'"
+     ", 'DELETE FROM FavoriteItem WHERE FavoriteId IS ' || quote(FavoriteId)"
+     " FROM FavoriteItem LEFT JOIN FavoriteList l ON l.Pid = FavoriteId"
+     " WHERE l.Pid IS NULL GROUP BY FavoriteId"},
+
+    {"dangling-item", Severity::Odd,
+     "SELECT 'FavoriteItem ' || group_concat(Id, ', ')"
+     ", 'comes from list ' || quote(OriginalFavoriteId) || ', which does not exist'"
+     ", 'the entry is shown without a network'"
+     ", 'UPDATE FavoriteItem SET OriginalFavoriteId = FavoriteId WHERE OriginalFavoriteId IS '"
+     " || quote(OriginalFavoriteId)"
+     " FROM FavoriteItem LEFT JOIN FavoriteList l ON l.Pid = OriginalFavoriteId"
+     " WHERE l.Pid IS NULL AND FavoriteId IN (SELECT Pid FROM FavoriteList)"
+     " GROUP BY OriginalFavoriteId"},
+
+    {"channel-number", Severity::Edits,
+     "SELECT 'FavoriteItem ' || Id, 'ChannelNum is ' || quote(ChannelNum) || ', no number of 32 bits'"
+     ", 'the entry stands in the wrong place of its list, without a number, and edits of the list are"
+     " refused'"
+     ", 'UPDATE FavoriteItem SET ChannelNum = ... WHERE Id = ' || Id"
+     " FROM FavoriteItem WHERE typeof(ChannelNum) <> 'integer'"
+     " OR ChannelNum NOT BETWEEN -2147483648 AND 2147483647 ORDER BY Id"},
+
+    {"channel-number", Severity::Seen,
+     "SELECT 'FavoriteItem ' || Id, 'ChannelNum is ' || ChannelNum || ', and numbers begin with 1'"
+     ", 'no number keys reach the entry'"
+     ", 'UPDATE FavoriteItem SET ChannelNum = ... WHERE Id = ' || Id"
+     " FROM FavoriteItem WHERE typeof(ChannelNum) = 'integer' AND isDeleted = 0"
+     " AND ChannelNum BETWEEN -2147483648 AND 0 ORDER BY Id"},
+
+    {"duplicate-number", Severity::Seen,
+     "SELECT 'FavoriteItem ' || group_concat(i.Id, ', ')"
+     ", 'share number ' || ChannelNum || ' of ' || ifnull(l.Name, l.Uuid)"
+     ", 'the number keys reach one of them only, and which one is not certain'"
+     ", 'channellist edit ' || quote(l.Uuid) || ' move id:' || max(i.ServiceId) || ' to NUMBER'"
+     " FROM FavoriteItem i JOIN FavoriteList l ON l.Pid = i.FavoriteId"
+     " JOIN Service s ON s.Pid = i.ServiceId"
+     " WHERE isDeleted = 0 AND typeof(ChannelNum) = 'integer'"
+     " GROUP BY FavoriteId, ChannelNum HAVING count(*) > 1"},
+
+    {"repeated-service", Severity::Seen,
+     "SELECT 'FavoriteItem ' || group_concat(i.Id, ', ')"
+     ", 'name service ' || i.ServiceId || ' again in ' || ifnull(l.Name, l.Uuid)"
+     ", 'the service is shown more than once; an edit gives all of them one number'"
+     ", 'DELETE FROM FavoriteItem WHERE Id = ' || max(i.Id)"
+     " FROM FavoriteItem i JOIN FavoriteList l ON l.Pid = i.FavoriteId"
+     " JOIN Service s ON s.Pid = i.ServiceId"
+     " GROUP BY FavoriteId, i.ServiceId HAVING count(*) > 1"},
+};
+
+// For one FAV list: %1 its Pid, %2 the tag column, %3 its name.
+constexpr Rule kTagRules[] = {
+    {"fav-tag", Severity::Seen,
+     "SELECT 'Service ' || Pid, quote(Name) || ' has %2 ' || quote(%2) || ', but is not in %3'"
+     ", 'the service is marked as a favourite that %3 does not show'"
+     ", 'UPDATE Service SET %2 = 0 WHERE Pid = ' || Pid"
+     " FROM Service WHERE %2 <> 0"
+     " AND Pid NOT IN (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = %1"
+     " AND ServiceId IS NOT NULL)"},
+
+    {"fav-tag", Severity::Seen,
+     "SELECT 'Service ' || Pid, quote(Name) || ' has %2 ' || quote(%2) || ', but is in %3'"
+     ", '%3 shows the service, but it is not marked as a favourite'"
+     ", 'UPDATE Service SET %2 = 1 WHERE Pid = ' || Pid"
+     " FROM Service WHERE ifnull(%2, 0) = 0"
+     " AND Pid IN (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = %1)"},
+
+    {"fav-tag", Severity::Odd,
+     "SELECT 'Service ' || Pid, quote(Name) || ' has %2 ' || quote(%2) || ', not 0 or 1'"
+     ", 'a client that looks for 1 does not mark it as a favourite'"
+     ", 'UPDATE Service SET %2 = 1 WHERE Pid = ' || Pid"
+     " FROM Service WHERE %2 NOT IN (0, 1)"},
+};
+// clang-format on
+
+void replaceAll(std::string& text, std::string const& what, std::string const& by) {
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at)) {
+        text.replace(at, what.size(), by);
+        at += by.size();
+    }
+}
+
+std::string quoted(std::string text) {
+    replaceAll(text, "'", "''");
+    return text;
+}
+
+void checkFavList(List const& list, Findings& findings) {
+    std::string const digit = std::to_string(list.favIndex);
+    std::string const tag = list.favIndex == 1 ? "FavTag" : "FavTag" + digit;
+    if (displayName(list) != "FAV" + digit) {
+        findings.push_back({"fav-order", Severity::Edits,
+                            "FavoriteList " + std::to_string(list.pid),
+                            displayName(list) + " is the FAV list in place " + digit,
+                            "edits of " + displayName(list) + " mark their services as FAV" +
+                                digit + ", and keep its OTT numbers free",
+                            "make the four lists anew, in the order FAV1 to FAV4"});
+    }
+    for (Rule const& rule : kTagRules) {
+        std::string sql = rule.sql;
+        replaceAll(sql, "%1", std::to_string(list.pid));
+        replaceAll(sql, "%2", tag);
+        replaceAll(sql, "%3", quoted(displayName(list)));
+        apply(rule, sql, findings);
+    }
+}
+
+}  // namespace
+
+void checkLists(Findings& findings) {
+    applyAll(kRules, findings);
+    examine("fav-tag", findings, [&] {
+        for (List const& list : allLists())
+            if (list.favIndex >= 1 && list.favIndex <= 4)
+                checkFavList(list, findings);
+    });
+}
+
+}  // namespace channel_lists

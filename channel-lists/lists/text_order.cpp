@@ -1,0 +1,231 @@
+#include "lists/text_order.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <optional>
+
+#include "lists/text_services.h"
+#include "text/display_text.h"
+
+namespace channel_lists {
+namespace {
+
+// A line with its service and the place where the list holds it.
+struct Placed {
+    TextLine const* line;
+    Entry entry;
+    std::optional<std::size_t> stored;
+    bool kept = false;  // its number is that of the list, or of the list that the text came from
+};
+
+class Ordering {
+  public:
+    Ordering(List const& list, std::vector<Entry> const& stored, std::vector<Entry> const& all,
+             std::set<std::int64_t> const& reserved)
+        : list_(list), stored_(stored), reserved_(reserved), services_(stored, all) {
+        for (std::size_t i = 0; i < stored.size(); ++i)
+            places_[stored[i].serviceId].push_back(i);
+    }
+
+    TextOrder run(ListText const& text) {
+        result_.errors = text.errors;
+        for (TextLine const& line : text.lines)
+            place(line);
+        checkNumbers();
+        noteMissing();
+        if (result_.errors.empty())
+            dealNumbers();
+        if (result_.errors.empty())
+            collect();
+        return std::move(result_);
+    }
+
+  private:
+    void fail(TextLine const& line, std::string const& sentence) {
+        result_.errors.push_back({line.line, sentence});
+    }
+
+    void place(TextLine const& line) {
+        std::string error;
+        Entry const* const service = services_.find(line, error);
+        if (service == nullptr) {
+            fail(line, error);
+            return;
+        }
+        Placed placed{&line, *service, std::nullopt};
+        auto& lines = lines_[service->serviceId];
+        auto const held = places_.find(service->serviceId);
+        std::size_t const most = held == places_.end() ? 1 : held->second.size();
+        if (lines.size() >= most) {
+            fail(line, displayText(service->name) + " stands in line " +
+                           std::to_string(lines.front()) + " already");
+            return;
+        }
+        if (held != places_.end())
+            placed.stored = held->second[lines.size()];
+        lines.push_back(line.line);
+        checkMembership(placed);
+        bool const asPrinted = line.key && !line.name.empty();
+        placed.kept = line.number &&
+                      (placed.stored ? stored_[*placed.stored].number == line.number : asPrinted);
+        placed.entry.number = line.number;
+        placed.entry.deleted = line.hidden;
+        placed_.push_back(std::move(placed));
+    }
+
+    void checkMembership(Placed const& placed) {
+        std::string const name = displayText(placed.entry.name);
+        if (placed.stored)
+            return;
+        if (list_.favIndex == 0) {
+            fail(*placed.line, name + " is not in " + displayName(list_) +
+                                   ", and services are added to FAV1 to FAV4 only");
+        } else if (placed.line->hidden) {
+            fail(*placed.line, name + " joins the list, and only what is in it can be hidden");
+        }
+    }
+
+    // Those that the text itself gives.
+    void checkNumbers() {
+        std::map<std::int64_t, int> lines;
+        for (Placed const& each : placed_) {
+            if (each.kept || !each.line->number)
+                continue;
+            std::int64_t const number = *each.line->number;
+            std::string const text = "number " + std::to_string(number);
+            if (number < 1)
+                fail(*each.line, "channel numbers begin at 1");
+            else if (reserved_.count(number) != 0)
+                fail(*each.line, text + " belongs to an OTT channel");
+            if (each.line->hidden)
+                continue;
+            auto const [other, isNew] = lines.emplace(number, each.line->line);
+            if (!isNew)
+                fail(*each.line,
+                     text + " is given in line " + std::to_string(other->second) + ", too");
+            used_.insert(number);
+        }
+    }
+
+    void noteMissing() {
+        std::size_t missing = 0;
+        for (Entry const& entry : stored_) {
+            auto const lines = lines_.find(entry.serviceId);
+            if (lines == lines_.end()) {
+                ++missing;
+                if (list_.favIndex == 0 && !entry.deleted && entry.number)
+                    used_.insert(*entry.number);
+            } else if (lines->second.size() < places_[entry.serviceId].size()) {
+                result_.errors.push_back(
+                    {lines->second.front(), displayText(entry.name) + " stands several times in " +
+                                                displayName(list_) +
+                                                "; one of them cannot be removed alone"});
+                places_[entry.serviceId].resize(lines->second.size());  // told once
+            }
+        }
+        if (missing != 0 && list_.favIndex == 0) {
+            result_.notes.push_back(displayName(list_) + ": " + std::to_string(missing) +
+                                    " entries have no line; they stay as they are");
+        }
+    }
+
+    static bool dealsOut(Placed const& placed) { return placed.kept && !placed.line->hidden; }
+
+    // The numbers that lines keep, in the order of the list.
+    std::vector<std::int64_t> keptNumbers() const {
+        std::vector<Placed const*> kept;
+        bool joins = false;
+        for (Placed const& each : placed_) {
+            if (!dealsOut(each))
+                continue;
+            kept.push_back(&each);
+            joins = joins || !each.stored;
+        }
+        std::stable_sort(kept.begin(), kept.end(), [joins](Placed const* a, Placed const* b) {
+            return joins ? *a->line->number < *b->line->number : *a->stored < *b->stored;
+        });
+        std::vector<std::int64_t> numbers;
+        numbers.reserve(kept.size());
+        for (Placed const* each : kept)
+            numbers.push_back(*each->line->number);
+        return numbers;
+    }
+
+    // Lists with numbers that several shown entries hold are left as they are.
+    std::map<std::int64_t, int> heldBySeveral() const {
+        std::map<std::int64_t, int> holders;
+        for (Entry const& entry : stored_)
+            if (!entry.deleted && entry.number)
+                ++holders[*entry.number];
+        return holders;
+    }
+
+    void dealNumbers() {
+        std::vector<std::int64_t> const kept = keptNumbers();
+        std::map<std::int64_t, int> holders = heldBySeveral();
+        auto next = kept.begin();
+        std::int64_t last = 0;
+        for (Placed& each : placed_) {
+            if (dealsOut(each)) {
+                std::int64_t const number = *next++;
+                bool const isShared = holders[number] > 1;
+                each.entry.number =
+                    used_.count(number) == 0 || isShared ? number : freeAfter(number);
+            } else if (!each.entry.number) {
+                each.entry.number = freeAfter(last);
+            }
+            if (*each.entry.number > std::numeric_limits<std::int32_t>::max())
+                fail(*each.line, "no channel number is left for it");
+            if (each.entry.deleted)
+                continue;
+            last = *each.entry.number;
+            used_.insert(last);
+        }
+    }
+
+    std::int64_t freeAfter(std::int64_t number) const {
+        do {
+            ++number;
+        } while (number < 1 || used_.count(number) != 0 || reserved_.count(number) != 0);
+        return number;
+    }
+
+    void collect() {
+        std::vector<Entry> entries = stored_;
+        std::vector<bool> hasLine(stored_.size(), list_.favIndex == 0);
+        std::vector<Entry> joining;
+        for (Placed const& each : placed_) {
+            if (!each.stored) {
+                joining.push_back(each.entry);
+                continue;
+            }
+            entries[*each.stored] = each.entry;
+            hasLine[*each.stored] = true;
+        }
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            if (hasLine[i])
+                result_.entries.push_back(std::move(entries[i]));
+        result_.entries.insert(result_.entries.end(), joining.begin(), joining.end());
+    }
+
+    List const& list_;
+    std::vector<Entry> const& stored_;
+    std::set<std::int64_t> const& reserved_;
+    TextServices services_;
+    std::map<unsigned int, std::vector<std::size_t>> places_;  // of a service in the list
+    std::map<unsigned int, std::vector<int>> lines_;           // of a service in the text
+    std::vector<Placed> placed_;
+    std::set<std::int64_t> used_;
+    TextOrder result_;
+};
+
+}  // namespace
+
+TextOrder orderByText(List const& list, std::vector<Entry> const& stored,
+                      std::vector<Entry> const& all, std::set<std::int64_t> const& reserved,
+                      ListText const& text) {
+    return Ordering(list, stored, all, reserved).run(text);
+}
+
+}  // namespace channel_lists

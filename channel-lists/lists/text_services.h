@@ -1,0 +1,34 @@
+// Finds the services that the lines of a text mean.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "lists/list_text.h"
+
+namespace channel_lists {
+
+class TextServices {
+  public:
+    // Entries that stand in both are those of `stored`. They have to outlive the object.
+    TextServices(std::vector<Entry> const& stored, std::vector<Entry> const& all);
+
+    // By triplet, among several of them by key or name; by key when the name fits, too, or when
+    // nothing else is given; else by name. So a text finds its services again in a database of
+    // another scan, where the keys are others. Null with a sentence in `error` when no service or
+    // none alone fits.
+    Entry const* find(TextLine const& line, std::string& error) const;
+
+  private:
+    using Places = std::multimap<std::string, Entry const*>;
+
+    void add(Entry const& entry);
+    Entry const* withKey(TextLine const& line) const;
+
+    std::map<std::int64_t, Entry const*> byKey_;
+    Places byTriplet_;
+    Places byName_;  // as the text shows them
+};
+
+}  // namespace channel_lists

@@ -1,0 +1,92 @@
+#include "undo/replacement.h"
+
+#include <channel-database/database_content.h>
+#include <channellist-access/db_access.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "database/query.h"
+#include "database/session.h"
+#include "database/waiting.h"
+#include "failure.h"
+#include "undo/undo_store.h"
+
+namespace channel_lists {
+namespace {
+
+struct Count {
+    char const* what;
+    char const* sql;  // `old` is what the database holds, `main` the copy
+};
+
+// A list is changed when its name or its entries are; services are told by their uuid.
+constexpr Count kCounts[] = {
+    {"lists added",
+     "SELECT count(*) FROM main.FavoriteList WHERE Uuid NOT IN (SELECT Uuid FROM old.FavoriteList"
+     " WHERE Uuid NOT NULL)"},
+    {"lists removed",
+     "SELECT count(*) FROM old.FavoriteList WHERE Uuid NOT IN (SELECT Uuid FROM main.FavoriteList"
+     " WHERE Uuid NOT NULL)"},
+    {"lists changed",
+     "WITH now(Uuid, Name, Service, Number, Deleted) AS (SELECT l.Uuid, l.Name, s.Uuid, ChannelNum,"
+     " isDeleted FROM main.FavoriteList l LEFT JOIN main.FavoriteItem i ON i.FavoriteId = l.Pid"
+     " LEFT JOIN main.Service s ON s.Pid = i.ServiceId),"
+     " before AS (SELECT l.Uuid, l.Name, s.Uuid, ChannelNum, isDeleted FROM old.FavoriteList l"
+     " LEFT JOIN old.FavoriteItem i ON i.FavoriteId = l.Pid"
+     " LEFT JOIN old.Service s ON s.Pid = i.ServiceId)"
+     " SELECT count(DISTINCT Uuid) FROM (SELECT * FROM (SELECT * FROM now EXCEPT SELECT * FROM"
+     " before) UNION SELECT * FROM (SELECT * FROM before EXCEPT SELECT * FROM now))"
+     " WHERE Uuid IN (SELECT Uuid FROM main.FavoriteList)"
+     " AND Uuid IN (SELECT Uuid FROM old.FavoriteList)"},
+    {"services added",
+     "SELECT count(*) FROM main.Service WHERE Uuid NOT IN (SELECT Uuid FROM old.Service WHERE Uuid"
+     " NOT NULL)"},
+    {"services removed",
+     "SELECT count(*) FROM old.Service WHERE Uuid NOT IN (SELECT Uuid FROM main.Service WHERE Uuid"
+     " NOT NULL)"},
+    {"services changed",
+     "SELECT count(*) FROM (SELECT * FROM main.Service EXCEPT SELECT * FROM old.Service)"
+     " WHERE Uuid IN (SELECT Uuid FROM old.Service)"},
+};
+
+// What the database holds may be what is broken: a copy is restored all the same.
+std::string changesOf(std::string const& database) {
+    std::string changes;
+    try {
+        Query attach(db, "ATTACH ? AS old");
+        attach.bind(database).next();
+        for (Count const& count : kCounts) {
+            changes += (changes.empty() ? "" : ", ") + std::to_string(queryNumber(db, count.sql)) +
+                       " " + count.what;
+        }
+    } catch (Failure const& failure) {
+        changes = "What " + database + " holds now cannot be compared: " + failure.what();
+    }
+    sqlite3_exec(db, "DETACH old", nullptr, nullptr, nullptr);
+    return changes;
+}
+
+}  // namespace
+
+std::string bringBack(std::string const& file, std::string const& database,
+                      Replacement const& replacement) {
+    struct stat found;
+    bool const exists = lstat(database.c_str(), &found) == 0;
+    if (exists)
+        channel_database::checkReplaceable(database);
+    if (std::error_code ignored; std::filesystem::equivalent(database, file, ignored))
+        throw Failure(file + " is the database itself");
+    Session const session(file);
+    std::string changes = exists ? changesOf(database) : std::string();
+    if (replacement.dryRun)
+        return changes;
+    UndoStore undo(database, exists && !replacement.command.empty());
+    tellWaitsFor(database);
+    undo.keepDatabase(replacement.command);
+    (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
+    undo.confirm();
+    return changes;
+}
+
+}  // namespace channel_lists

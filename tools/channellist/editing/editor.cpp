@@ -1,0 +1,76 @@
+#include "editing/editor.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "failure.h"
+#include "text/display_text.h"
+#include "tool.h"
+
+namespace tool {
+namespace {
+
+std::string environment(char const* name) {
+    char const* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// The variables hold a command of the shell, as in other tools that open an editor.
+std::string editorCommand() {
+    for (char const* name : {"VISUAL", "EDITOR"})
+        if (std::string command = environment(name); !command.empty())
+            return command;
+    return "vi";
+}
+
+std::string quoted(std::string const& path) {
+    std::string text = "'";
+    for (char const c : path)
+        text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text + "'";
+}
+
+}  // namespace
+
+EditorFile::EditorFile() {
+    std::string const folder = environment("TMPDIR");
+    std::string path = (folder.empty() ? "/tmp" : folder) + "/channellist-XXXXXX.txt";
+    int const file = mkstemps(path.data(), 4);
+    if (file < 0)
+        throw Failure("cannot make " + path + ": " + std::strerror(errno));
+    close(file);
+    path_ = path;
+}
+
+EditorFile::~EditorFile() {
+    if (!path_.empty())
+        std::cerr << "channellist: your text is kept in " << displayText(path_) << "\n";
+}
+
+std::string EditorFile::edit(std::string const& text) {
+    if (!(std::ofstream(path_) << text).flush())
+        throw Failure("cannot write " + path_);
+    std::string const command = editorCommand();
+    std::cout.flush();
+    int const status = std::system((command + " " + quoted(path_)).c_str());
+    if (status != 0)
+        throw Failure("the editor \"" + command + "\" failed; nothing is written");
+    std::ifstream file(path_);
+    std::string edited{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (!file.is_open() || file.bad())
+        throw Failure("cannot read " + path_);
+    return edited;
+}
+
+void EditorFile::remove() {
+    unlink(path_.c_str());
+    path_.clear();
+}
+
+}  // namespace tool

@@ -1,0 +1,21 @@
+#include "output/replacement.h"
+
+#include <iostream>
+
+#include "text/display_text.h"
+#include "tool.h"
+
+namespace tool {
+
+void printReplacement(std::string const& file, std::string const& database,
+                      std::string const& changes, bool dryRun) {
+    if (!changes.empty())
+        std::cout << displayLines(changes) << "\n";
+    if (dryRun)
+        std::cout << "Dry run: nothing is written.\n";
+    else
+        std::cout << "Written, and flushed to the disk: " << displayText(database) << " holds what "
+                  << displayText(file) << " holds.\n";
+}
+
+}  // namespace tool
