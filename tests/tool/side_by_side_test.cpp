@@ -13,11 +13,11 @@ namespace {
 
 constexpr int kEditors = 3;
 constexpr int kServicesEach = 8;
-constexpr int kOperations = 10;
+constexpr int kOperations = 20;
 constexpr int kReported = 10000;  // operations of all editors
 
 // One of them: it adds, removes, hides, restores and moves services that no other one touches, in
-// edits of ten operations, and looks after each whether they are as it was told.
+// edits of twenty operations, and looks after each whether they are as it was told.
 class Editor {
   public:
     Editor(std::string folder, int first) : folder_(std::move(folder)), random_(first) {
