@@ -87,7 +87,7 @@ void tryFavList(List const& list, Findings& findings) {
                    "an edit that empties " + displayName(list) + " in a copy left entries in it",
                    "removed favourites stay", findings);
     }
-    submitFavList(list, {}, before);
+    submit(favListRequest(list, before));  // what joins is shown at first
     submit(favListRequest(list, before));  // which updates entries rather than adding them
     if (entriesElsewhere(list) != elsewhere) {
         addFinding(list, "an edit of " + displayName(list) + " in a copy changed other lists",

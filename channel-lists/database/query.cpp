@@ -13,7 +13,11 @@ Query::Query(sqlite3* connection, std::string const& sql) : connection_(connecti
 }
 
 void Query::fail() const {
-    throw Failure(std::string("the database cannot be read: ") + sqlite3_errmsg(connection_));
+    std::string const sentence =
+        std::string("the database cannot be read: ") + sqlite3_errmsg(connection_);
+    if (sqlite3_errcode(connection_) == SQLITE_BUSY)
+        throw Locked(sentence);
+    throw Failure(sentence);
 }
 
 Query& Query::bind(std::string const& text) {

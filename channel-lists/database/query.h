@@ -8,9 +8,18 @@
 #include <optional>
 #include <string>
 
+#include "failure.h"
+
 namespace channel_lists {
 
-// A prepared statement and its current row. Throws Failure with SQLite's message.
+// Another process holds the database: the same may work later.
+class Locked : public Failure {
+  public:
+    using Failure::Failure;
+};
+
+// A prepared statement and its current row. Throws Failure with SQLite's message, Locked where that
+// is the reason.
 class Query {
   public:
     Query(sqlite3* connection, std::string const& sql);
@@ -41,5 +50,22 @@ class Query {
 
 // The first column of the first row.
 std::int64_t queryNumber(sqlite3* connection, std::string const& sql);
+
+// What `read` gives, as soon as no other process keeps it from reading; waits as long as the
+// library's reads do.
+template <class Read>
+auto waitWhileLocked(Read read) {
+    constexpr int kMostAttempts = 50;
+    constexpr int kPauseMilliseconds = 100;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return read();
+        } catch (Locked const&) {
+            if (attempt == kMostAttempts)
+                throw;
+        }
+        sqlite3_sleep(kPauseMilliseconds);
+    }
+}
 
 }  // namespace channel_lists

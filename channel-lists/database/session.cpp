@@ -9,6 +9,7 @@
 #include <cstring>
 #include <utility>
 
+#include "database/connection.h"
 #include "database/query.h"
 #include "database/time_limit.h"
 #include "database/waiting.h"
@@ -18,8 +19,6 @@
 namespace channel_lists {
 namespace {
 
-constexpr int kBusyTimeoutMilliseconds = 1000;  // that of the library's service query
-constexpr int kMemory = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
 constexpr char kOttFile[] = "zentova_DB_V1.3.db";
 
 // SQLite opens lazily and takes an empty file for a database; these sentences come before.
@@ -51,29 +50,6 @@ void checkContent(std::string const& path, int code) {
                       " is a SQLite database, but no channel database: it has none of the"
                       " tables Service, FavoriteList and FavoriteItem");
     }
-}
-
-// A database may come from anywhere: its schema runs no function that reaches out of it, and
-// nothing that it holds makes a text of any length or a statement without end.
-void guard(sqlite3* connection) {
-    constexpr int kMostBytes = 64 << 20;  // of a text; a service has a few hundred
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
-    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kMostBytes);
-    sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 1);
-    sqlite3_limit(connection, SQLITE_LIMIT_TRIGGER_DEPTH, 100);
-    TimeLimit::watch(connection);
-}
-
-void openChecked(std::string const& path, int flags, sqlite3*& connection) {
-    if (sqlite3_open_v2(path.c_str(), &connection, flags, nullptr) != SQLITE_OK) {
-        int const reason = sqlite3_system_errno(connection);
-        throw Failure("cannot open " + path + ": " +
-                      (reason != 0 ? std::strerror(reason) : sqlite3_errmsg(connection)));
-    }
-    sqlite3_busy_timeout(connection, kBusyTimeoutMilliseconds);
-    guard(connection);
 }
 
 void close(sqlite3*& connection) {
@@ -109,7 +85,7 @@ void settle(std::string const& path) {
     sqlite3* connection = nullptr;
     auto const read = [&](int flags) {
         close(connection);
-        openChecked(path, flags, connection);
+        openConnection(path, flags, connection);
         return sqlite3_exec(connection, kRead, nullptr, nullptr, nullptr);
     };
     int code = read(SQLITE_OPEN_READONLY);
@@ -136,10 +112,10 @@ OttSession::OttSession() {
     exists_ = !path_.empty() && stat(path_.c_str(), &file) == 0 && file.st_size != 0;
     try {
         if (exists_) {
-            openChecked(path_, SQLITE_OPEN_READONLY, db_zentova);
+            openConnection(path_, SQLITE_OPEN_READONLY, db_zentova);
             return;
         }
-        openChecked(":memory:", kMemory, db_zentova);
+        openConnection(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, db_zentova);
     } catch (...) {
         close(db_zentova);
         throw;
@@ -158,8 +134,8 @@ Session::Session(std::string const& path, Access access) {
             settle(path);
         else
             checkFolder(path);
-        openChecked(path, access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE,
-                    db);
+        openConnection(path, access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE,
+                       db);
         checkContent(path, sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr,
                                         nullptr));
         if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1)
@@ -172,17 +148,8 @@ Session::Session(std::string const& path, Access access) {
 }
 
 void Session::continueOnCopy() {
-    sqlite3* copy = nullptr;
-    openChecked(":memory:", kMemory, copy);
-    sqlite3_backup* const backup = sqlite3_backup_init(copy, "main", db, "main");
-    if (backup != nullptr) {
-        sqlite3_backup_step(backup, -1);
-        sqlite3_backup_finish(backup);
-    }
-    bool const copied = sqlite3_errcode(copy) == SQLITE_OK;
-    sqlite3_close(copied ? std::exchange(db, copy) : copy);
-    if (!copied)
-        throw Failure("the database could not be copied: is it locked by another process?");
+    sqlite3* const copy = copyInMemory(db);
+    sqlite3_close(std::exchange(db, copy));
 }
 
 Session::~Session() { close(db); }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 
 #include "database/query.h"
 #include "failure.h"
@@ -43,15 +42,6 @@ std::map<unsigned int, unsigned int> renumberFlags() {
         }
     }
     return flags;
-}
-
-std::string numbersOf(List const& list) {
-    Query items(db, "SELECT Id, ChannelNum FROM FavoriteItem WHERE FavoriteId = ? ORDER BY Id");
-    items.bind(std::int64_t{list.pid});
-    std::string numbers;
-    while (items.next())
-        numbers += items.text(0) + ' ' + items.text(1) + '\n';
-    return numbers;
 }
 
 std::string explain(int code) {
@@ -101,37 +91,6 @@ int submit(std::vector<std::string> const& request) {
     if (code < 0)
         throw Failure(explain(code));
     return code;
-}
-
-void submitFavList(List const& list, std::vector<Entry> const& before,
-                   std::vector<Entry> const& after) {
-    std::set<unsigned int> held;
-    for (Entry const& entry : before)
-        held.insert(entry.serviceId);
-    bool const joinsHidden = std::any_of(after.begin(), after.end(), [&](Entry const& entry) {
-        return entry.deleted && held.count(entry.serviceId) == 0;
-    });
-    submit(favListRequest(list, after));
-    if (joinsHidden)
-        submit(favListRequest(list, after));
-}
-
-void renumber(List const& favList) {
-    pthread_mutex_lock(&svresult_mutex);
-    char* error = nullptr;
-    int code = sqlexec(db, "BEGIN IMMEDIATE TRANSACTION", nullptr, nullptr, &error);
-    if (code == SQLITE_OK) {
-        std::string const before = numbersOf(favList);
-        dbaccess::renumberFAVList(favList.pid, static_cast<unsigned char>(favList.favIndex));
-        bool const isChanged = numbersOf(favList) != before;
-        if (isChanged)
-            dbaccess::UpdateListTag(favList.pid);
-        code = sqlexec(db, isChanged ? "COMMIT TRANSACTION" : "ROLLBACK TRANSACTION", nullptr,
-                       nullptr, &error);
-    }
-    pthread_mutex_unlock(&svresult_mutex);
-    if (code != SQLITE_OK)
-        throw Failure("the list is written, but it could not be renumbered");
 }
 
 }  // namespace channel_lists

@@ -21,13 +21,4 @@ std::vector<std::string> otherListRequest(List const& list, std::vector<Entry> c
 // Hands the request to the library; throws Failure that explains a negative answer.
 int submit(std::vector<std::string> const& request);
 
-// Brings a FAV list to `after`. Entries that join are shown at first, and hidden by a second
-// request.
-void submitFavList(List const& list, std::vector<Entry> const& before,
-                   std::vector<Entry> const& after);
-
-// Closes the gaps in the numbers of a FAV list, around its OTT channels, in one transaction. Writes
-// nothing when there are none.
-void renumber(List const& favList);
-
 }  // namespace channel_lists

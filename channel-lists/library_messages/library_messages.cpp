@@ -58,6 +58,8 @@ void traceMessages(std::string const& levels) {
     traced = std::make_unique<orvdebug::MessageFilter const>(levels);
 }
 
+void forgetMessages() { reasons.clear(); }
+
 std::string lastMessage() { return last; }
 
 std::vector<std::string> const& messageReasons() { return reasons; }

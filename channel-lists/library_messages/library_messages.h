@@ -14,6 +14,9 @@ void traceMessages(std::string const& levels);
 // fails. None where they were traced.
 std::vector<std::string> const& messageReasons();
 
+// Forgets them: of a failure that is met by other means.
+void forgetMessages();
+
 // The last of them that gives a reason of SQLite's, "" without one.
 std::string lastMessage();
 

@@ -97,9 +97,12 @@ UndoStore::UndoStore(std::string const& database, bool isOn) : database_(databas
         folder_ = state + "/channellist" + real.string();
 }
 
-UndoStore::~UndoStore() {
+UndoStore::~UndoStore() { discard(); }
+
+void UndoStore::discard() {
     if (last_.number != 0)
         remove(last_.number);
+    last_.number = 0;
 }
 
 std::string UndoStore::fileOf(int number, char const* ending) const {

@@ -37,6 +37,8 @@ class UndoStore {
     // nothing when none does.
     void keepOnlyChanged(Snapshot const& now);
     void confirm() { last_.number = 0; }
+    // The write was refused: nothing is kept of it.
+    void discard();
 
     // The oldest first. Throws Failure when the folder cannot be read.
     std::vector<KeptCopy> copies() const;

@@ -207,4 +207,63 @@ TEST_F(UnfinishedEdit, IsPlannedAgainWhenOvertaken) {
     }
 }
 
+// The owner gives lists other keys while an edit is under way: it ends as if it had come after.
+TEST_F(UnfinishedEdit, MeansTheListsAsTheyAreBehindItsLock) {
+    constexpr char const* kMoments[] = {"UPDATE FavoriteList SET UpdateTag",
+                                        "SELECT Pid FROM FavoriteList WHERE Creator",
+                                        "SELECT ServiceId FROM FavoriteItem", "BEGIN TRANSACTION"};
+    auto const swapped = [](int one, int other) {
+        std::string const sum = std::to_string(one + other);
+        std::string const in = " IN (" + std::to_string(one) + "," + std::to_string(other) + ")";
+        return Texts{
+            "UPDATE FavoriteList SET Pid = -Pid WHERE Pid" + in,
+            "UPDATE FavoriteList SET Pid = Pid + " + sum + " WHERE Pid < 0",
+            "UPDATE FavoriteItem SET FavoriteId = " + sum + " - FavoriteId WHERE FavoriteId" + in};
+    };
+    auto const madeAnew = [](std::string const& pid) {
+        return Texts{"DELETE FROM FavoriteItem WHERE FavoriteId = 7",
+                     "UPDATE FavoriteList SET UpdateTag = 0, Pid = " + pid + " WHERE Pid = 7"};
+    };
+    Texts const cases[] = {swapped(7, 8),  swapped(7, 2),
+                           swapped(1, 6),  madeAnew("7"),
+                           madeAnew("20"), {"DELETE FROM FavoriteList WHERE Pid = 7"}};
+    char const* const edits[] = {kFavEdit, "fav1  0 5 14  0 6 15", "cable  0 9 10  5 8 11",
+                                 "all  0 9 10  9 8 12"};
+    auto const lastText = [] { return texts().empty() ? "" : texts().back(); };
+    auto const state = [&] {
+        return rows("SELECT * FROM FavoriteItem ORDER BY FavoriteId, ServiceId, Id") + "\n" +
+               rows("SELECT Pid, FavTag, FavTag2, FavTag3, FavTag4 FROM Service") + "\n" +
+               rows("SELECT Pid, Uuid, MaxChannelNumber FROM FavoriteList");
+    };
+    for (Texts const& statements : cases) {
+        auto const changeLists = [&] {
+            for (std::string const& sql : statements)
+                change(sql);
+        };
+        for (std::string const arguments : edits) {
+            startAnew();
+            ott("('FAV1', 2)");
+            changeLists();
+            int const expected = edit(arguments);
+            std::string const after = state();
+            std::string const refusal = lastText();
+            for (char const* moment : kMoments) {
+                bool const isPlanned = arguments.compare(0, 3, "fav") == 0;
+                if (!isPlanned && moment == kMoments[2])
+                    continue;
+                SCOPED_TRACE(arguments + " // " + statements.back() + " // " + moment);
+                startAnew();
+                ott("('FAV1', 2)");
+                when(moment, changeLists);
+                EXPECT_EQ(edit(arguments), expected);
+                EXPECT_EQ(state(), after);
+                EXPECT_EQ(lastText(), refusal);
+                std::string const uuid = arguments.substr(0, arguments.find(' '));
+                EXPECT_NE(rows("SELECT UpdateTag FROM FavoriteList WHERE Uuid = '" + uuid + "'"),
+                          "0");
+            }
+        }
+    }
+}
+
 }  // namespace

@@ -164,4 +164,75 @@ TEST_F(AstraServices, LockedDatabaseIsWaitedForInEachList) {
     EXPECT_EQ(platform::state.sleepCount, 103);
 }
 
+// Runs `action` once, at the library's next statement that holds this text.
+void at(char const* text, std::function<void()> action) {
+    static std::pair<std::string, std::function<void()>> awaited;
+    awaited = {text, std::move(action)};
+    auto const onStatement = [](unsigned, void*, void* statement, void*) {
+        std::string const sql = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
+        if (awaited.second && sql.find(awaited.first) != std::string::npos)
+            std::exchange(awaited.second, nullptr)();
+        return 0;
+    };
+    sqlite3_trace_v2(db, SQLITE_TRACE_STMT, onStatement, nullptr);
+}
+
+// The owner writes between two queries: first the standard list alone has an anchor, then the
+// operator's alone, and the standard list a scrambled service. Or a lock keeps one from its answer.
+TEST_F(AstraServices, AnswerIsThatOfOneStateAndALockIsNoAnswer) {
+    constexpr char kOfStandard[] = "E' AND sv.Pid = ds";
+    constexpr char kFlags[] = "SELECT Encrypted";
+    constexpr char kFreshConnection[] = "";
+    constexpr int kWrites = -1;
+    constexpr int kLocksForGood = 0;
+    struct Case {
+        std::string (*call)();
+        char const* at;
+        int owner;  // what happens there; a lock is released at the sleep of this number
+        char const* expected;
+    };
+    Case const cases[] = {
+        {found, kOfStandard, kWrites, "operator"},
+        {scrambled, kOfStandard, kWrites, "0"},
+        {scrambled, kFlags, kWrites, "0"},
+        {found, kFreshConnection, 3, "operator"},
+        {found, kFreshConnection, 60, "operator"},
+        {scrambled, kFreshConnection, 60, "1"},
+        {scrambled, kFlags, 49, "1"},
+        {found, kFreshConnection, kLocksForGood, "-2"},
+        {scrambled, kFlags, kLocksForGood, "9 -2"},
+        {scrambled, kFreshConnection, 0, "9 -2"},
+    };
+    database().put(database().list(kOperatorList), anchor("operator"), 1);
+    database().put(database().list(kStandardList), anchor("standard"), 2);
+    for (auto const& test : cases) {
+        SCOPED_TRACE(&test - cases);
+        bool const writes = test.owner == kWrites;
+        database().run("UPDATE Service SET Encrypted = ?", {writes ? 0 : 1});
+        database().run("UPDATE FavoriteItem SET isDeleted = ? AND ChannelNum = 1", {writes});
+        dbaccess::select_Folders();  // opens
+        std::unique_ptr<DatabaseLock> lock;
+        auto const act = [&] {
+            if (!writes) {
+                lock = std::make_unique<DatabaseLock>(file());
+                return;
+            }
+            database().run("BEGIN");
+            database().run("UPDATE FavoriteItem SET isDeleted = 1 - isDeleted");
+            database().run("UPDATE Service SET Encrypted = 1 WHERE Uuid = 'standard'");
+            database().run("COMMIT");
+        };
+        if (test.at == kFreshConnection) {
+            closeLibrary();
+            act();
+        } else {
+            at(test.at, act);
+        }
+        platform::state.sleepCount = 0;
+        platform::state.onSleep = [&](int count) { count == test.owner ? lock.reset() : void(); };
+        EXPECT_EQ(test.call(), test.expected);
+        EXPECT_NE(sqlite3_get_autocommit(db), 0);
+    }
+}
+
 }  // namespace

@@ -126,7 +126,9 @@ TEST_F(ServiceList, WithoutRowsTheResultIsNotTouched) {
 
 // clang-format on
 
-TEST_F(ServiceList, ABusyDatabaseIsTriedFiftyTimes) {
+TEST_F(ServiceList, ABusyDatabaseIsTriedFiftyTimesAndItsOrderIsNotLost) {
+    put(-1, "Radio").radio();
+    list_->attributes(0x200);
     dbaccess::get_dbservices("u");
     sqlite3_busy_timeout(db, 0);
     platform::state.messages.clear();
@@ -144,7 +146,7 @@ TEST_F(ServiceList, ABusyDatabaseIsTriedFiftyTimes) {
         EXPECT_EQ(pthread_mutex_trylock(&svresult_mutex), EBUSY);
         count == 53 ? lock.release() : void();
     };
-    EXPECT_EQ(names("u"), "One;Two;Three");
+    EXPECT_EQ(names("u"), "One;Two;Three;Radio");
     EXPECT_EQ(platform::state.sleepCount, 53);
 }
 

@@ -9,6 +9,7 @@ enum class FaultKind {
     Kill,          // what changes a file: the process dies, a write half done
     New,           // operator new
     SqliteMemory,  // SQLite's allocator
+    Interrupt,     // a step of SQLite's engine: the host interrupts it
 };
 
 /// Strikes the `at`th operation of its kind inside a FaultWindow, and every later one if `lasting`.

@@ -237,9 +237,10 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 /// the edit goes on. So is a renumbering that fails, the items before the failing one with their
 /// new numbers, unless SQLite has rolled the edit back, which fails it. Stored items without a
 /// service id are counted in a message and left where they are. Each query before the writes, each
-/// write and the commit may wait up to 50 attempts; a query that stays locked out says so. A FAV
-/// list edit that another process overtook, between reading the stored items and writing, is worked
-/// out again behind a lock, for which it may wait up to 50 attempts more.
+/// write and the commit may wait up to 50 attempts; a query that stays locked out says so. An edit
+/// that another connection overtook, between its first query and its first write, is made anew
+/// behind a lock, for which it may wait up to 50 attempts more: it means the lists that its uuid and
+/// the FAV lists' creators name there, and announces a list that has another key or was made anew.
 ///
 /// @return 0 or 101: the edit is committed (0: a FAV list edit that added and removed nothing).
 ///         -1: the number of strings is not 1 + 3k, or a number does not convert. -2: the database
@@ -303,23 +304,24 @@ CHANNELLIST_ACCESS_EXPORT int FAVitemIdCallback(void* context, int count, char**
 ///
 /// @param uuid receives the anchor's uuid; left alone when there is none. Pass an empty string: a
 ///             non-empty one counts as an anchor found.
-/// @return 0 or -2. May wait up to 50 attempts for each of the two lists.
+/// @return 0; -2 when there is none or a list stayed locked. May wait up to 50 attempts for each of
+///         the two lists, and once more where another process writes meanwhile.
 CHANNELLIST_ACCESS_EXPORT int getAstraAnchorService(std::string& uuid);
 
 /// The search of getAstraAnchorService in the operator's list (`isOperator`) or the standard one.
 /// Does not open the database; the caller holds svresult_mutex. A service whose uuid is null counts
 /// as no anchor.
 ///
-/// @return 0 when `uuid` is not empty afterwards, else -2.
+/// @return 0 when `uuid` is not empty afterwards, else -2, also when the list stayed locked.
 CHANNELLIST_ACCESS_EXPORT int _getAstraAnchorService(std::string& uuid, bool isOperator);
 
 /// Tells whether the Astra list that holds an anchor (see getAstraAnchorService) holds a service
 /// whose Encrypted is 1. Opens on demand, holds svresult_mutex.
 ///
 /// @param isExistent receives 1 or 0; 0 when there is no anchor; untouched when the database cannot
-///                   be opened. When the flags cannot be read it tells what the rows before the
-///                   failure gave.
-/// @return 0; -2 when the database cannot be opened or there is no anchor.
+///                   be opened or stays locked. When the flags cannot be read for another reason
+///                   it tells what the rows before the failure gave.
+/// @return 0; -2 when the database cannot be opened or stays locked, or there is no anchor.
 CHANNELLIST_ACCESS_EXPORT int checkAstraScrambleService(int& isExistent);
 
 /// Row callback of checkAstraScrambleService: sets the `int` at `context` to 1 when column 0 is 1.

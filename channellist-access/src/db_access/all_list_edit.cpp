@@ -3,8 +3,8 @@
 #include <array>
 
 #include "db_access/edit_entries.h"
-#include "db_access/edit_reads.h"
 #include "db_access/session.h"
+#include "db_access/waiting_reads.h"
 #include "support/number_text.h"
 
 namespace channellist {
@@ -74,7 +74,7 @@ EditOutcome writeAllListEdit(unsigned int favoriteListId,
     RenumberRequests requests = {};
     {
         Statement favListFlags;
-        if (prepareForEdit(CALL_SITE, favListFlagUpdate(favListIds).c_str(), favListFlags) !=
+        if (waitAndPrepare(CALL_SITE, favListFlagUpdate(favListIds).c_str(), favListFlags) !=
             SQLITE_OK)
             return EditOutcome::Failed;
         for (std::size_t index = 0; index < entryCount(arguments); ++index) {

@@ -1,7 +1,9 @@
 // The anchor service of the Astra 19.2E list, and whether that list holds a scrambled service.
 #include "db_access/callback_value.h"
+#include "db_access/data_version.h"
+#include "db_access/read_transaction.h"
 #include "db_access/session.h"
-#include "db_access/statement.h"
+#include "db_access/waiting_reads.h"
 
 namespace channellist {
 namespace {
@@ -40,13 +42,93 @@ std::string encryptionQuery(bool isOperator) {
 }
 // clang-format on
 
-// Whether a service of the list is encrypted; as far as the rows could be read.
-int readScrambleFlag(bool isOperator) {
-    int flag = 0;
-    char* error = nullptr;
-    sqlexec(db, encryptionQuery(isOperator).c_str(), dbaccess::serviceEncryptedCallback, &flag,
-            &error);
-    return flag;
+enum class Anchor { Found, None, Locked };
+
+constexpr bool isNotNow(int code) {
+    return code == SQLITE_BUSY || code == SQLITE_LOCKED || code == SQLITE_PROTOCOL;
+}
+
+// Found, with or without a row of the list, when `uuid` is not empty afterwards.
+Anchor findAnchor(CallSite const& site, bool isOperator, std::string& uuid) {
+    LOG_FORMAT_AT(site, kLogModule, Verbose, " called. isOperator = %d.", isOperator ? 1 : 0);
+    Statement query;
+    int code = waitAndPrepare(site, anchorQuery(isOperator).c_str(), query);
+    if (code != SQLITE_OK)
+        return isNotNow(code) ? Anchor::Locked : Anchor::None;
+    code = query.stepQuery("Get a astra anchor service.");
+    if (code == SQLITE_ROW) {
+        char const* const text = query.columnText(0);
+        if (text != nullptr)
+            uuid = text;
+    }
+    query.finalize();
+    if (uuid.empty() || isNotNow(code)) {
+        LOG_TEXT_AT(site, kLogModule, Error, "can't find Astra Anchor Service!");
+        return isNotNow(code) ? Anchor::Locked : Anchor::None;
+    }
+    LOG_FORMAT_AT(site, kLogModule, Verbose, "The Astra Anchor Service Uuid is [%s].",
+                  uuid.c_str());
+    return Anchor::Found;
+}
+
+constexpr char kSearch[] = "_getAstraAnchorService";  // which the search's messages name
+
+// Which Astra list counts, and what a request wants to know of it.
+struct AstraAnswer {
+    std::string uuid;  // of the anchor; at first what the caller hands over
+    Anchor anchor = Anchor::None;
+    bool isOperator = true;
+    int isScrambled = 0;
+    bool isOneState = true;  // what the queries saw, and all of them saw something
+};
+
+// The operator's list, then the standard one. An answer of the standard list counts only when the
+// operator's was read, and before another connection wrote.
+AstraAnswer findList(std::string const& uuid, CommitsOfOthers& others) {
+    AstraAnswer answer;
+    answer.uuid = uuid;
+    answer.anchor = findAnchor(CALL_SITE_OF(kSearch), true, answer.uuid);
+    others.start(db);
+    if (answer.anchor == Anchor::Found)
+        return answer;
+    answer.isOneState = answer.anchor != Anchor::Locked;
+    answer.isOperator = false;
+    answer.anchor = findAnchor(CALL_SITE_OF(kSearch), false, answer.uuid);
+    return answer;
+}
+
+// The same, and whether a service of the list is encrypted; as far as the rows could be read.
+AstraAnswer findScrambled(CallSite const& site, CommitsOfOthers& others) {
+    AstraAnswer answer = findList("", others);
+    if (answer.anchor != Anchor::Found)
+        return answer;
+    int const code = waitAndRead(
+        site, encryptionQuery(answer.isOperator).c_str(), dbaccess::serviceEncryptedCallback,
+        &answer.isScrambled, [&] { answer.isScrambled = 0; }, "Get the scramble flags.");
+    if (isNotNow(code))
+        answer.anchor = Anchor::Locked;
+    return answer;
+}
+
+// Looks once, and when that was not one state of the file once more in a transaction. Locked when
+// this is none either.
+template <typename Look>
+AstraAnswer lookAtOneState(CallSite const& site, Look look) {
+    CommitsOfOthers others;
+    AstraAnswer answer = look(others);
+    if (answer.anchor == Anchor::Locked || (answer.isOneState && !others.came().value_or(true)))
+        return answer;
+    LOG_TEXT_AT(site, kLogModule, Notice, "another process wrote meanwhile, look again");
+    std::optional<ReadTransaction> transaction;
+    if (!isInTransaction(db))
+        transaction.emplace(db, site);
+    bool const isFrozen = isInTransaction(db);
+    answer = look(others);
+    if (transaction)
+        transaction->end(site);
+    if (!isFrozen || !answer.isOneState)
+        answer.anchor = Anchor::Locked;
+    return answer;
 }
 
 }  // namespace
@@ -55,52 +137,42 @@ int readScrambleFlag(bool isOperator) {
 using namespace channellist;
 
 int dbaccess::_getAstraAnchorService(std::string& uuid, bool isOperator) {
-    LOG_FORMAT(Verbose, " called. isOperator = %d.", isOperator ? 1 : 0);
-    Statement query;
-    if (query.prepare(db, anchorQuery(isOperator).c_str()) != SQLITE_OK)
-        return kFailed;
-    if (query.stepQuery("Get a astra anchor service.") == SQLITE_ROW) {
-        char const* const text = query.columnText(0);
-        if (text != nullptr)
-            uuid = text;
-    }
-    query.finalize();
-    if (uuid.empty()) {
-        LOG_TEXT(Error, "can't find Astra Anchor Service!");
-        return kFailed;
-    }
-    LOG_FORMAT(Verbose, "The Astra Anchor Service Uuid is [%s].", uuid.c_str());
-    return 0;
+    return findAnchor(CALL_SITE, isOperator, uuid) == Anchor::Found ? 0 : kFailed;
 }
 
 int dbaccess::getAstraAnchorService(std::string& uuid) {
+    CallSite const site = CALL_SITE;
     LOG_TEXT(Verbose, " called.");
     ResultLock const lock;
-    if (openChannelDatabase(CALL_SITE, kLogModule) != SQLITE_OK)
+    if (openChannelDatabase(site, kLogModule) != SQLITE_OK)
         return kFailed;
-    int const found = _getAstraAnchorService(uuid, true);
-    return found == 0 ? found : _getAstraAnchorService(uuid, false);
+    AstraAnswer answer =
+        lookAtOneState(site, [&](CommitsOfOthers& others) { return findList(uuid, others); });
+    if (answer.anchor != Anchor::Found)
+        return kFailed;
+    uuid.swap(answer.uuid);
+    return 0;
 }
 
 int dbaccess::checkAstraScrambleService(int& isExistent) {
+    CallSite const site = CALL_SITE;
     LOG_TEXT(Verbose, " called.");
     ResultLock const lock;
-    std::string anchor;
-    if (openChannelDatabase(CALL_SITE, kLogModule) != SQLITE_OK)
+    if (openChannelDatabase(site, kLogModule) != SQLITE_OK)
         return kFailed;
-    bool const isOperator = _getAstraAnchorService(anchor, true) == 0;
-    if (!isOperator) {
-        int const found = _getAstraAnchorService(anchor, false);
-        if (found != 0) {
-            LOG_TEXT(Error, "Astra Scramble Service is missing. Set isExistent 0!");
-            isExistent = 0;
-            return found;
-        }
+    AstraAnswer const answer =
+        lookAtOneState(site, [&](CommitsOfOthers& others) { return findScrambled(site, others); });
+    if (answer.anchor == Anchor::Locked)
+        return kFailed;  // which has been told
+    if (answer.anchor == Anchor::None) {
+        LOG_TEXT(Error, "Astra Scramble Service is missing. Set isExistent 0!");
+        isExistent = 0;
+        return kFailed;
     }
-    int const flag = readScrambleFlag(isOperator);
     LOG_FORMAT(Trace, "Astra %s servicelist %s scramble service.",
-               isOperator ? "operator" : "standard", flag != 0 ? "has" : "hasn't");
-    isExistent = flag;
+               answer.isOperator ? "operator" : "standard",
+               answer.isScrambled != 0 ? "has" : "hasn't");
+    isExistent = answer.isScrambled;
     return 0;
 }
 

@@ -14,20 +14,24 @@ int EditTransaction::beginLocked(CallSite const& site) {
 
 int EditTransaction::beginWith(char const* sql) {
     int code = spare_.prepare(connection_);
-    if (code == SQLITE_OK)
-        code = execute(sql);
-    else
+    if (code != SQLITE_OK) {
         LOG_FORMAT_AT(CALL_SITE, LogModule::DatabaseAccess, Error, "no rollback prepared:%d", code);
-    open_ = code == SQLITE_OK;
+        return code;
+    }
+    bool const isOfHost = isInTransaction(connection_);
+    code = execute(sql);
+    open_ = !isOfHost && isInTransaction(connection_);
+    if (code != SQLITE_OK)
+        rollback();
     return code;
 }
 
 int EditTransaction::commit(CallSite const& site) {
     int const code = retryWhileBusy(kCommitAttempts, site, LogModule::DatabaseAccess,
                                     [this] { return execute("COMMIT TRANSACTION"); });
-    if (code == SQLITE_OK)
-        open_ = false;
-    return code;
+    open_ = isInTransaction(connection_);
+    // The interrupt of a commit that got through came when all was written.
+    return code == SQLITE_INTERRUPT && !open_ ? SQLITE_OK : code;
 }
 
 int EditTransaction::execute(char const* sql) {

@@ -25,8 +25,9 @@ class EditTransaction {
     // Locks the file against other writers at once, and waits for them.
     int beginLocked(CallSite const& site);
 
-    // Tries again while readers of other processes hold the file; unless it returns 0 the
-    // transaction is still to be rolled back. The messages carry the caller's site.
+    // Tries again while readers of other processes hold the file. Returns 0 when all is written,
+    // also where an interrupt came too late to stop that; else nothing is, once this object is
+    // gone. The messages carry the caller's site.
     int commit(CallSite const& site);
 
   private:

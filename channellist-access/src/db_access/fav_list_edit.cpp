@@ -6,8 +6,8 @@
 
 #include "db_access/callback_value.h"
 #include "db_access/edit_entries.h"
-#include "db_access/edit_reads.h"
 #include "db_access/session.h"
+#include "db_access/waiting_reads.h"
 #include "support/number_text.h"
 
 namespace channellist {
@@ -55,7 +55,7 @@ int storedItemCallback(void* context, int count, char** values, char** names) {
 int readStoredItems(unsigned int favoriteListId, StoredItems& items) {
     std::string const sql =
         "SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = " + numberText(favoriteListId) + ";";
-    return readForEdit(
+    return waitAndRead(
         CALL_SITE, sql.c_str(), storedItemCallback, &items, [&] { items = {}; },
         "Read stored FAV services.");
 }
@@ -124,7 +124,7 @@ bool writeAdditions(unsigned int favoriteListId, FavListPlan const& plan) {
     LOG_FORMAT(Verbose, "Add (count: %d) new Services to FAV list.",
                static_cast<int>(plan.additions.size()));
     Statement insert;
-    if (prepareForEdit(CALL_SITE,
+    if (waitAndPrepare(CALL_SITE,
                        "INSERT INTO FavoriteItem (ServiceId, ChannelNum, FavoriteId, "
                        "OriginalFavoriteId) VALUES (?, ?, ?, ?);",
                        insert) != SQLITE_OK)
@@ -145,7 +145,7 @@ bool writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
     LOG_FORMAT(Verbose, "Remove (count: %d) unreceivable Services from FAV list.",
                static_cast<int>(plan.removals.size()));
     Statement remove;
-    if (prepareForEdit(CALL_SITE, "DELETE FROM FavoriteItem WHERE FavoriteId= ? AND serviceId= ?;",
+    if (waitAndPrepare(CALL_SITE, "DELETE FROM FavoriteItem WHERE FavoriteId= ? AND serviceId= ?;",
                        remove) != SQLITE_OK)
         return false;
     for (std::uint32_t const serviceId : plan.removals) {
@@ -158,7 +158,7 @@ bool writeRemovals(unsigned int favoriteListId, FavListPlan const& plan) {
 
 EditOutcome writeFavTags(unsigned int favIndex, FavListPlan const& plan) {
     Statement tag;
-    if (prepareForEdit(CALL_SITE, kFavTagUpdates[favIndex - 1], tag) != SQLITE_OK)
+    if (waitAndPrepare(CALL_SITE, kFavTagUpdates[favIndex - 1], tag) != SQLITE_OK)
         return EditOutcome::Failed;
     for (FavListPlan::Addition const& added : plan.additions) {
         tag.rebind(1, added.serviceId);

@@ -5,9 +5,9 @@
 #include "db_access/broadcast_numbers.h"
 #include "db_access/callback_value.h"
 #include "db_access/edit_entries.h"
-#include "db_access/edit_reads.h"
 #include "db_access/session.h"
 #include "db_access/statement.h"
+#include "db_access/waiting_reads.h"
 #include "support/number_text.h"
 
 namespace channellist {
@@ -120,7 +120,7 @@ int dbaccess::renumberFAVList(unsigned int listPid, unsigned char favIndex) {
     traceNumbers(ottNumbers, favIndex, site);
     {
         Statement update;
-        if (prepareForEdit(site, "UPDATE FavoriteItem SET ChannelNum = ? WHERE Id = ?; ", update) !=
+        if (waitAndPrepare(site, "UPDATE FavoriteItem SET ChannelNum = ? WHERE Id = ?; ", update) !=
             SQLITE_OK)
             return kFailed;
         writeNumbers(itemIds, BroadcastNumbers(ottNumbers), update, site);

@@ -1,7 +1,7 @@
 // The services of one list, in the order in which the set shows them.
 #include "db_access/busy_retry.h"
+#include "db_access/read_transaction.h"
 #include "db_access/session.h"
-#include "db_access/spare_rollback.h"
 #include "db_access/sql_literal.h"
 #include "dbservice_query_result/service_columns.h"
 
@@ -11,45 +11,6 @@ namespace {
 constexpr LogModule kLogModule = LogModule::DatabaseAccess;
 constexpr int kBusyTimeoutMilliseconds = 1000;
 constexpr unsigned int kOrderByMediaType = 0x200;  // of a list's attributes
-
-// The read transaction of one query: the attribute lookup and the rows see one state of the file,
-// as long as the lookup's `db` is this connection. When the frame is left without end(), or COMMIT
-// fails, what was begun here is rolled back.
-class ReadTransaction {
-  public:
-    ReadTransaction(sqlite3* connection, CallSite const& site) : connection_(connection) {
-        int const code = spare_.prepare(connection);
-        if (code == SQLITE_OK)
-            open_ = run("BEGIN TRANSACTION", site) == SQLITE_OK;
-        else
-            LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
-    }
-    ~ReadTransaction() {
-        if (open_)
-            spare_.finish(connection_);
-    }
-    ReadTransaction(ReadTransaction const&) = delete;
-    ReadTransaction& operator=(ReadTransaction const&) = delete;
-
-    // COMMIT is issued even when BEGIN failed.
-    int end(CallSite const& site) {
-        int const code = run("COMMIT TRANSACTION", site);
-        open_ = open_ && code != SQLITE_OK;
-        return code;
-    }
-
-  private:
-    int run(char const* sql, CallSite const& site) {
-        int const code = sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr);
-        if (code != SQLITE_OK)
-            LOG_FORMAT_AT(site, kLogModule, Error, "SQL error:%d", code);
-        return code;
-    }
-
-    sqlite3* connection_;
-    SpareRollback spare_;
-    bool open_ = false;
-};
 
 std::string serviceQuery(std::string const& favoriteUuId, bool byMediaType) {
     std::string sql = "SELECT ";
@@ -61,13 +22,13 @@ std::string serviceQuery(std::string const& favoriteUuId, bool byMediaType) {
 }
 
 // Runs the query, over again while the database is busy; rows of an attempt that failed so are
-// dropped, that none comes twice.
+// dropped, that none comes twice. Returns SQLite's code.
 //
 // A host may pass no result with a list that has no rows: `rows` is looked at only where it exists.
-void queryServices(sqlite3* connection, std::string const& sql, ResultSet* rows,
-                   CallSite const& site) {
+int queryServices(sqlite3* connection, std::string const& sql, ResultSet* rows,
+                  CallSite const& site) {
     std::size_t const before = rows != nullptr ? rows->size() : 0;
-    retryWhileBusy(kQueryAttempts, site, kLogModule, [&] {
+    return retryWhileBusy(kQueryAttempts, site, kLogModule, [&] {
         m_selectedServiceListId = 1;
         int const code =
             sqlite3_exec(connection, sql.c_str(), dbaccess::service_callback, rows, nullptr);
@@ -79,6 +40,24 @@ void queryServices(sqlite3* connection, std::string const& sql, ResultSet* rows,
             rows->pop_back();  // SQLite handed out a null where it lacked memory for a text
         return code;
     });
+}
+
+// Whether the list's attributes ask for the order by media type.
+struct Order {
+    int code = SQLITE_OK;  // of the lookup; without it the order is that of the channel numbers
+    bool byMediaType = false;
+};
+
+Order readOrder(std::string const& favoriteUuId, CallSite const& site) {
+    Order order;
+    unsigned int attributes = 0;
+    order.code = dbaccess::getFavriteAttributes(favoriteUuId, &attributes);
+    order.byMediaType = order.code == SQLITE_OK && (attributes & kOrderByMediaType) != 0;
+    if (order.byMediaType)
+        LOG_TEXT_AT(site, kLogModule, Verbose,
+                    "Some Operators Order by MediaType then ChnanelNum.");
+    LOG_FORMAT_AT(site, kLogModule, Verbose, "attributes: %d.", static_cast<int>(attributes));
+    return order;
 }
 
 }  // namespace
@@ -100,14 +79,19 @@ ResultSet dbaccess::get_dbservices(std::string favoriteUuId) {
 }
 
 int dbaccess::select_dbservice(sqlite3* connection, std::string favoriteUuId, void* result) {
-    ReadTransaction transaction(connection, CALL_SITE);
-    unsigned int attributes = 0;
-    bool const byMediaType = getFavriteAttributes(favoriteUuId, &attributes) == SQLITE_OK &&
-                             (attributes & kOrderByMediaType) != 0;
-    if (byMediaType)
-        LOG_TEXT(Verbose, "Some Operators Order by MediaType then ChnanelNum.");
-    std::string const sql = serviceQuery(favoriteUuId, byMediaType);
-    LOG_FORMAT(Verbose, "attributes: %d.", static_cast<int>(attributes));
-    queryServices(connection, sql, static_cast<ResultSet*>(result), CALL_SITE);
-    return transaction.end(CALL_SITE);
+    CallSite const site = CALL_SITE;
+    auto* const rows = static_cast<ResultSet*>(result);
+    std::size_t const before = rows != nullptr ? rows->size() : 0;
+    ReadTransaction transaction(connection, site);
+    Order const order = readOrder(favoriteUuId, site);
+    int const code =
+        queryServices(connection, serviceQuery(favoriteUuId, order.byMediaType), rows, site);
+    // A lock that kept the order from us, but not the rows: the transaction shows the same state
+    // to both now.
+    bool const isOrderMissing = order.code == SQLITE_BUSY && code == SQLITE_OK;
+    if (isOrderMissing && rows != nullptr && readOrder(favoriteUuId, site).byMediaType) {
+        rows->resize(before);
+        queryServices(connection, serviceQuery(favoriteUuId, true), rows, site);
+    }
+    return transaction.end(site);
 }

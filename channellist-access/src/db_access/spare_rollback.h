@@ -1,4 +1,4 @@
-// A rollback that works without memory.
+// Whether a transaction is open, and a rollback that ends it in any case.
 #ifndef CHANNELLIST_DB_ACCESS_SPARE_ROLLBACK_H
 #define CHANNELLIST_DB_ACCESS_SPARE_ROLLBACK_H
 
@@ -7,6 +7,12 @@
 #include "support/log.h"
 
 namespace channellist {
+
+// What is true, whatever the statement returned that should have begun or ended a transaction: an
+// interrupt may hit one that has done its work.
+inline bool isInTransaction(sqlite3* connection) {
+    return connection != nullptr && sqlite3_get_autocommit(connection) == 0;
+}
 
 // Where memory has run out, "ROLLBACK TRANSACTION" cannot be prepared any more: the transaction
 // would stay open, keep its locks, and be committed by whoever ends the next one. So the statement
@@ -27,12 +33,23 @@ class SpareRollback {
 
     // Ends the transaction if it is still open.
     void finish(sqlite3* connection) {
-        if (sqlite3_get_autocommit(connection) == 0 && sqlite3_step(statement_) != SQLITE_DONE)
+        if (isInTransaction(connection))
+            sqlite3_step(statement_);
+        if (isInTransaction(connection))
+            finishUnderInterrupts(connection);
+        if (isInTransaction(connection))
             LOG_FORMAT_AT(CALL_SITE, LogModule::DatabaseAccess, Error, "not rolled back: %s",
                           sqlite3_errmsg(connection));
     }
 
   private:
+    // A host's handler that interrupts everything interrupts the rollback, too. But SQLite rolls
+    // the transaction back when an interrupt hits a statement that may write: this one writes
+    // nothing if it gets through.
+    static void finishUnderInterrupts(sqlite3* connection) {
+        sqlite3_exec(connection, "DELETE FROM FavoriteItem WHERE 0;", nullptr, nullptr, nullptr);
+    }
+
     sqlite3_stmt* statement_ = nullptr;
 };
 

@@ -1,18 +1,20 @@
 // channellist edit LIST [OPERATION...]
 #include <channellist-access/db_access.h>
 
+#include <algorithm>
 #include <iostream>
 
 #include "commands/commands.h"
+#include "database/frozen_database.h"
 #include "database/list_naming.h"
-#include "database/query.h"
 #include "database/session.h"
-#include "edit/request.h"
+#include "edit/merge.h"
+#include "edit/write_list.h"
+#include "editing/question.h"
 #include "editing/text_edit.h"
 #include "failure.h"
 #include "lists/difference.h"
 #include "lists/operations.h"
-#include "lists/reserved_numbers.h"
 #include "output/differences.h"
 #include "output/print_rows.h"
 #include "text/display_text.h"
@@ -45,35 +47,8 @@ void checkVerbs(List const& list, std::vector<Operation> const& operations) {
     }
 }
 
-std::vector<Entry> storedEntries(List const& list) {
-    Entries stored = readEntries(list.uuid);
-    if (!stored.complete) {
-        throw Failure(
-            "not all services could be read, and an edit would lose the others; \"channellist "
-            "check\" tells why");
-    }
-    return std::move(stored.entries);
-}
-
-std::vector<Entry> addableServices(std::vector<Operation> const& operations) {
-    for (Operation const& operation : operations)
-        if (operation.verb == Verb::Add)
-            return readEntries(allServicesList().uuid).entries;
-    return {};
-}
-
-// A FAV list's request drops stored items that the library does not deliver.
-void noteUndelivered(List const& list, std::size_t delivered) {
-    Query count(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId = ?");
-    count.bind(std::int64_t{list.pid}).next();
-    auto const lost = count.number(0) - static_cast<std::int64_t>(delivered);
-    if (list.favIndex != 0 && lost > 0) {
-        std::cerr << "channellist: " << displayText(displayName(list)) << " holds " << lost
-                  << " items that it cannot show; the edit drops them\n";
-    }
-}
-
-void report(Options const& options, std::vector<Change> const& changes) {
+void report(Options const& options, Written const& written) {
+    std::vector<Change> const changes = differences(written.before, written.after);
     std::string const result = changes.empty()  ? "Nothing to change."
                                : options.dryRun ? "Dry run: nothing is written."
                                                 : "Written, and flushed to the disk.";
@@ -88,42 +63,115 @@ void report(Options const& options, std::vector<Change> const& changes) {
     std::cout << result << "\n";
 }
 
-// Brings the list to its new content, in one request.
-void write(Session& session, Options const& options, List const& list,
-           std::vector<Entry> const& before, std::vector<Entry> const& after) {
-    bool const isFav = list.favIndex != 0;
-    if (options.dryRun)
-        session.continueOnCopy();
-    Snapshot const stored = takeSnapshot(list);
-    UndoStore undo(options.database, !options.dryRun && !options.noUndo);
-    if (after != before) {
-        noteUndelivered(list, before.size());
-        undo.keepLists("edit " + displayName(list), stored);
-        submit(isFav ? favListRequest(list, after)
-                     : otherListRequest(list, before, after, options.renumber));
-    }
-    if (isFav && options.renumber) {
-        if (after == before)
-            undo.keepLists("edit " + displayName(list) + " --renumber", stored);
-        renumber(list);
-    }
-    Snapshot const written = takeSnapshot(list);
-    undo.keepOnlyChanged(written);
-    report(options, differences(stored, written));
+std::vector<Change> changesBetween(List const& list, std::vector<Entry> const& before,
+                                   std::vector<Entry> const& after) {
+    return differences({{list.uuid, displayName(list), before}},
+                       {{list.uuid, displayName(list), after}});
 }
 
-// An unchanged text, and a "no", leave everything as it is.
-void editInEditor(Session& session, Options const& options, List const& list,
-                  std::vector<Entry> const& before) {
-    EditorFile file;
-    auto const after = contentFromEditor(list, before, file);
-    if (!after || *after == before)
-        report(options, {});
-    else if (options.dryRun || options.json || confirm(list, before, *after))
-        write(session, options, list, before, *after);
-    else
-        throw Failure("nothing is written");
-    file.remove();
+std::string describe(Change const& change) {
+    return change.name + " " + joined(change.what, " and ") +
+           (change.before.empty() || change.before == change.after ? ""
+                                                                   : " from " + change.before) +
+           (change.after.empty() || change.before == change.after ? "" : " to " + change.after);
+}
+
+// A line for each entry that others changed.
+std::string tellOthers(List const& list, std::vector<Entry> const& before,
+                       std::vector<Entry> const& after) {
+    std::string lines = displayName(list) + " has changed meanwhile:";
+    for (Change const& change : changesBetween(list, before, after))
+        lines += "\n  others: " + describe(change);
+    return lines;
+}
+
+void applyOperations(Options const& options, std::vector<Operation> const& operations,
+                     Keeping const& keeping) {
+    std::vector<Entry> all;
+    bool const adds = std::any_of(operations.begin(), operations.end(),
+                                  [](Operation const& each) { return each.verb == Verb::Add; });
+    auto const see = [&] {
+        FrozenDatabase const frozen;
+        if (adds)
+            all = readEntries(allServicesList().uuid).entries;
+        return seeList(findList(options.list));
+    };
+    auto const want = [&](SeenList const& seen) {
+        ListContent content(displayName(seen.list), seen.entries, seen.reserved);
+        apply(operations, all, content);
+        return WantedList{content.entries(), options.renumber};
+    };
+    report(options, writeAgainAndAgain(see, want, keeping));
+}
+
+// A file says what the list is to be, whatever it was: what comes in between is told.
+void takeFile(Options const& options, std::string const& text, Keeping const& keeping) {
+    Sight const sight = look(options.list);
+    std::vector<Entry> const after =
+        contentOf(sight, text, options.from == "-" ? "input" : options.from);
+    Written const written = writeLists({{sight.seen, {after, options.renumber}}}, keeping);
+    if (written.ending == Ending::Overtaken) {
+        throw Failure(
+            tellOthers(sight.seen.list, sight.seen.entries, look(options.list).seen.entries) +
+            "\nnothing is written");
+    }
+    report(options, written);
+}
+
+bool confirm(ListEdit const& edit, EditorSession const& editor) {
+    auto const show = [&](std::ostream& out) {
+        printDifferences(differences(edit.seen.reached, expectedLists(edit)), out);
+    };
+    std::string const name = displayText(displayName(edit.seen.list));
+    return ask(show, "Your text is in " + displayText(editor.path()) +
+                         " until it is written. Write this to " + name + "?");
+}
+
+// What was wanted of the list as it was seen, wanted of the list as it is now. None where the user
+// left it open.
+std::optional<std::vector<Entry>> mergeInto(Sight const& now, Sight const& then,
+                                            std::vector<Entry> const& wanted,
+                                            EditorSession& editor) {
+    List const& list = now.seen.list;
+    Merge merged = merge(then.seen.entries, now.seen.entries, wanted, now.seen.reserved);
+    std::cerr << "channellist: "
+              << displayLines(tellOthers(list, then.seen.entries, now.seen.entries)) << "\n";
+    for (Change const& change : changesBetween(list, then.seen.entries, wanted))
+        std::cerr << "  you: " << displayText(describe(change)) << "\n";
+    if (!merged.conflicts.empty())
+        return editor.resolve(now, merged);
+    for (std::string const& note : merged.notes)
+        std::cerr << "  merged: " << displayText(note) << "\n";
+    return std::move(merged.entries);
+}
+
+// An unchanged text, and a "no", leave everything as it is. What others write while the editor is
+// open, or the question, is merged.
+void editInEditor(Options const& options, Keeping const& keeping) {
+    EditorSession editor;
+    Sight sight = look(options.list);
+    std::optional<std::vector<Entry>> wanted = editor.edit(sight);
+    bool const isUnchanged = !wanted;
+    Written written;
+    while (wanted) {
+        Sight now = look(sight.seen.list.uuid);
+        if (now.seen.stored != sight.seen.stored) {
+            wanted = mergeInto(now, sight, *wanted, editor);
+            if (!wanted)
+                throw Failure("nothing is written");
+        }
+        sight = std::move(now);
+        ListEdit const edit{sight.seen, {*wanted, options.renumber}};
+        bool const asks = !options.dryRun && !options.json && canAsk();
+        if (asks && *wanted != sight.seen.entries && !confirm(edit, editor))
+            throw Failure("nothing is written");
+        written = writeLists({edit}, keeping);
+        if (written.ending != Ending::Overtaken)
+            break;
+    }
+    report(options, written);
+    if (!options.dryRun || isUnchanged)
+        editor.done();
 }
 
 void checkUsage(Options const& options, std::vector<Operation> const& operations) {
@@ -134,19 +182,20 @@ void checkUsage(Options const& options, std::vector<Operation> const& operations
 int run(std::string const& database, Options const& options) {
     std::vector<Operation> const operations = parseOperations(options.words);
     checkUsage(options, operations);
+    std::string const text = options.from.empty() ? std::string() : readText(options.from);
     Session session(database, options.dryRun ? Access::Read : Access::Write);
     List const list = findList(options.list);
     checkVerbs(list, operations);
-    std::vector<Entry> const before = storedEntries(list);
-    if (!options.from.empty()) {
-        write(session, options, list, before, contentFromFile(list, before, options.from));
-    } else if (operations.empty() && !options.renumber) {
-        editInEditor(session, options, list, before);
-    } else {
-        ListContent content(displayName(list), before, reservedNumbers(list));
-        apply(operations, addableServices(operations), content);
-        write(session, options, list, before, content.entries());
-    }
+    if (options.dryRun)
+        session.continueOnCopy();
+    UndoStore undo(options.database, !options.dryRun && !options.noUndo);
+    Keeping const keeping{undo, "edit " + displayName(list)};
+    if (!options.from.empty())
+        takeFile(options, text, keeping);
+    else if (operations.empty() && !options.renumber)
+        editInEditor(options, keeping);
+    else
+        applyOperations(options, operations, keeping);
     return kSuccess;
 }
 

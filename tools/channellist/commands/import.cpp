@@ -7,12 +7,12 @@
 #include <map>
 
 #include "commands/commands.h"
+#include "database/frozen_database.h"
 #include "database/session.h"
 #include "database/waiting.h"
-#include "edit/request.h"
+#include "edit/favourites.h"
 #include "failure.h"
 #include "lists/difference.h"
-#include "lists/favourites.h"
 #include "output/differences.h"
 #include "output/progress.h"
 #include "text/display_text.h"
@@ -95,30 +95,10 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
               << " lines skipped\n";
 }
 
-// The lists that change; a failure in one leaves those before it written, and tells so.
-void submitChanged(std::vector<Favourites> const& all, UndoStore& undo) {
-    Snapshot const before = takeSnapshot(List());
-    undo.keepLists("import --favourites", before);
-    try {
-        for (Favourites const& favourites : all)
-            if (isChanged(favourites))
-                submitFavList(favourites.list, favourites.before, favourites.entries);
-    } catch (...) {
-        Snapshot const now = takeSnapshot(List());
-        undo.keepOnlyChanged(now);
-        if (auto const written = differences(before, now); !written.empty()) {
-            std::cerr << "channellist: written before the failure:\n";
-            printDifferences(written);
-        }
-        throw;
-    }
-    undo.keepOnlyChanged(takeSnapshot(List()));
-}
-
 void tell(std::vector<Favourites> const& all) {
     for (Favourites const& favourites : all) {
         std::string const start =
-            "channellist: " + displayText(displayName(favourites.list)) + ": ";
+            "channellist: " + displayText(displayName(favourites.edit.seen.list)) + ": ";
         for (std::string const& note : favourites.notes)
             std::cerr << start << displayText(note) << "\n";
         for (std::string const& channel : favourites.notFound)
@@ -126,8 +106,9 @@ void tell(std::vector<Favourites> const& all) {
                       << "\n";
     }
     for (Favourites const& favourites : all) {
-        std::cout << displayText(displayName(favourites.list)) << ": " << favourites.entries.size()
-                  << " services, " << favourites.notFound.size() << " not found\n";
+        std::cout << displayText(displayName(favourites.edit.seen.list)) << ": "
+                  << favourites.edit.wanted.entries.size() << " services, "
+                  << favourites.notFound.size() << " not found\n";
     }
 }
 
@@ -135,14 +116,25 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
     Session session(options.database, options.dryRun ? Access::Read : Access::Write);
     if (options.dryRun)
         session.continueOnCopy();
-    std::vector<Favourites> const all = findFavourites(list, options.favList);
-    Snapshot const before = takeSnapshot(List());
+    std::vector<Favourites> all;
+    {
+        FrozenDatabase const frozen;
+        all = findFavourites(list, options.favList);
+    }
     UndoStore undo(options.database, !options.dryRun && !options.noUndo);
-    submitChanged(all, undo);
-    std::vector<Change> const changes = differences(before, takeSnapshot(List()));
+    std::vector<ListEdit> edits;
+    for (Favourites const& favourites : all)
+        edits.push_back(favourites.edit);
+    Written const written = writeLists(edits, {undo, "import --favourites"});
+    std::vector<Change> const changes = differences(written.before, written.after);
     if (!changes.empty())
         printDifferences(changes);
     tell(all);
+    if (!written.overtaken.empty()) {
+        throw Failure(
+            written.overtaken + " has changed meanwhile; " +
+            (changes.empty() ? "nothing is written" : "only what is shown above is written"));
+    }
     std::cout << (changes.empty()  ? "Nothing to change.\n"
                   : options.dryRun ? "Dry run: nothing is written.\n"
                                    : "Written, and flushed to the disk.\n");

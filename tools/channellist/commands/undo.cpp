@@ -8,7 +8,7 @@
 
 #include "commands/commands.h"
 #include "database/session.h"
-#include "edit/request.h"
+#include "edit/write_list.h"
 #include "failure.h"
 #include "lists/difference.h"
 #include "lists/text_services.h"
@@ -127,10 +127,9 @@ void bringBackList(ListEntries const& kept, std::vector<Entry> const& all) {
     std::vector<Entry> const after = isFav ? entries : withKept(now.entries, entries);
     if (after == now.entries)
         return;
-    if (isFav)
-        submitFavList(*list, now.entries, after);
-    else
-        submit(otherListRequest(*list, now.entries, after, false));
+    UndoStore off("", false);
+    if (writeLists({{seeList(*list), {after, false}}}, {off, "undo"}).ending == Ending::Overtaken)
+        throw Failure(displayName(*list) + " has changed meanwhile");
 }
 
 // The list that was edited stands first: what it hides or shows, it does so in the FAV lists, too.

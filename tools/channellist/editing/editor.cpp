@@ -1,8 +1,11 @@
 #include "editing/editor.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -15,6 +18,9 @@
 
 namespace tool {
 namespace {
+
+// No person opens, reads and closes a text in less.
+constexpr std::chrono::milliseconds kFastest{1000};
 
 std::string environment(char const* name) {
     char const* const value = std::getenv(name);
@@ -53,12 +59,28 @@ EditorFile::~EditorFile() {
         std::cerr << "channellist: your text is kept in " << displayText(path_) << "\n";
 }
 
+// Whole or not at all: what the user wrote stays when there is no room for another text.
+void EditorFile::write(std::string const& text) const {
+    std::string const unfinished = path_ + ".part";
+    mode_t const before = umask(S_IRWXG | S_IRWXO);
+    std::ofstream out(unfinished);
+    umask(before);
+    out << text;
+    out.close();
+    if (!out || rename(unfinished.c_str(), path_.c_str()) != 0) {
+        std::string const reason = std::strerror(errno);
+        unlink(unfinished.c_str());
+        throw Failure("cannot write " + path_ + ": " + reason);
+    }
+}
+
 std::string EditorFile::edit(std::string const& text) {
-    if (!(std::ofstream(path_) << text).flush())
-        throw Failure("cannot write " + path_);
+    write(text);
     std::string const command = editorCommand();
     std::cout.flush();
+    auto const began = std::chrono::steady_clock::now();
     int const status = std::system((command + " " + quoted(path_)).c_str());
+    cameBackAtOnce_ = std::chrono::steady_clock::now() - began < kFastest;
     if (status != 0)
         throw Failure("the editor \"" + command + "\" failed; nothing is written");
     std::ifstream file(path_);

@@ -14,12 +14,19 @@ class EditorFile {
     EditorFile(EditorFile const&) = delete;
     EditorFile& operator=(EditorFile const&) = delete;
 
-    // What $VISUAL, $EDITOR or else vi makes of the text. Throws Failure when the editor fails.
+    std::string const& path() const { return path_; }
+    // What $VISUAL, $EDITOR or else vi makes of the text. Throws Failure when the text cannot be
+    // written, and the file is as it was, or when the editor fails.
     std::string edit(std::string const& text);
+    // Whether the editor came back as fast as one that works on in a window of its own.
+    bool cameBackAtOnce() const { return cameBackAtOnce_; }
     void remove();
 
   private:
+    void write(std::string const& text) const;
+
     std::string path_;  // "" once it is removed
+    bool cameBackAtOnce_ = false;
 };
 
 }  // namespace tool

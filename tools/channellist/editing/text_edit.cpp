@@ -1,24 +1,96 @@
 #include "editing/text_edit.h"
 
-#include <unistd.h>
-
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <sstream>
 
+#include "database/frozen_database.h"
+#include "editing/question.h"
 #include "failure.h"
-#include "lists/difference.h"
 #include "lists/list_csv.h"
-#include "lists/reserved_numbers.h"
 #include "lists/text_order.h"
-#include "output/differences.h"
 #include "text/display_text.h"
 
 namespace tool {
 namespace {
 
-constexpr char kErrorMark[] = "#! ";
+constexpr char kRemark[] = "#! ";
+constexpr int kMostRounds = 10;  // of an editor that nobody sits at
+
+TextOrder orderOf(Sight const& sight, std::string const& text) {
+    return orderByText(sight.seen.list, sight.seen.entries, sight.joining, sight.seen.reserved,
+                       isCsv(text) ? parseCsv(text) : parseList(text));
+}
+
+std::vector<Entry> accept(TextOrder&& order) {
+    for (std::string const& note : order.notes)
+        std::cerr << "channellist: " << displayText(note) << "\n";
+    return std::move(order.entries);
+}
+
+// Without those of an earlier round.
+std::string withoutRemarks(std::string const& text) {
+    std::istringstream lines(text);
+    std::string kept;
+    for (std::string line; std::getline(lines, line);)
+        if (line.compare(0, sizeof kRemark - 1, kRemark) != 0)
+            kept += line + "\n";
+    return kept;
+}
+
+// Each above the line that it tells of; one of line 0 on top.
+std::string withRemarks(std::string const& text, std::vector<TextError> const& remarks) {
+    std::string marked;
+    int count = 0;
+    auto const add = [&] {
+        for (TextError const& remark : remarks)
+            if (remark.line == count)
+                marked += kRemark + remark.sentence + "\n";
+    };
+    add();
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line); marked += line + "\n") {
+        ++count;
+        add();
+    }
+    return marked;
+}
+
+// The line of the text that means the entry; 0 for none.
+int lineOf(Entry const& entry, ListText const& text) {
+    auto const found = std::find_if(
+        text.lines.begin(), text.lines.end(),
+        [&](TextLine const& line) { return line.key == std::int64_t{entry.serviceId}; });
+    return found == text.lines.end() ? 0 : found->line;
+}
+
+std::vector<Entry> byNumber(std::vector<Entry> entries) {
+    std::stable_sort(entries.begin(), entries.end(), [](Entry const& a, Entry const& b) {
+        return a.number && (!b.number || *a.number < *b.number);
+    });
+    return entries;
+}
+
+std::string asComment(std::string const& text) {
+    std::istringstream lines(text);
+    std::string comment = "\n# Your text as you left it:\n";
+    for (std::string line; std::getline(lines, line);)
+        comment += "#  " + line + "\n";
+    return comment;
+}
+
+}  // namespace
+
+Sight look(std::string const& word) {
+    FrozenDatabase const frozen;
+    Sight sight;
+    sight.seen = seeList(findList(word));
+    if (sight.seen.list.favIndex != 0)
+        sight.joining = readEntries(allServicesList().uuid).entries;
+    return sight;
+}
 
 std::string readText(std::string const& file) {
     std::ifstream stored;
@@ -31,90 +103,60 @@ std::string readText(std::string const& file) {
     return text;
 }
 
-TextOrder orderOf(List const& list, std::vector<Entry> const& before, std::string const& text) {
-    std::vector<Entry> const joining =
-        list.favIndex != 0 ? readEntries(allServicesList().uuid).entries : std::vector<Entry>();
-    return orderByText(list, before, joining, reservedNumbers(list),
-                       isCsv(text) ? parseCsv(text) : parseList(text));
-}
-
-std::vector<Entry> accept(TextOrder&& order) {
-    for (std::string const& note : order.notes)
-        std::cerr << "channellist: " << displayText(note) << "\n";
-    return std::move(order.entries);
-}
-
-// Without the comments of an earlier round.
-std::string withoutErrors(std::string const& text) {
-    std::istringstream lines(text);
-    std::string kept;
-    for (std::string line; std::getline(lines, line);)
-        if (line.compare(0, sizeof kErrorMark - 1, kErrorMark) != 0)
-            kept += line + "\n";
-    return kept;
-}
-
-// The errors stand above the lines that they tell of.
-std::string withErrors(std::string const& text, std::vector<TextError> const& errors) {
-    std::istringstream lines(text);
-    std::string marked = std::string(kErrorMark) + "Nothing is written yet; errors stand below.\n";
-    int count = 0;
-    for (std::string line; std::getline(lines, line);) {
-        ++count;
-        for (TextError const& error : errors)
-            if (error.line == count)
-                marked += kErrorMark + error.sentence + "\n";
-        marked += line + "\n";
-    }
-    return marked;
-}
-
-}  // namespace
-
-std::vector<Entry> contentFromFile(List const& list, std::vector<Entry> const& before,
-                                   std::string const& file) {
-    TextOrder order = orderOf(list, before, readText(file));
-    if (!order.errors.empty()) {
-        throw Failure("nothing is written:\n" +
-                      explainErrors(file == "-" ? "input" : file, order.errors));
-    }
+std::vector<Entry> contentOf(Sight const& sight, std::string const& text,
+                             std::string const& source) {
+    TextOrder order = orderOf(sight, text);
+    if (!order.errors.empty())
+        throw Failure("nothing is written:\n" + explainErrors(source, order.errors));
     return accept(std::move(order));
 }
 
-std::optional<std::vector<Entry>> contentFromEditor(List const& list,
-                                                    std::vector<Entry> const& before,
-                                                    EditorFile& file) {
-    std::string shown = formatList(displayName(list), before);
-    std::string edited = file.edit(shown);
-    if (edited == shown || edited.empty())
-        return std::nullopt;
-    for (;;) {
-        std::string const text = withoutErrors(edited);
-        TextOrder order = orderOf(list, before, text);
-        if (order.errors.empty()) {
-            if (readEntries(list.uuid).entries != before) {
-                throw Failure(displayName(list) +
-                              " has changed in the database meanwhile; nothing is written");
-            }
-            return accept(std::move(order));
+std::optional<std::vector<Entry>> EditorSession::edit(Sight const& sight) {
+    return rounds(sight, formatList(displayName(sight.seen.list), sight.seen.entries));
+}
+
+std::optional<std::vector<Entry>> EditorSession::rounds(Sight const& sight, std::string shown) {
+    for (int round = 1;; ++round) {
+        std::string const edited = file_.edit(shown);
+        if (round == 1 && (edited == shown || edited.empty())) {
+            isLeftAlone_ = edited == shown;
+            return std::nullopt;
         }
-        shown = withErrors(text, order.errors);
-        edited = file.edit(shown);
-        if (edited == shown || edited.empty())
+        text_ = withoutRemarks(edited);
+        TextOrder order = orderOf(sight, text_);
+        if (order.errors.empty())
+            return accept(std::move(order));
+        bool const isLeft = edited == shown || edited.empty();
+        if (isLeft || (round == kMostRounds && !canAsk()))
             throw Failure("nothing is written:\n" + explainErrors("text", order.errors));
+        order.errors.insert(order.errors.begin(),
+                            {0, "Nothing is written yet; errors stand below."});
+        shown = withRemarks(text_, order.errors);
     }
 }
 
-bool confirm(List const& list, std::vector<Entry> const& before, std::vector<Entry> const& after) {
-    if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0)
-        return true;
-    printDifferences(differences({{list.uuid, displayName(list), before}},
-                                 {{list.uuid, displayName(list), after}}));
-    std::cout.flush();
-    std::cerr << "Write this to " << displayText(displayName(list)) << "? [y/N] ";
-    std::string answer;
-    std::getline(std::cin, answer);
-    return answer == "y" || answer == "Y" || answer == "yes";
+// Both changes as one list, with remarks where they are at odds, and the user's own text below.
+std::optional<std::vector<Entry>> EditorSession::resolve(Sight const& now, Merge const& merge) {
+    std::string const text =
+        formatList(displayName(now.seen.list), byNumber(merge.entries)) + asComment(text_);
+    ListText const lines = parseList(text);
+    std::vector<TextError> remarks = {
+        {0, "The list has changed meanwhile. Save the text as you want the list."}};
+    for (Conflict const& conflict : merge.conflicts)
+        remarks.push_back(
+            {lineOf(conflict.base, lines),
+             conflict.base.name + ": others " + conflict.theirs + "; you " + conflict.mine});
+    return rounds(now, withRemarks(text, remarks));
+}
+
+void EditorSession::done() {
+    if (isLeftAlone_ && file_.cameBackAtOnce()) {
+        std::cerr
+            << "channellist: the editor came back at once and changed nothing; should it still"
+               " be open, save there and take the file with \"edit --from\"\n";
+        return;
+    }
+    file_.remove();
 }
 
 }  // namespace tool

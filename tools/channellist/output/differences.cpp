@@ -12,9 +12,9 @@ std::vector<Column> differenceColumns() {
             {"Name", Align::Left, kIsCut}, {"Id", Align::Right, 1}};
 }
 
-void printDifferences(std::vector<Change> const& changes) {
+void printDifferences(std::vector<Change> const& changes, std::ostream& out) {
     if (changes.empty()) {
-        std::cout << "no entry of a list differs\n";
+        out << "no entry of a list differs\n";
         return;
     }
     TextTable table(differenceColumns());
@@ -27,7 +27,7 @@ void printDifferences(std::vector<Change> const& changes) {
                    change.name,
                    std::to_string(change.serviceId)});
     }
-    table.print(std::cout);
+    table.print(out);
 }
 
 }  // namespace tool

@@ -1,6 +1,7 @@
 // The table of what an edit changed.
 #pragma once
 
+#include <iostream>
 #include <vector>
 
 #include "lists/difference.h"
@@ -11,6 +12,6 @@ namespace tool {
 
 // Of the table that printDifferences prints, for the help of a command that calls it.
 std::vector<Column> differenceColumns();
-void printDifferences(std::vector<Change> const& changes);
+void printDifferences(std::vector<Change> const& changes, std::ostream& out = std::cout);
 
 }  // namespace tool

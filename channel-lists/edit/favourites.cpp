@@ -1,15 +1,13 @@
-#include "lists/favourites.h"
+#include "edit/favourites.h"
 
 #include <algorithm>
 #include <deque>
 #include <map>
 #include <set>
-#include <tuple>
 
 #include "failure.h"
 #include "lists/favourite_services.h"
 #include "lists/list_text.h"
-#include "lists/reserved_numbers.h"
 #include "lists/text_services.h"
 
 namespace channel_lists {
@@ -31,16 +29,9 @@ class Collector {
   public:
     Collector(List const& list, bool isOnwards, FavouriteServices const& services,
               std::vector<Entry> const& all)
-        : services_(services), all_(all), reserved_(reservedNumbers(list)), isOnwards_(isOnwards) {
-        result_.list = list;
-        Entries stored = readEntries(list.uuid);
-        if (!stored.complete) {
-            throw Failure("not all services of " + displayName(list) +
-                          " could be read, and an edit would lose the others; \"channellist check\""
-                          " tells why");
-        }
-        result_.before = std::move(stored.entries);
-        for (Entry const& entry : result_.before)
+        : services_(services), all_(all), isOnwards_(isOnwards) {
+        result_.edit.seen = seeList(list);
+        for (Entry const& entry : before())
             stored_[entry.serviceId].push_back(&entry);
     }
 
@@ -68,7 +59,7 @@ class Collector {
     void add(OtherEntry const& other) {
         ListText const text = parseList(other.text);
         std::string error = "the comment cannot be read";
-        TextServices const services(result_.before, all_);
+        TextServices const services(before(), all_);
         Entry const* const found =
             text.lines.empty() ? nullptr : services.find(text.lines[0], error);
         if (found == nullptr) {
@@ -79,24 +70,27 @@ class Collector {
         entry.number = text.lines[0].number;
         entry.deleted = text.lines[0].hidden;
         if (take(entry.serviceId))
-            result_.entries.push_back(entry);
+            entries().push_back(entry);
     }
 
     void noteGroup(std::string const& group) {
-        if (group != displayName(result_.list))
+        if (group != displayName(result_.edit.seen.list))
             result_.notes.push_back("written from \"" + group + "\"");
     }
 
     // Of a list that is not there at all nothing is taken away.
     Favourites result() {
-        if (result_.entries.empty() && !result_.notFound.empty()) {
-            result_.entries = result_.before;
+        if (entries().empty() && !result_.notFound.empty()) {
+            entries() = before();
             result_.notes.emplace_back("none of its channels is found; the list stays as it is");
         }
         return std::move(result_);
     }
 
   private:
+    std::vector<Entry> const& before() const { return result_.edit.seen.entries; }
+    std::vector<Entry>& entries() { return result_.edit.wanted.entries; }
+
     bool isStoredAt(unsigned int id, std::int64_t number) const {
         auto const stored = stored_.find(id);
         return stored != stored_.end() &&
@@ -121,18 +115,17 @@ class Collector {
     void place(Entry entry) {
         if (!entry.deleted) {
             bool const stays = isStoredAt(entry.serviceId, *entry.number);
-            while (reserved_.count(*entry.number) != 0 ||
+            while (result_.edit.seen.reserved.count(*entry.number) != 0 ||
                    (!stays && numbers_.count(*entry.number) != 0))
                 ++*entry.number;
             numbers_.insert(*entry.number);
             next_ = *entry.number + 1;
         }
-        result_.entries.push_back(std::move(entry));
+        entries().push_back(std::move(entry));
     }
 
     FavouriteServices const& services_;
     std::vector<Entry> const& all_;
-    std::set<std::int64_t> const reserved_;
     bool const isOnwards_;
     Favourites result_;
     std::map<unsigned int, std::vector<Entry const*>> stored_;
@@ -231,17 +224,6 @@ std::vector<Favourites> findFavourites(ChannelsConf const& channels, std::string
         result.push_back(collector.result());
     }
     return result;
-}
-
-bool isChanged(Favourites const& favourites) {
-    using Place = std::tuple<unsigned int, std::optional<std::int64_t>, bool>;
-    auto const placesOf = [](std::vector<Entry> const& entries) {
-        std::multiset<Place> places;
-        for (Entry const& entry : entries)
-            places.emplace(entry.serviceId, entry.number, entry.deleted);
-        return places;
-    };
-    return placesOf(favourites.before) != placesOf(favourites.entries);
 }
 
 }  // namespace channel_lists

@@ -6,15 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "database/list_naming.h"
-#include "lists/list_content.h"
+#include "edit/write_list.h"
 
 namespace channel_lists {
 
 struct Favourites {
-    List list;
-    std::vector<Entry> before;
-    std::vector<Entry> entries;         // the list's complete new content
+    ListEdit edit;                      // to the list's complete new content
     std::vector<std::string> notes;     // on channels that were found by name alone
     std::vector<std::string> notFound;  // channel lines without a service
 };
@@ -25,8 +22,5 @@ struct Favourites {
 // of the groups FAV1 to FAV4, and when a list cannot be read.
 std::vector<Favourites> findFavourites(channel_database::ChannelsConf const& channels,
                                        std::string const& listName);
-
-// Whether the list would hold other entries than before, in whatever order.
-bool isChanged(Favourites const& favourites);
 
 }  // namespace channel_lists

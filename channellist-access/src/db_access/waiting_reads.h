@@ -1,7 +1,7 @@
-// What an edit reads before it writes. A moment's lock of another process costs no edit: all of it
-// waits as the read queries do.
-#ifndef CHANNELLIST_DB_ACCESS_EDIT_READS_H
-#define CHANNELLIST_DB_ACCESS_EDIT_READS_H
+// What edits and lookups read. A moment's lock of another process costs no edit and changes no
+// answer: all of it waits as the read queries do.
+#ifndef CHANNELLIST_DB_ACCESS_WAITING_READS_H
+#define CHANNELLIST_DB_ACCESS_WAITING_READS_H
 
 #include <vector>
 
@@ -15,7 +15,7 @@ using RowCallback = int (*)(void* context, int count, char** values, char** name
 // Runs a query on `db`. `forget` drops the rows of the attempt before, that none comes twice.
 // Returns SQLite's code; SQLITE_BUSY, told with `hint`, when the file stayed locked.
 template <typename Forget>
-int readForEdit(CallSite const& site, char const* sql, RowCallback callback, void* context,
+int waitAndRead(CallSite const& site, char const* sql, RowCallback callback, void* context,
                 Forget forget, char const* hint) {
     int const code = retryWhileBusy(kQueryAttempts, site, LogModule::DatabaseAccess, [&] {
         forget();
@@ -29,8 +29,8 @@ int readForEdit(CallSite const& site, char const* sql, RowCallback callback, voi
 }
 
 // Prepares a statement for `db`: on a fresh connection that reads the schema. Returns as
-// readForEdit.
-inline int prepareForEdit(CallSite const& site, char const* sql, Statement& statement) {
+// waitAndRead.
+inline int waitAndPrepare(CallSite const& site, char const* sql, Statement& statement) {
     int const code = retryWhileBusy(kQueryAttempts, site, LogModule::DatabaseAccess,
                                     [&] { return statement.prepare(db, sql); });
     if (code == SQLITE_BUSY)

@@ -1,0 +1,14 @@
+#include "database/frozen_database.h"
+
+#include <channellist-access/db_access.h>
+
+#include <utility>
+
+#include "database/connection.h"
+
+namespace channel_lists {
+
+FrozenDatabase::FrozenDatabase() : file_(db) { db = copyInMemory(file_); }
+FrozenDatabase::~FrozenDatabase() { sqlite3_close(std::exchange(db, file_)); }
+
+}  // namespace channel_lists

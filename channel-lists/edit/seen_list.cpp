@@ -1,0 +1,54 @@
+#include "edit/seen_list.h"
+
+#include <channellist-access/db_access.h>
+
+#include "database/query.h"
+#include "failure.h"
+#include "lists/reserved_numbers.h"
+
+namespace channel_lists {
+namespace {
+
+std::size_t storedItems(List const& list) {
+    Query count(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId = ?");
+    count.bind(std::int64_t{list.pid}).next();
+    return static_cast<std::size_t>(count.number(0));
+}
+
+}  // namespace
+
+SeenList seeList(List const& list) {
+    Entries stored = readEntries(list.uuid);
+    if (!stored.complete) {
+        throw Failure("not all services of " + displayName(list) +
+                      " could be read, and an edit would lose the others; \"channellist check\" "
+                      "tells why");
+    }
+    SeenList seen;
+    seen.list = list;
+    seen.entries = std::move(stored.entries);
+    seen.reserved = reservedNumbers(list);
+    std::size_t const items = storedItems(list);
+    seen.undelivered = items > seen.entries.size() ? items - seen.entries.size() : 0;
+    seen.reached = takeSnapshot(list);
+    seen.stored = storedState(list.uuid);
+    return seen;
+}
+
+std::string storedState(std::string const& listUuid) {
+    Query items(db,
+                "SELECT quote(ServiceId), quote(ChannelNum), quote(isDeleted),"
+                " quote((SELECT Uuid FROM Service WHERE Pid = ServiceId))"
+                " FROM FavoriteItem WHERE FavoriteId ="
+                " (SELECT Pid FROM FavoriteList WHERE Uuid = ?) ORDER BY 1, 2, 3, 4");
+    items.bind(listUuid);
+    std::string state;
+    while (items.next()) {
+        for (int column = 0; column < items.columns(); ++column)
+            state += items.text(column) + ' ';
+        state += '\n';
+    }
+    return state;
+}
+
+}  // namespace channel_lists

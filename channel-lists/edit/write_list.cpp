@@ -1,0 +1,262 @@
+#include "edit/write_list.h"
+
+#include <channellist-access/db_access.h>
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "database/frozen_database.h"
+#include "database/query.h"
+#include "edit/commit_guard.h"
+#include "edit/renumbering.h"
+#include "edit/request.h"
+#include "failure.h"
+#include "library_messages/library_messages.h"
+#include "listener.h"
+
+namespace channel_lists {
+namespace {
+
+constexpr int kMostTries = 20;     // of an edit beside others of the list
+constexpr int kMostCommits = 100;  // beside writers of anything else
+
+// Others that wait for their turn, too, wait for another time.
+void giveWay(int attempt) {
+    unsigned char random = 0;
+    sqlite3_randomness(sizeof random, &random);
+    sqlite3_sleep(1 + random * std::min(attempt, 20) / 64);
+}
+
+// Entries of one service change places without a change.
+bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other) {
+    using Place = std::tuple<unsigned int, std::optional<std::int64_t>, bool>;
+    auto const placesOf = [](std::vector<Entry> const& entries) {
+        std::multiset<Place> places;
+        for (Entry const& entry : entries)
+            places.emplace(entry.serviceId, entry.number, entry.deleted);
+        return places;
+    };
+    return one == other || placesOf(one) == placesOf(other);
+}
+
+std::vector<std::string> requestFor(SeenList const& seen, WantedList const& wanted) {
+    return seen.list.favIndex != 0
+               ? favListRequest(seen.list, wanted.entries)
+               : otherListRequest(seen.list, seen.entries, wanted.entries, wanted.renumber);
+}
+
+// False when the list is another one by now. What others write elsewhere in the file makes SQLite
+// refuse the commit, too; then the list is looked at again.
+bool commitIfUnchanged(SeenList const& seen, std::vector<std::string> const& request) {
+    for (int attempt = 1; attempt <= kMostCommits; ++attempt) {
+        if (waitWhileLocked([&] { return storedState(seen.list.uuid); }) != seen.stored)
+            return false;
+        CommitGuard const guard;
+        try {
+            submit(request);
+            return true;
+        } catch (Failure const&) {
+            if (isMoved(db))
+                throw Failure("the database was replaced or renamed meanwhile; nothing is written");
+            if (!guard.hasRefused())
+                throw;
+        }
+        forgetMessages();
+        giveWay(attempt);
+    }
+    throw Failure("other processes write to the database all the time; nothing is written");
+}
+
+// A service that joins a FAV list is shown at first.
+std::vector<std::size_t> joiningHidden(SeenList const& seen, std::vector<Entry> const& wanted) {
+    std::set<unsigned int> held;
+    for (Entry const& entry : seen.entries)
+        held.insert(entry.serviceId);
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; seen.list.favIndex != 0 && i < wanted.size(); ++i)
+        if (wanted[i].deleted && held.count(wanted[i].serviceId) == 0)
+            found.push_back(i);
+    return found;
+}
+
+// As the list is by then.
+void hideJoined(List const& list, std::vector<Entry> const& joined) {
+    for (int attempt = 1; attempt <= kMostTries; ++attempt) {
+        SeenList seen;
+        {
+            FrozenDatabase const frozen;
+            seen = seeList(list);
+        }
+        std::vector<Entry> entries = seen.entries;
+        for (Entry const& each : joined)
+            for (Entry& entry : entries)
+                if (entry.serviceId == each.serviceId && entry.number == each.number)
+                    entry.deleted = true;
+        if (entries == seen.entries || commitIfUnchanged(seen, favListRequest(list, entries)))
+            return;
+        giveWay(attempt);
+    }
+    throw Failure("others change " + displayName(list) + " all the time");
+}
+
+// What is committed is written, whatever fails after it.
+template <class Step>
+void afterTheCommit(std::string const& what, Step step) {
+    try {
+        step();
+    } catch (std::exception const& error) {
+        listener().note("the list is written, but " + what + ": " + error.what());
+    }
+}
+
+// By the uuids of lists: the first wins.
+void addMissing(Snapshot const& lists, Snapshot& all) {
+    for (ListEntries const& list : lists)
+        if (std::none_of(all.begin(), all.end(),
+                         [&](ListEntries const& each) { return each.uuid == list.uuid; }))
+            all.push_back(list);
+}
+
+// The lists as this write left them: what stands there, unless others have written since.
+Snapshot writtenLists(Snapshot const& expected) {
+    sqlite3* const file = db;
+    auto const version = fileVersion(file);
+    Snapshot lists;
+    try {
+        FrozenDatabase const frozen;
+        if (!version || fileVersion(file) != version)
+            return expected;
+        for (ListEntries const& list : expected)
+            lists.push_back({list.uuid, list.listName, readEntries(list.uuid).entries, list.isFav});
+    } catch (Failure const& failure) {
+        listener().note(std::string("the list is written, but cannot be read again: ") +
+                        failure.what());
+        return expected;
+    }
+    return lists;
+}
+
+void noteUndelivered(SeenList const& seen) {
+    if (seen.list.favIndex != 0 && seen.undelivered > 0) {
+        listener().note(displayName(seen.list) + " holds " + std::to_string(seen.undelivered) +
+                        " items that it cannot show; the edit drops them");
+    }
+}
+
+// One list; false when it was overtaken.
+bool writeOne(ListEdit const& edit) {
+    SeenList const& seen = edit.seen;
+    std::vector<Entry> const& entries = edit.wanted.entries;
+    bool const closesGaps = edit.wanted.renumber && seen.list.favIndex != 0;
+    if (areSame(entries, seen.entries)) {
+        if (closesGaps)
+            renumber(seen.list);
+        return true;
+    }
+    if (!commitIfUnchanged(seen, requestFor(seen, edit.wanted)))
+        return false;
+    noteUndelivered(seen);
+    std::vector<Entry> joined;
+    for (std::size_t const i : joiningHidden(seen, entries))
+        joined.push_back(entries[i]);
+    if (!joined.empty())
+        afterTheCommit("what joins hidden is shown", [&] { hideJoined(seen.list, joined); });
+    if (closesGaps)
+        afterTheCommit("it could not be renumbered", [&] { renumber(seen.list); });
+    return true;
+}
+
+bool isAsked(ListEdit const& edit) {
+    return !areSame(edit.wanted.entries, edit.seen.entries) ||
+           (edit.wanted.renumber && edit.seen.list.favIndex != 0);
+}
+
+bool areSame(Snapshot const& before, Snapshot const& after) {
+    return before.size() == after.size() && std::equal(
+                                                before.begin(), before.end(), after.begin(),
+                                                [](ListEntries const& a, ListEntries const& b) {
+                                                    return areSame(a.entries, b.entries);
+                                                });
+}
+
+}  // namespace
+
+Snapshot expectedLists(ListEdit const& edit) {
+    SeenList const& seen = edit.seen;
+    std::vector<Entry> const& entries = edit.wanted.entries;
+    std::map<unsigned int, bool> deleted;  // by service, what an edit of other lists changes
+    for (std::size_t i = 0; seen.list.favIndex == 0 && i < entries.size(); ++i)
+        if (entries[i].deleted != seen.entries[i].deleted)
+            deleted[entries[i].serviceId] = entries[i].deleted;
+    Snapshot lists = seen.reached;
+    for (ListEntries& list : lists) {
+        if (list.uuid == seen.list.uuid) {
+            list.entries = entries;
+            continue;
+        }
+        for (Entry& entry : list.entries)
+            if (auto const found = deleted.find(entry.serviceId); found != deleted.end())
+                entry.deleted = found->second;
+    }
+    return lists;
+}
+
+Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping) {
+    Written result;
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, result.before);
+    result.after = result.before;
+    Snapshot expected = result.before;
+    bool isKept = false;
+    for (ListEdit const& edit : edits) {
+        if (!isAsked(edit))
+            continue;
+        if (!isKept)
+            keeping.store.keepLists(keeping.command, result.before);
+        isKept = true;
+        try {
+            if (!writeOne(edit)) {
+                result.overtaken = displayName(edit.seen.list);
+                break;
+            }
+        } catch (...) {
+            if (result.ending == Ending::Written)
+                keeping.store.keepOnlyChanged(writtenLists(expected));
+            throw;
+        }
+        result.ending = Ending::Written;
+        for (ListEntries const& list : expectedLists(edit))
+            for (ListEntries& each : expected)
+                if (each.uuid == list.uuid &&
+                    (list.uuid == edit.seen.list.uuid || edit.seen.list.favIndex == 0))
+                    each.entries = list.entries;
+    }
+    if (result.ending == Ending::Written)
+        result.after = writtenLists(expected);
+    if (areSame(result.before, result.after)) {  // there were no gaps
+        keeping.store.discard();
+        result.ending = result.overtaken.empty() ? Ending::NothingToDo : Ending::Overtaken;
+    } else {
+        keeping.store.keepOnlyChanged(result.after);
+    }
+    return result;
+}
+
+Written writeAgainAndAgain(std::function<SeenList()> const& see,
+                           std::function<WantedList(SeenList const&)> const& want,
+                           Keeping const& keeping) {
+    std::string name;
+    for (int attempt = 1; attempt <= kMostTries; ++attempt) {
+        SeenList seen = see();
+        name = displayName(seen.list);
+        WantedList wanted = want(seen);
+        Written written = writeLists({{std::move(seen), std::move(wanted)}}, keeping);
+        if (written.ending != Ending::Overtaken)
+            return written;
+        giveWay(attempt);
+    }
+    throw Failure("others change " + name + " all the time; nothing is written");
+}
+
+}  // namespace channel_lists

@@ -1,0 +1,62 @@
+// The one way in which a list is written.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "edit/seen_list.h"
+#include "undo/undo_store.h"
+
+namespace channel_lists {
+
+struct WantedList {
+    std::vector<Entry> entries;
+    // Closes the gaps in the numbers: of the list where it is FAV1 to FAV4, else of those of them
+    // that hold a service that is hidden or restored.
+    bool renumber = false;
+};
+
+// What undo is to know of the write.
+struct Keeping {
+    UndoStore& store;
+    std::string command;  // "edit FAV1"
+};
+
+enum class Ending {
+    Written,      // it is committed, whatever the notes to the listener say
+    NothingToDo,  // the list is as wanted, and nothing was written
+    Overtaken,    // somebody changed the list since it was seen; nothing was written
+};
+
+struct Written {
+    Ending ending = Ending::NothingToDo;
+    Snapshot before, after;  // of the lists that the write reaches; `after` by this write alone
+    std::string overtaken;   // the list that somebody changed, of several the first; "" for none
+};
+
+// One list of a write.
+struct ListEdit {
+    SeenList seen;
+    WantedList wanted;
+};
+
+// Brings the lists to what is wanted, each in one commit and only if it still is as it was seen at
+// that moment; one that is not ends the write, and those before it stay written. They were seen
+// within one FrozenDatabase. A hidden entry that joins a FAV list takes a second commit, and is
+// shown between the two. Throws Failure when nothing could be written for another reason. Takes
+// the library's mutex.
+Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping);
+
+// The lists as the write of one will leave them, as far as the request alone tells: not what is
+// renumbered.
+Snapshot expectedLists(ListEdit const& edit);
+
+// Sees the list, asks what is wanted of it and writes that: again, with the list as it is then, as
+// often as somebody changed it in between, some twenty times. Throws Failure when that does not
+// suffice.
+Written writeAgainAndAgain(std::function<SeenList()> const& see,
+                           std::function<WantedList(SeenList const&)> const& want,
+                           Keeping const& keeping);
+
+}  // namespace channel_lists
