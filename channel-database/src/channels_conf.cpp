@@ -26,6 +26,11 @@ std::optional<int> takeHidden(std::string_view& text) {
     return number;
 }
 
+bool hasFieldsOfChannel(std::string_view line) {
+    constexpr int kLeastColons = 8;
+    return std::count(line.begin(), line.end(), ':') >= kLeastColons;
+}
+
 /// Gathers a list line by line.
 struct ListReader {
     void read(std::string_view line, int lineNumber) {
@@ -36,7 +41,7 @@ struct ListReader {
             return;
         if (behindColon.substr(0, kOwnComment.size()) == kOwnComment)
             readComment(behindColon.substr(kOwnComment.size()), lineNumber);
-        else if (content[0] == ':')
+        else if (line[0] == ':' || (content[0] == ':' && !hasFieldsOfChannel(content)))
             readGroup(behindColon);
         else
             readChannel(line, lineNumber);
@@ -106,7 +111,6 @@ struct ListReader {
 }  // namespace
 
 bool isChannelsConf(std::string_view text) {
-    constexpr int kLeastColons = 8;
     bool isEmpty = true;
     while (!text.empty()) {
         std::string_view const line = text.substr(0, text.find('\n'));
@@ -114,8 +118,7 @@ bool isChannelsConf(std::string_view text) {
         std::string_view const content = trimmed(line);
         if (content.empty() || (content[0] == '#' && content.find(kOwnComment) != 0))
             continue;
-        if (content[0] == ':' || content[0] == '#' ||
-            std::count(content.begin(), content.end(), ':') >= kLeastColons)
+        if (content[0] == ':' || content[0] == '#' || hasFieldsOfChannel(content))
             return true;
         isEmpty = false;
     }

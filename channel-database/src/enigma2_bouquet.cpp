@@ -190,12 +190,11 @@ std::string formatBouquetName(std::string const& name) { return "#NAME " + name;
 
 std::string formatBouquetEntry(Channel const& channel) {
     char text[96];
-    std::snprintf(text, sizeof text,
-                  "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:", static_cast<unsigned>(serviceType(channel)),
-                  static_cast<unsigned>(channel.serviceId),
-                  static_cast<unsigned>(channel.transportStreamId),
-                  static_cast<unsigned>(channel.networkId),
-                  channel.place.value_or(enigma2Place(channel)));
+    std::snprintf(
+        text, sizeof text,
+        "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:", static_cast<unsigned>(serviceType(channel)),
+        static_cast<unsigned>(channel.serviceId), static_cast<unsigned>(channel.transportStreamId),
+        static_cast<unsigned>(channel.networkId), channel.place.value_or(enigma2Place(channel)));
     return text;
 }
 

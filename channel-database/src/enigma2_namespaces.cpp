@@ -27,9 +27,8 @@ Namespaces::Namespaces(std::vector<Channel> const& lamedb) {
 
 std::optional<std::uint32_t> Namespaces::of(Channel const& channel) const {
     for (bool const isService : {true, false}) {
-        auto const [first, last] =
-            isService ? services_.equal_range(serviceIds(channel))
-                      : transponders_.equal_range(transponderIds(channel));
+        auto const [first, last] = isService ? services_.equal_range(serviceIds(channel))
+                                             : transponders_.equal_range(transponderIds(channel));
         Carrier const* nearest = nullptr;
         int const kHz = channel.frequencyInKHz();
         for (auto carrier = first; carrier != last; ++carrier)

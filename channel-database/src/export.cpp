@@ -101,9 +101,7 @@ std::optional<Channel> channelOf(StoredService const& service) {
     channel.frequency = numbers["frequency"];
     setParameters(numbers, delivery, channel);
     channel.shortName = oneLine(service.shortName);
-    channel.videoPid = service.radio            ? "0"
-                       : service.highDefinition ? "8191=27"
-                                                : "8191=2";
+    channel.videoPid = service.radio ? "0" : service.highDefinition ? "8191=27" : "8191=2";
     channel.highDefinition = service.highDefinition;
     channel.audioPids = "0";
     channel.teletextPid = "0";

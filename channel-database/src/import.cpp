@@ -163,8 +163,8 @@ class Importer {
         return known.back();
     }
 
-    /// The service that a channel of `list` names: one of the same ids and transponder that the list
-    /// does not have yet, first of all one whose line is the same; null without one.
+    /// The service that a channel of `list` names: one of the same ids and transponder that the
+    /// list does not have yet, first of all one whose line is the same; null without one.
     KnownService* find(Channel const& channel, Id list) {
         auto const same = services_.find(channel.id());
         if (same == services_.end())
@@ -377,12 +377,12 @@ class Importer {
 
     ChannelDatabase& database_;
     ChannelsConf const& list_;
-    std::map<std::string, Id> lists_;          // by uuid
-    std::map<std::string, Id> tuners_;         // by transponder
+    std::map<std::string, Id> lists_;                            // by uuid
+    std::map<std::string, Id> tuners_;                           // by transponder
     std::map<std::string, std::vector<KnownService>> services_;  // by channel id
     std::set<Place> used_;                                       // what stands in a list by now
     std::map<Place, Item> items_;
-    std::deque<Channel> shown_;          // of services that only a FAV list has
+    std::deque<Channel> shown_;  // of services that only a FAV list has
     std::map<std::string, int> userGroups_;
     std::vector<bool> inFront_;  // by group
     std::map<std::string, int> uuids_;

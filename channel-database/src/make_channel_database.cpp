@@ -55,11 +55,9 @@ int main(int argc, char** argv) {
     try {
         ChannelsConf const list = readChannelList(arguments.list);
         reportRejectedLines(list, arguments.list);
-        std::size_t const services =
-            makeDatabaseFile(list, arguments.database, arguments.force);
-        std::cout << arguments.database << ": " << services << " channels, "
-                  << list.groups.size() << " groups, " << list.rejected.size()
-                  << " lines skipped\n";
+        std::size_t const services = makeDatabaseFile(list, arguments.database, arguments.force);
+        std::cout << arguments.database << ": " << services << " channels, " << list.groups.size()
+                  << " groups, " << list.rejected.size() << " lines skipped\n";
         return 0;
     } catch (std::exception const& error) {
         std::cerr << "make-channel-database: " << error.what() << "\n";

@@ -56,9 +56,9 @@ struct Channel {
     bool hidden = false;
     std::optional<bool> highDefinition;  ///< where more is known than the name says
     std::optional<std::uint32_t> place;  ///< the namespace of an Enigma2 receiver
-    bool isReference = false;     ///< names a service by its ids: without frequency and parameters
-    int group = -1;               ///< index in ChannelsConf::groups; -1 in front of the first
-    int line = 0;                 ///< counted from 1
+    bool isReference = false;  ///< names a service by its ids: without frequency and parameters
+    int group = -1;            ///< index in ChannelsConf::groups; -1 in front of the first
+    int line = 0;              ///< counted from 1
 
     Delivery delivery() const;
     /// In kHz: the frequency times 1000 until it is no smaller than a satellite's in kHz, any

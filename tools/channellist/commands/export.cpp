@@ -61,7 +61,8 @@ std::optional<Channel> channelOf(ResultRow const& service, Query& tuning, Leftov
     StoredService const stored{displayText(service[SERVICE_FIELD_CAPTION]),
                                isStored ? displayText(tuning.text(1)) : std::string(),
                                isStored ? tuning.text(0) : std::string(),
-                               kindOf(service) == "radio", (attributes & kScrambled) != 0,
+                               kindOf(service) == "radio",
+                               (attributes & kScrambled) != 0,
                                (attributes & kHighDefinition) != 0};
     auto channel = channel_database::channelOf(stored);
     if (channel)
@@ -237,7 +238,8 @@ void addExportCommand(CommandLine& line) {
         .footer(
             "\"import --favourites\" brings vdr lists back as they were, \"edit LIST --from\" a\n"
             "table; \"import\" makes the same database again of all lists together, those of\n"
-            "\"channellist folders\" and \"all\". In vdr lists hidden entries, and those that are no\n"
+            "\"channellist folders\" and \"all\". In vdr lists hidden entries, and those that are "
+            "no\n"
             "channel there, stand in lines that begin with \":#channellist\", which VDR takes for\n"
             "groups. What the format, or the database, cannot\n"
             "carry: pids and access systems (TV services get the video pid 8191, none, scrambled\n"

@@ -87,7 +87,7 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
     {
         Progress progress;
         services = makeDatabaseFile(list, options.database, options.force, std::ref(progress),
-                         [&] { undo.keepDatabase("import --force"); });
+                                    [&] { undo.keepDatabase("import --force"); });
     }
     undo.confirm();
     std::cout << displayText(options.database) << ": " << services << " channels, "
@@ -177,7 +177,8 @@ void addImportCommand(CommandLine& line) {
         .footer(
             "The format is told from the content. Of Enigma2, lamedb makes a database, a bouquet\n"
             "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv both.\n"
-            "Lines that cannot be read are counted by reason and skipped. The groups FAV1 to FAV4 become "
+            "Lines that cannot be read are counted by reason and skipped. The groups FAV1 to FAV4 "
+            "become "
             "these\n"
             "lists, other groups lists of their own names. --favourites writes to an existing\n"
             "database, that of --db when none is named, and finds each channel there by its DVB\n"
