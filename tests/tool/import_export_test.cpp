@@ -247,11 +247,13 @@ TEST_F(ToolTest, MakesTheSameDatabaseOfItsOwnExport) {
     write("list", text.str());
     ASSERT_EQ(run("import list first.db"), 0) << err;
     change(
-        "UPDATE Service SET Name = 'A;B' WHERE Pid = 40; UPDATE Service SET Name = '' WHERE Pid = 41;"
+        "UPDATE Service SET Name = 'A;B' WHERE Pid = 40; UPDATE Service SET Name = '' WHERE Pid = "
+        "41;"
         "UPDATE FavoriteItem SET isDeleted = 1 WHERE Id % 9 = 0 AND FavoriteId <> 2;"
         "UPDATE FavoriteItem SET ChannelNum = ChannelNum + 1 WHERE ChannelNum > 1 AND FavoriteId ="
         " (SELECT Pid FROM FavoriteList WHERE Uuid = 'user-tv-1');"
-        "UPDATE FavoriteList SET MaxChannelNumber = ifnull((SELECT max(ChannelNum) FROM FavoriteItem"
+        "UPDATE FavoriteList SET MaxChannelNumber = ifnull((SELECT max(ChannelNum) FROM "
+        "FavoriteItem"
         " WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0), 0)",
         "first.db");
     std::string uuids = " " + rows(kLists, "first.db");
