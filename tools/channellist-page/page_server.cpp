@@ -35,7 +35,8 @@ httplib::Headers const kHeaders = {
 // The browser takes the cookie, and goes to the page by itself: a Strict cookie does not come along
 // where a foreign page or file sent it here.
 constexpr char kEntrance[] =
-    "<!doctype html><meta charset=utf-8><meta http-equiv=refresh content='0;url=/'>"
+    "<!doctype html><meta charset=utf-8><link rel=icon href=/icon.svg>"
+    "<meta http-equiv=refresh content='0;url=/'>"
     "<title>Channels</title>";
 
 Caller callerOf(httplib::Request const& request) {
