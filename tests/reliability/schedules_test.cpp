@@ -23,12 +23,7 @@
 
 namespace {
 
-// In each journal mode; fewer under a sanitizer, which is slow.
-#ifdef __SANITIZE_ADDRESS__
-constexpr unsigned kSchedules = 100;
-#else
-constexpr unsigned kSchedules = 1000;
-#endif
+constexpr unsigned kSchedules = 1000;  // in each journal mode
 constexpr unsigned kMostActs = 3;
 constexpr unsigned kMostProcesses = 3;
 
