@@ -83,7 +83,7 @@ class Building(Story):
         page.run("document.querySelectorAll('.scroller')[1].focus()")
         press("/")
         press("tagesschau24 hd 7")
-        page.wait(lambda: len(page.rows(1)) == 1)
+        page.wait(lambda: page.rows(1)[0][1] == "tagesschau24 HD 7")
         press(Keys.ENTER, Keys.SPACE, Keys.ENTER)
         page.wait(lambda: "1 change" in page.text("#count"))
         press(Keys.ARROW_LEFT, Keys.END)
