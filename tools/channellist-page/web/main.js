@@ -359,7 +359,8 @@ async function readOverview() {
     app.database = overview.database;
     app.mark = overview.mark;
     app.isReadOnly = overview.readOnly;
-    $("database").textContent = overview.database;
+    $("database").textContent = overview.database.split("/").pop();
+    $("database").title = overview.database;
     for (const pane of app.panes)
         pane.part(".choice").replaceChildren(
             ...Object.entries(app.lists).map(([uuid, {name}]) => new Option(name, uuid)));
