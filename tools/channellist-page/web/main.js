@@ -420,8 +420,7 @@ async function poll() {
 }
 
 // Does to the lists what the reload of the page has interrupted.
-function resume() {
-    const kept = work.kept(app.database);
+function resume(kept) {
     if (!kept)
         return;
     const fits = Object.entries(kept.versions).every(([uuid, version]) =>
@@ -492,8 +491,10 @@ async function begin() {
     });
     addEventListener("afterprint", () => $("print").replaceChildren());
 
+    let kept = null;
     await attempt(async () => {
         await readOverview();
+        kept = work.kept(app.database);
         const favs = [1, 2, 3, 4].map(app.uuidOfFav).filter(Boolean);
         app.panes[0].setList(favs[0]);
         app.panes[1].setList(app.uuidOfAll());
@@ -502,7 +503,7 @@ async function begin() {
         requestAnimationFrame(() => window.firstList = performance.now());
         take(await server.lists([app.uuidOfAll()]));
     });
-    resume();
+    resume(kept);
     setTimeout(poll, POLL);
 }
 
