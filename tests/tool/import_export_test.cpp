@@ -122,6 +122,76 @@ TEST_F(ToolTest, BringsABackupBackWhole) {
     EXPECT_EQ(everything("set.db"), before);
 }
 
+void execute(fs::path const& file, std::string const& sql) {
+    sqlite3* connection = nullptr;
+    sqlite3_open(file.c_str(), &connection);
+    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sql << ": " << sqlite3_errmsg(connection);
+    sqlite3_close(connection);
+}
+
+// A backup is examined before anything is written, and no whole database goes without a copy.
+TEST_F(ToolTest, RefusesToRestoreWhatWouldLoseTheDatabase) {
+    execute(folder / "foreign", "CREATE TABLE Service (Pid INTEGER)");
+    write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
+    output("backup copy");
+    for (char const* file : {"damaged", "cut", "poor"})
+        fs::copy_file(folder / "copy", folder / file);
+    fs::resize_file(folder / "cut", 9000);
+    execute(folder / "poor", "ALTER TABLE FavoriteList DROP COLUMN Attributes");
+    auto const page = std::stoi(rows("SELECT rootpage FROM sqlite_master WHERE name = 'Lcn'"));
+    std::fstream damaged(folder / "damaged", std::ios::in | std::ios::out | std::ios::binary);
+    damaged.seekp(4096 * (page - 1)).write("\x0D\0\0\0\xFF", 5);
+    damaged.close();
+    change("UPDATE FavoriteItem SET ChannelNum = 9 WHERE FavoriteId = 11 AND ServiceId = 5");
+    std::string const before = content("set.db");
+    Invocation const refused[] = {
+        {"restore damaged", 1, nullptr, "damaged is damaged, and nothing is written: "},
+        {"restore cut", 1, nullptr, "cannot read cut: database disk image is malformed"},
+        {"restore foreign", 1, nullptr, "foreign is no whole channel database, and nothing is"},
+        {"restore poor -n", 1, nullptr, "poor is no whole channel database, and nothing is"}};
+    for (Invocation const& each : refused)
+        expect(each);
+    for (char const* command : {"restore copy", "import list set.db --force"}) {
+        for (char const* place : {"XDG_STATE_HOME=/proc", "env -u HOME"}) {
+            EXPECT_EQ(run(std::string("--db set.db ") + command, place), 1) << command << place;
+            EXPECT_THAT(err, HasSubstr("no copy could be kept, and nothing is written (--no-undo"));
+        }
+    }
+    EXPECT_EQ(content("set.db"), before);
+    EXPECT_EQ(run("--db set.db restore copy --no-undo", "env -u HOME"), 0) << err;
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+    EXPECT_EQ(run("--db set.db edit FAV1 move 1 to 9", "env -u HOME"), 0) << err;
+    EXPECT_THAT(err, HasSubstr("will not know of this: neither XDG_STATE_HOME nor HOME names"));
+}
+
+// A copy needs nothing beside it, and the database stays in its own mode whatever the copy's is.
+TEST_F(ToolTest, RestoresAcrossJournalModesAndPageSizes) {
+    for (char const* mode : {"delete", "wal"}) {
+        for (char const* pages : {"1024", "4096"}) {
+            std::string const copy = std::string(mode) + pages;
+            execute(folder / "set.db",
+                    std::string("PRAGMA journal_mode = delete; PRAGMA page_size = ") + pages +
+                        "; VACUUM; PRAGMA journal_mode = " + mode);
+            output("backup " + copy);
+            EXPECT_EQ(rows("PRAGMA journal_mode", copy), "delete");
+        }
+    }
+    fs::copy_file(folder / "delete1024", folder / "raw");
+    execute(folder / "raw", "PRAGMA journal_mode = wal");
+    for (char const* mode : {"delete", "wal"}) {
+        execute(folder / "set.db", std::string("PRAGMA journal_mode = ") + mode);
+        for (char const* copy : {"delete1024", "wal4096", "wal1024", "raw"}) {
+            execute(folder / "set.db", "UPDATE FavoriteItem SET ChannelNum = 77");
+            output(std::string("restore ") + copy);
+            EXPECT_EQ(rows("PRAGMA journal_mode") + rows("PRAGMA page_size"),
+                      std::string(mode) + "4096")
+                << copy;
+            EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5") << mode << copy;
+        }
+    }
+}
+
 TEST_F(ToolTest, ReplacesNothingButADatabaseThatIsFree) {
     write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
     write("text", "a letter to my aunt, long enough to be no database\n");
