@@ -23,11 +23,8 @@ struct Format {
 };
 
 constexpr Format kFormats[] = {
-    {isLamedb, parseLamedb},
-    {isBouquet, parseBouquet},
-    {isM3u, parseM3u},
-    {isDvbv5, parseDvbv5},
-    {isChannelsConf, parseChannelsConf},
+    {isLamedb, parseLamedb}, {isBouquet, parseBouquet},           {isM3u, parseM3u},
+    {isDvbv5, parseDvbv5},   {isChannelsConf, parseChannelsConf},
 };
 
 std::string readText(std::string const& path) {
@@ -65,7 +62,8 @@ ChannelsConf readChannelList(std::string const& path) {
         if (!list.channels.empty() || list.rejected.size() <= kMostRejected)
             return list;
     }
-    throw std::runtime_error(path + ": this is no channel list of VDR, Enigma2 or libdvbv5, and no M3U");
+    throw std::runtime_error(path +
+                             ": this is no channel list of VDR, Enigma2 or libdvbv5, and no M3U");
 }
 
 }  // namespace channel_database

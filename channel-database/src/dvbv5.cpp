@@ -25,8 +25,8 @@ constexpr Word kModulations[] = {{2, "QPSK"},     {5, "PSK/8"},     {6, "APSK/16
                                  {7, "APSK/32"},  {16, "QAM/16"},   {32, "QAM/32"},
                                  {64, "QAM/64"},  {128, "QAM/128"}, {256, "QAM/256"},
                                  {0, "QAM/AUTO"}, {10, "VSB/8"},    {11, "VSB/16"}};
-constexpr Word kCodeRates[] = {{0, "AUTO"}, {12, "1/2"}, {23, "2/3"}, {34, "3/4"},
-                               {45, "4/5"}, {56, "5/6"}, {67, "6/7"}, {78, "7/8"},
+constexpr Word kCodeRates[] = {{0, "AUTO"}, {12, "1/2"}, {23, "2/3"},  {34, "3/4"},
+                               {45, "4/5"}, {56, "5/6"}, {67, "6/7"},  {78, "7/8"},
                                {89, "8/9"}, {35, "3/5"}, {910, "9/10"}};
 constexpr Word kPolarizations[] = {
     {'H', "HORIZONTAL"}, {'V', "VERTICAL"}, {'L', "LEFT"}, {'R', "RIGHT"}};
@@ -72,8 +72,8 @@ int numberOf(Section const& section, char const* key) {
 void setParameters(Section const& section, Channel& channel) {
     std::pair<char, int> const parameters[] = {
         {'M', valueOf(kModulations, textOf(section, "MODULATION"))},
-        {'C', valueOf(kCodeRates, textOf(section, channel.source == "T" ? "CODE_RATE_HP"
-                                                                         : "INNER_FEC"))},
+        {'C', valueOf(kCodeRates,
+                      textOf(section, channel.source == "T" ? "CODE_RATE_HP" : "INNER_FEC"))},
         {'B', numberOf(section, "BANDWIDTH_HZ") / 1000000},
         {'P', channel.source == "T" ? numberOf(section, "STREAM_ID") : 0},
         {'I', textOf(section, "INVERSION") == "ON" ? 1 : 0}};
@@ -86,9 +86,8 @@ void setParameters(Section const& section, Channel& channel) {
 std::pair<Channel, std::string> channelOf(std::string const& name, Section const& section) {
     Channel channel;
     std::string const system = textOf(section, "DELIVERY_SYSTEM");
-    auto const* const known =
-        std::find_if(std::begin(kSystems), std::end(kSystems),
-                     [&](System const& each) { return system == each.word; });
+    auto const* const known = std::find_if(std::begin(kSystems), std::end(kSystems),
+                                           [&](System const& each) { return system == each.word; });
     if (known == std::end(kSystems))
         return {channel, "no delivery system that a set receives"};
     channel.name = name;

@@ -115,7 +115,8 @@ struct BouquetReader {
             channel = referenceOf(text);
         isNamed = channel.has_value();
         if (isMarker)
-            list.rejected.push_back({number, "a marker, which is no channel", shownText(nameIn(text))});
+            list.rejected.push_back(
+                {number, "a marker, which is no channel", shownText(nameIn(text))});
         else if (!channel)
             list.rejected.push_back({number, "no DVB service", std::string(text)});
         if (!channel)
@@ -190,8 +191,7 @@ void append(ChannelsConf bouquet, std::string const& file, KnownServices const& 
     list.groups.push_back(bouquet.groups.empty() ? file : bouquet.groups[0]);
     for (Channel& reference : bouquet.channels) {
         Channel channel = reference;
-        Channel const* const known =
-            reference.isReference ? services.find(reference) : nullptr;
+        Channel const* const known = reference.isReference ? services.find(reference) : nullptr;
         if (known != nullptr)
             channel = *known;
         else if (reference.isReference && !services.isEmpty())

@@ -146,9 +146,10 @@ std::string formatCsv(std::vector<ResultRow> const& services) {
     std::string text = lineOf({std::begin(kColumns), std::end(kColumns)});
     for (ResultRow const& service : services) {
         Entry const entry = entryOf(service);
-        text += lineOf({numberText(entry), entry.deleted ? "hidden" : "shown",
-                        asText(displayText(entry.name)), entry.triplet, std::to_string(entry.serviceId),
-                        kindOf(service), deliveryOf(service), service[SERVICE_FIELD_FREQUENCY]});
+        text +=
+            lineOf({numberText(entry), entry.deleted ? "hidden" : "shown",
+                    asText(displayText(entry.name)), entry.triplet, std::to_string(entry.serviceId),
+                    kindOf(service), deliveryOf(service), service[SERVICE_FIELD_FREQUENCY]});
     }
     return text;
 }

@@ -17,8 +17,8 @@
 namespace channel_database {
 
 bool isM3u(std::string_view beginning);
-/// An address without a scheme is rejected. A number that one before it has is given up for the next
-/// free one. Lines that are not UTF-8 are taken as Latin-1.
+/// An address without a scheme is rejected. A number that one before it has is given up for the
+/// next free one. Lines that are not UTF-8 are taken as Latin-1.
 ChannelsConf parseM3u(std::istream& text);
 
 constexpr char const* kM3uBeginning = "#EXTM3U\n";

@@ -1,7 +1,7 @@
 // channellist export LIST...
 #include <channel-database/channel_list.h>
-#include <channel-database/enigma2.h>
 #include <channel-database/dvbv5.h>
+#include <channel-database/enigma2.h>
 #include <channel-database/export.h>
 #include <channel-database/m3u.h>
 #include <channellist-access/db_access.h>
@@ -17,10 +17,10 @@
 #include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/list_page.h"
 #include "lists/list_content.h"
 #include "lists/list_csv.h"
 #include "lists/list_text.h"
+#include "output/list_page.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 #include "text/display_text.h"
@@ -242,7 +242,8 @@ Format const& formatOf(std::string const& name) {
     for (Format const& format : kFormats)
         if (name == format.name)
             return format;
-    throw Failure("'" + name + "' is none of vdr, enigma2, lamedb, csv, m3u, dvbv5 and html", kUsage);
+    throw Failure("'" + name + "' is none of vdr, enigma2, lamedb, csv, m3u, dvbv5 and html",
+                  kUsage);
 }
 
 // Once, at the end, so that it is not lost between the lists.
@@ -290,9 +291,10 @@ void addExportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("export", "Prints lists as channel lists of other programs")
         .arguments("LIST", options->lists, 1, kAnyNumber, "uuids, or names that only one list has")
-        .option("--format", options->format,
-                "vdr (one group a list), enigma2 (a bouquet), lamedb (an Enigma2 receiver's whole "
-                "list), csv (a table), m3u (IP channels), dvbv5 (libdvbv5's) or html (a page to print)")
+        .option(
+            "--format", options->format,
+            "vdr (one group a list), enigma2 (a bouquet), lamedb (an Enigma2 receiver's whole "
+            "list), csv (a table), m3u (IP channels), dvbv5 (libdvbv5's) or html (a page to print)")
         .option("--like", options->like,
                 "of enigma2: a lamedb of the receiver, whose namespaces the entries get")
         .footer(

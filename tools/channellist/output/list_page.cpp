@@ -50,8 +50,8 @@ char const* const kPageEnd = "</body>\n</html>\n";
 std::string formatPageList(std::string const& name, std::vector<PageEntry> const& entries) {
     std::string text = "<h2>" + escaped(name) + "</h2>\n<ul>\n";
     for (PageEntry const& entry : entries)
-        text += "<li><b>" + escaped(entry.number) + "</b> <span>" + escaped(entry.name) + "</span>" +
-                (entry.isRadio ? " <i>radio</i>" : "") + "</li>\n";
+        text += "<li><b>" + escaped(entry.number) + "</b> <span>" + escaped(entry.name) +
+                "</span>" + (entry.isRadio ? " <i>radio</i>" : "") + "</li>\n";
     return text + "</ul>\n";
 }
 
