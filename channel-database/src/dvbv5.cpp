@@ -15,6 +15,7 @@ namespace channel_database {
 namespace {
 
 constexpr std::string_view kSourceComment = "# SOURCE";
+constexpr int kLargestFrequency = 2000000000;
 constexpr char const* kUnknownSatellite = "S0E";
 
 struct Word {
@@ -110,11 +111,14 @@ std::pair<Channel, std::string> channelOf(std::string const& name, Section const
     channel.videoPid = isRadio ? "0" : std::to_string(video != 0 ? video : 8191);
     channel.audioPids = channel.teletextPid = "0";
     channel.mark = numberOf(section, "VCHANNEL");
-    return {channel, channel.frequency > 0 ? "" : "the channel has no frequency"};
+    bool const isReceived = channel.frequency > 0 && channel.frequency <= kLargestFrequency;
+    return {channel, isReceived ? "" : "no frequency that a set receives"};
 }
 
 /// "S19.2E", as channel lines have it.
 bool isSatellite(std::string const& source) {
+    if (source.find(':') != std::string::npos)
+        return false;
     try {
         parseChannel("A:1:S0:" + source + ":1:0:0:0:0:1:1:1:0");
         return source[0] == 'S';

@@ -83,7 +83,8 @@ struct M3uReader {
         Channel channel;
         channel.source = "I";
         channel.url = std::string(address);
-        channel.name = !given.name.empty() ? given.name : given.of("tvg-name");
+        channel.name =
+            !given.name.empty() ? given.name : std::string(trimmed(given.of("tvg-name")));
         if (channel.name.empty())
             channel.name = channel.url;
         channel.videoPid = given.of("radio") == "true" ? "0" : "8191";
@@ -129,6 +130,8 @@ ChannelsConf parseM3u(std::istream& text) {
     M3uReader reader;
     int number = 0;
     for (std::string line; std::getline(text, line);) {
+        if (number == 0 && begins(line, kByteOrderMark))
+            line.erase(0, kByteOrderMark.size());
         if (!isUtf8(line))
             line = latin1ToUtf8(line);
         reader.read(trimmed(line), ++number);
