@@ -111,7 +111,7 @@ std::string bringBack(std::string const& file, std::string const& database,
     if (replacement.dryRun)
         return changes;
     UndoStore undo(database, exists && !replacement.command.empty());
-    undo.keepDatabase(replacement.command);
+    undo.keepDatabase(replacement.command, replacement.undoes);
     (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
     undo.confirm();
     return changes;

@@ -8,6 +8,7 @@ namespace channel_lists {
 struct Replacement {
     bool dryRun = false;
     std::string command;  // for "undo --list"; "" keeps nothing for it
+    int undoes = 0;       // the kept copy that is taken back
 };
 
 // Gives `database` the content of the database `file`, which is examined first. What changes comes

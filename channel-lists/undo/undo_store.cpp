@@ -1,7 +1,9 @@
 #include "undo/undo_store.h"
 
 #include <channel-database/database_content.h>
+#include <channellist-access/db_access.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,7 +13,9 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
+#include "database/query.h"
 #include "failure.h"
 #include "listener.h"
 #include "text/display_text.h"
@@ -47,6 +51,7 @@ Json toJson(ListEntries const& list) {
                            {"key", entry.serviceId},
                            {"hidden", entry.deleted},
                            {"name", displayText(entry.name)},
+                           {"service", displayText(entry.uuid)},
                            {"triplet", entry.triplet}});
     }
     return {{"uuid", list.uuid}, {"name", list.listName}, {"entries", std::move(entries)}};
@@ -64,6 +69,7 @@ ListEntries listFrom(Json const& json) {
         entry.deleted = each.at("hidden");
         entry.name = each.at("name");
         entry.triplet = each.at("triplet");
+        entry.uuid = each.value("service", "");
         list.entries.push_back(std::move(entry));
     }
     return list;
@@ -77,17 +83,78 @@ bool isChanged(ListEntries const& list, Snapshot const& now) {
         });
 }
 
+// The members of a stored item and their names in a copy.
+constexpr std::pair<char const*, std::optional<std::int64_t> StoredItem::*> kMembers[] = {
+    {"number", &StoredItem::number},
+    {"hidden", &StoredItem::hidden},
+    {"visible", &StoredItem::visible},
+    {"selectable", &StoredItem::selectable},
+    {"original", &StoredItem::original}};
+
+Json toJson(std::vector<StoredItem> const& items) {
+    Json all = Json::array();
+    for (StoredItem const& item : items) {
+        Json each = {{"key", item.service}};
+        for (auto const& [name, member] : kMembers)
+            each[name] = item.*member ? Json(*(item.*member)) : Json();
+        all.push_back(std::move(each));
+    }
+    return all;
+}
+
+std::vector<StoredItem> itemsFrom(Json const& json) {
+    std::vector<StoredItem> items;
+    for (Json const& each : json) {
+        StoredItem& item = items.emplace_back();
+        item.service = each.at("key");
+        for (auto const& [name, member] : kMembers)
+            if (!each.at(name).is_null())
+                item.*member = each.at(name).get<std::int64_t>();
+    }
+    return items;
+}
+
 KeptCopy copyFrom(int number, Json const& json) {
     KeptCopy copy;
     copy.number = number;
     copy.time = json.at("time");
     copy.command = json.at("command");
-    for (Json const& list : json.at("lists"))
+    copy.undoes = json.value("undoes", 0);
+    for (Json const& list : json.at("lists")) {
         copy.lists.push_back(listFrom(list));
+        if (list.contains("items"))
+            copy.items[copy.lists.back().uuid] = itemsFrom(list.at("items"));
+    }
+    for (Json const& list : json.value("after", Json::array()))
+        copy.after.push_back(listFrom(list));
     return copy;
 }
 
 }  // namespace
+
+std::vector<StoredItem> storedItems(std::string const& listUuid) {
+    Query rows(db,
+               "SELECT ServiceId, ChannelNum, isDeleted, Visible, Selectable, OriginalFavoriteId"
+               " FROM FavoriteItem WHERE FavoriteId = (SELECT Pid FROM FavoriteList WHERE Uuid = ?)"
+               " ORDER BY Id");
+    rows.bind(listUuid);
+    std::vector<StoredItem> items;
+    while (rows.next()) {
+        StoredItem& item = items.emplace_back();
+        item.service = rows.number(0);
+        int column = 0;
+        for (auto const& [name, member] : kMembers)
+            if (rows.isInteger(++column))
+                item.*member = rows.number(column);
+    }
+    return items;
+}
+
+bool isTakenBack(KeptCopy const& copy, std::vector<KeptCopy> const& copies) {
+    return std::any_of(
+        copies.begin(), copies.end(),
+        [&](KeptCopy const& each) { return each.undoes == copy.number; });
+}
 
 UndoStore::UndoStore(std::string const& database, bool isOn) : database_(database), isOn_(isOn) {
     std::string const state = stateFolder();
@@ -103,20 +170,29 @@ void UndoStore::discard() {
     if (last_.number != 0)
         remove(last_.number);
     last_.number = 0;
+    close(std::exchange(claimed_, -1));
+}
+
+void UndoStore::confirm() {
+    if (last_.number != 0 &&
+        rename(fileOf(last_.number, ".part").c_str(), fileOf(last_.number, ".json").c_str()) != 0)
+        listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
+    last_.number = 0;
+    close(std::exchange(claimed_, -1));
 }
 
 std::string UndoStore::fileOf(int number, char const* ending) const {
     return folder_ + "/" + std::to_string(number) + ending;
 }
 
-std::vector<int> UndoStore::numbers() const {
+std::vector<int> UndoStore::numbers(char const* ending) const {
     std::vector<int> found;
     std::error_code failed;
     for (fs::directory_iterator file(folder_, failed), end; !failed && file != end;
          file.increment(failed)) {
         fs::path const& path = file->path();
         auto const number = wholeNumber(path.stem().string());
-        if (number && path.extension() == ".json")
+        if (number && path.extension() == ending)
             found.push_back(static_cast<int>(*number));
     }
     if (failed && failed != std::errc::no_such_file_or_directory)
@@ -140,78 +216,112 @@ void UndoStore::makeFolder() const {
 }
 
 // Another command may be at the same; one that died has left what it had claimed.
-bool UndoStore::claim(int number) const {
-    int const file =
-        open(fileOf(number, ".part").c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
-    if (file >= 0)
-        return close(file) == 0;
+bool UndoStore::claim(int number) {
+    claimed_ = open(fileOf(number, ".part").c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (claimed_ >= 0)
+        return flock(claimed_, LOCK_EX | LOCK_NB) == 0;
     if (errno == EEXIST)
         return false;
     throw Failure("cannot write to " + folder_ + ": " + std::strerror(errno));
 }
 
-// Under its name only when it is whole.
+// Into the claimed file, which gets its name when the write is done.
 void UndoStore::write(KeptCopy const& copy) const {
     Json lists = Json::array();
-    for (ListEntries const& list : copy.lists)
+    for (ListEntries const& list : copy.lists) {
         lists.push_back(toJson(list));
-    Json const json = {{"time", copy.time}, {"command", copy.command}, {"lists", lists}};
-    std::string const file = fileOf(copy.number, ".json");
-    std::string const unfinished = fileOf(copy.number, ".part");
-    std::ofstream out(unfinished);
-    out << json.dump(1, ' ', false, Json::error_handler_t::replace) << "\n";
-    if (!out.flush() || rename(unfinished.c_str(), file.c_str()) != 0) {
-        std::string const reason = std::strerror(errno);
-        unlink(unfinished.c_str());
-        throw Failure("cannot write " + file + ": " + reason);
+        if (auto const items = copy.items.find(list.uuid); items != copy.items.end())
+            lists.back()["items"] = toJson(items->second);
+    }
+    Json json = {{"time", copy.time}, {"command", copy.command}, {"lists", lists}};
+    if (copy.undoes != 0)
+        json["undoes"] = copy.undoes;
+    for (ListEntries const& list : copy.after)
+        json["after"].push_back(toJson(list));
+    std::string const text = json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+    auto const size = static_cast<ssize_t>(text.size());
+    if (pwrite(claimed_, text.data(), text.size(), 0) != size || ftruncate(claimed_, size) != 0 ||
+        fsync(claimed_) != 0)
+        throw Failure("cannot write " + fileOf(copy.number, ".part") + ": " + std::strerror(errno));
+}
+
+KeptCopy UndoStore::read(int number, char const* ending) const {
+    std::ifstream in(fileOf(number, ending));
+    KeptCopy copy;
+    try {
+        copy = copyFrom(number, Json::parse(in));
+    } catch (Json::exception const&) {
+        copy = KeptCopy();
+        copy.number = number;
+        copy.isReadable = false;
+    }
+    if (copy.isReadable && copy.lists.empty())
+        copy.file = fileOf(number, ".db");
+    return copy;
+}
+
+// Room for one more. Neither goes without the other: a copy, and that of its taking back.
+void UndoStore::removeOld(bool isUndo) const {
+    std::vector<KeptCopy> const all = copies();
+    std::size_t count = 0;
+    for (auto copy = all.rbegin(); copy != all.rend(); ++copy) {
+        if ((copy->undoes != 0) != isUndo || ++count < kMostCopies)
+            continue;
+        remove(copy->number);
+        for (KeptCopy const& other : all)
+            if (other.undoes == copy->number || other.number == copy->undoes)
+                remove(other.number);
     }
 }
 
 void UndoStore::keep(KeptCopy& copy) {
-    std::vector<int> const kept = numbers();
+    std::vector<int> const kept = numbers(".json");
     copy.number = kept.empty() ? 1 : kept.back() + 1;
     copy.time = localTime();
     makeFolder();
     while (!claim(copy.number))
         ++copy.number;
     try {
+        for (ListEntries const& list : copy.lists)
+            copy.items[list.uuid] = storedItems(list.uuid);
         if (copy.lists.empty())
             channel_database::copyToNewFile(database_, fileOf(copy.number, ".db"));
         write(copy);
     } catch (...) {
         remove(copy.number);
+        close(std::exchange(claimed_, -1));
         throw;
     }
-    for (std::size_t i = 0; i + kMostCopies <= kept.size(); ++i)
-        remove(kept[i]);
+    removeOld(copy.undoes != 0);
 }
 
-void UndoStore::keepIn(std::string const& command, Snapshot const& lists) {
+void UndoStore::keepIn(std::string const& command, Snapshot const& lists, int undoes) {
     if (folder_.empty())
         throw Failure("neither XDG_STATE_HOME nor HOME names a folder for it");
     KeptCopy copy;
     copy.command = command;
     copy.lists = lists;
+    copy.undoes = undoes;
     keep(copy);
     last_ = std::move(copy);
 }
 
-void UndoStore::keepLists(std::string const& command, Snapshot const& lists) {
+void UndoStore::keepLists(std::string const& command, Snapshot const& lists, int undoes) {
     if (!isOn_)
         return;
     try {
-        keepIn(command, lists);
+        keepIn(command, lists, undoes);
     } catch (std::exception const& error) {
         listener().note(std::string("\"undo\" will not know of this: ") + error.what());
     }
 }
 
-void UndoStore::keepDatabase(std::string const& command) {
+void UndoStore::keepDatabase(std::string const& command, int undoes) {
     std::error_code failed;
     if (!isOn_ || (fs::file_size(database_, failed) == 0 && !failed))
         return;
     try {
-        keepIn(command, {});
+        keepIn(command, {}, undoes);
     } catch (std::exception const& error) {
         throw Failure(std::string("no copy could be kept, and nothing is written (--no-undo does"
                                   " without): ") +
@@ -228,14 +338,16 @@ void UndoStore::keepOnlyChanged(Snapshot const& now) {
         [&](ListEntries const& list) { return isChanged(list, now); });
     bool const reachesAll = std::any_of(changed.begin(), changed.end(),
                                         [](ListEntries const& list) { return !list.isFav; });
-    if (reachesAll)
-        changed = last_.lists;
-    last_.lists = std::move(changed);
-    if (last_.lists.empty())
+    if (changed.empty())
         return;  // and the copy goes with this object
+    if (!reachesAll)
+        last_.lists = std::move(changed);
+    for (ListEntries const& list : last_.lists)
+        std::copy_if(now.begin(), now.end(), std::back_inserter(last_.after),
+                     [&](ListEntries const& each) { return each.uuid == list.uuid; });
     try {
         write(last_);
-    } catch (Failure const& failure) {  // the copy stays as it was: it has more than it needs
+    } catch (Failure const& failure) {  // the copy knows less than it could
         listener().note(failure.what());
     }
     confirm();
@@ -243,19 +355,24 @@ void UndoStore::keepOnlyChanged(Snapshot const& now) {
 
 std::vector<KeptCopy> UndoStore::copies() const {
     std::vector<KeptCopy> found;
-    for (int const number : numbers()) {
-        std::ifstream in(fileOf(number, ".json"));
-        Json const json = Json::parse(in, nullptr, false);
-        try {
-            found.push_back(copyFrom(number, json));
-        } catch (Json::exception const&) {
-            listener().note(fileOf(number, ".json") + " is no kept copy");
-            continue;
-        }
-        if (found.back().lists.empty())
-            found.back().file = fileOf(number, ".db");
-    }
+    for (int const number : numbers(".json"))
+        found.push_back(read(number, ".json"));
     return found;
+}
+
+void UndoStore::settle(std::function<bool(KeptCopy const&)> const& wasWritten) const {
+    for (int const number : numbers(".part")) {
+        std::string const file = fileOf(number, ".part");
+        int const claimed = open(file.c_str(), O_RDWR | O_CLOEXEC);
+        if (claimed >= 0 && flock(claimed, LOCK_EX | LOCK_NB) == 0) {
+            KeptCopy const copy = read(number, ".part");
+            if (!copy.isReadable || !wasWritten(copy))
+                remove(number);
+            else
+                rename(file.c_str(), fileOf(number, ".json").c_str());
+        }
+        close(claimed);
+    }
 }
 
 }  // namespace channel_lists

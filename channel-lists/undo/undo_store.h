@@ -1,10 +1,15 @@
 // What the commands that write keep of a database before they do.
 //
 // The copies of a database lie in $XDG_STATE_HOME/channellist (~/.local/state/channellist), in a
-// folder that is called as the database's real path, the last ten of them: N.json with the lists
-// that an edit reached, or N.json beside N.db with the whole database.
+// folder that is called as the database's real path, the last ten of them and of those that "undo"
+// itself makes: N.json with the lists that an edit reached, or N.json beside N.db with the whole
+// database. Until the write is done N.json is called N.part, and its process holds a lock on it.
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,13 +17,28 @@
 
 namespace channel_lists {
 
+// A row of a list as it was stored, one that the library does not deliver, too.
+struct StoredItem {
+    std::int64_t service = 0;
+    std::optional<std::int64_t> number, hidden, visible, selectable, original;
+};
+
+std::vector<StoredItem> storedItems(std::string const& listUuid);
+
 struct KeptCopy {
     int number = 0;  // newer ones have higher ones
     std::string time;
     std::string command;  // that kept it: "edit FAV1"
-    Snapshot lists;
-    std::string file;  // the whole database; "" where there are lists
+    Snapshot lists;       // before the command
+    Snapshot after;  // the same lists as it left them; of older copies nothing is known of that
+    std::map<std::string, std::vector<StoredItem>> items;  // by the uuid of a list, before
+    std::string file;        // the whole database; "" where there are lists
+    int undoes = 0;          // the copy that was taken back by this write
+    bool isReadable = true;  // else nothing but the number is known
 };
+
+// Whether a later one took the copy back.
+bool isTakenBack(KeptCopy const& copy, std::vector<KeptCopy> const& copies);
 
 class UndoStore {
   public:
@@ -30,34 +50,39 @@ class UndoStore {
     UndoStore& operator=(UndoStore const&) = delete;
 
     // Where nothing can be kept, the listener is told, and the command goes on.
-    void keepLists(std::string const& command, Snapshot const& lists);
+    void keepLists(std::string const& command, Snapshot const& lists, int undoes = 0);
     // Nothing else brings a whole database back: throws Failure where it cannot be kept.
-    void keepDatabase(std::string const& command);
+    void keepDatabase(std::string const& command, int undoes = 0);
 
     // The write is done. Of what keepLists kept, only the lists that differ from `now` stay;
     // nothing when none does.
     void keepOnlyChanged(Snapshot const& now);
-    void confirm() { last_.number = 0; }
+    void confirm();
     // The write was refused: nothing is kept of it.
     void discard();
 
     // The oldest first. Throws Failure when the folder cannot be read.
     std::vector<KeptCopy> copies() const;
+    // What is left of processes that died is kept if they had written, and removed else.
+    void settle(std::function<bool(KeptCopy const&)> const& wasWritten) const;
+    void remove(int number) const;
 
   private:
     std::string fileOf(int number, char const* ending) const;
-    std::vector<int> numbers() const;
+    std::vector<int> numbers(char const* ending) const;
     void makeFolder() const;
-    bool claim(int number) const;
+    bool claim(int number);
     void write(KeptCopy const& copy) const;
-    void remove(int number) const;
+    KeptCopy read(int number, char const* ending) const;
+    void removeOld(bool isUndo) const;
     void keep(KeptCopy& copy);
-    void keepIn(std::string const& command, Snapshot const& lists);
+    void keepIn(std::string const& command, Snapshot const& lists, int undoes);
 
     std::string database_;
     bool isOn_;
     std::string folder_;  // "" when nothing is kept
     KeptCopy last_;       // what waits for the write; number 0 without
+    int claimed_ = -1;    // its locked file
 };
 
 }  // namespace channel_lists

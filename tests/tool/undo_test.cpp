@@ -1,13 +1,17 @@
 // undo: every command that writes, taken back.
+#include <fstream>
+
 #include "tool_process.h"
 
 namespace fs = std::filesystem;
+using channel_database::ChannelDatabase;
 using testing::HasSubstr;
 
 namespace {
 
 constexpr char kItems[] =
-    "SELECT FavoriteId, ServiceId, ChannelNum, isDeleted, FavTag, FavTag2 FROM FavoriteItem JOIN"
+    "SELECT FavoriteId, ServiceId, ChannelNum, isDeleted, FavoriteItem.Visible,"
+    " FavoriteItem.Selectable, OriginalFavoriteId, FavTag, FavTag2 FROM FavoriteItem JOIN"
     " Service s ON s.Pid = ServiceId ORDER BY 1, 3, 2";
 
 TEST_F(ToolTest, TakesBackWhatEachCommandWrote) {
@@ -38,11 +42,133 @@ TEST_F(ToolTest, TakesBackWhatEachCommandWrote) {
         output("undo");
         EXPECT_THAT(out, HasSubstr("Written, and flushed to the disk")) << command;
         EXPECT_EQ(rows(kItems), before) << command;
-        output("undo");
-        EXPECT_EQ(rows(kItems), after) << command << ": the second takes back the first";
+        output("undo --redo");
+        EXPECT_EQ(rows(kItems), after) << command << ": done again";
         output("undo");
     }
     EXPECT_EQ(rows(kItems), before);
+}
+
+TEST_F(ToolTest, GoesOneFurtherBackEachTime) {
+    for (char const* command : {"remove VOX", "move 2 to 9", "hide 1"})
+        output(std::string("edit FAV1 ") + command);
+    expect({"undo --redo", 1, nullptr, "nothing is taken back: there is nothing to do again"});
+    std::string const third = fav(1);
+    output("undo");
+    std::string const second = fav(1);
+    output("undo");
+    std::string const first = fav(1);
+    output("undo");
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+    expect({"undo", 1, nullptr, "all that is kept is taken back already; --redo does the last"});
+    EXPECT_THAT(output("undo --list"), HasSubstr("undone  FAV1"));
+    for (std::string const& state : {first, second, third}) {
+        output("undo --redo");
+        EXPECT_EQ(fav(1), state);
+    }
+    expect({"undo --redo", 1, nullptr, "nothing is taken back"});
+    output("undo 1");
+    EXPECT_THAT(fav(1), HasSubstr("3 3")) << "alone, and what came later stays";
+    EXPECT_THAT(fav(1), HasSubstr("9 2"));
+    expect({"undo 1", 1, nullptr, "copy 1 is taken back already"});
+    expect({"undo -- ''", 1, nullptr, "there is no kept copy ''"});
+}
+
+TEST_F(ToolTest, TakesBackItsOwnChangesAndKeepsThoseOfOthers) {
+    struct {
+        char const* command;
+        char const* others;  // what they do then
+        char const* conflict;
+        char const* after;  // of the undo, of --force where there is a conflict
+    } const cases[] = {
+        {"remove VOX",
+         "UPDATE FavoriteItem SET isDeleted = 1 WHERE FavoriteId = 11 AND ServiceId ="
+         " 2",
+         nullptr, "1 1;2 2 deleted;3 3;5 5"},
+        {"move VOX to 9", "DELETE FROM FavoriteItem WHERE FavoriteId = 11 AND ServiceId = 5",
+         nullptr, "1 1;2 2;3 3"},
+        {"move VOX to 9",
+         "UPDATE FavoriteItem SET ChannelNum = 7 WHERE FavoriteId = 11 AND"
+         " ServiceId = 3",
+         "FAV1: VOX: moved to 7 since; it would be moved to 3", "1 1;2 2;3 3;5 5"},
+        {"hide VOX", "DELETE FROM FavoriteItem WHERE FavoriteId = 11 AND ServiceId = 3",
+         "FAV1: VOX: removed since; it would be restored", "1 1;2 2;3 3;5 5"},
+    };
+    fs::copy_file(folder / "set.db", folder / "fresh");
+    for (auto const& each : cases) {
+        fs::copy_file(folder / "fresh", folder / "set.db", fs::copy_options::overwrite_existing);
+        output(std::string("edit FAV1 ") + each.command);
+        change(each.others);
+        std::string const before = fav(1);
+        if (each.conflict != nullptr) {
+            expect({"undo", 1, "Taking back", each.conflict});
+            EXPECT_THAT(err, HasSubstr("nothing is written; --force"));
+            EXPECT_EQ(fav(1), before);
+        }
+        output(each.conflict == nullptr ? "undo" : "undo --force");
+        EXPECT_EQ(fav(1), each.after) << each.command << " | " << each.others;
+    }
+}
+
+// What an edit cannot show, and what its request does not name.
+TEST_F(ToolTest, BringsBackAllThatAnEntryWas) {
+    change(
+        "UPDATE FavoriteItem SET Visible = 0, Selectable = 1, OriginalFavoriteId = 21 WHERE"
+        " FavoriteId = 11 AND ServiceId = 3; INSERT INTO FavoriteItem (ServiceId, FavoriteId,"
+        " OriginalFavoriteId, ChannelNum, isDeleted, Visible) VALUES (999, 11, 11, 8, 1, 0)");
+    constexpr char kAll[] =
+        "SELECT ServiceId, ChannelNum, isDeleted, Visible, Selectable, OriginalFavoriteId FROM"
+        " FavoriteItem WHERE FavoriteId = 11 ORDER BY 1";
+    std::string const before = rows(kAll);
+    output("edit FAV1 remove VOX remove Jazz");
+    EXPECT_THAT(rows(kAll), testing::Not(HasSubstr("999")));
+    output("undo");
+    EXPECT_EQ(rows(kAll), before);
+    output("edit FAV1 remove VOX remove Jazz");
+    change("DELETE FROM Service WHERE Pid = 3");
+    std::string const now = fav(1);
+    expect({"undo", 1, "Taking back", "cannot be brought back:\n  FAV1: VOX: no service fits"});
+    EXPECT_EQ(fav(1), now);
+    output("undo --force", 1);
+    EXPECT_THAT(fav(1), HasSubstr("5 5"));
+}
+
+// An edit that never was leaves no copy; one that was interrupted behind its commit does.
+TEST_F(ToolTest, KnowsNothingOfEditsThatNeverWere) {
+    fs::path const kept = folder / ".local/state/channellist";
+    output("edit FAV1 move 1 to 9");
+    fs::path const copies = kept / fs::canonical(folder / "set.db").relative_path();
+    {
+        ChannelDatabase other((folder / "set.db").string());
+        other.run("BEGIN IMMEDIATE");
+        EXPECT_EQ(run("edit --db set.db FAV1 move 2 to 8", "timeout -s KILL 1"), 128 + 9);
+    }
+    fs::copy_file(copies / "1.json", copies / "7.part");
+    output("undo --list");
+    EXPECT_THAT(out, HasSubstr("\n 1  "));
+    EXPECT_THAT(out, HasSubstr("\n 7  ")) << "the list is another one than before that edit";
+    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 4);
+    std::ofstream(copies / "8.json") << "cut";
+    expect({"undo", 1, nullptr, "copy 8 cannot be read, and nothing is taken back"});
+    fs::remove(copies / "8.json");
+    fs::remove(copies / "7.json");
+    std::string const old =
+        "{\"time\": \"t\", \"command\": \"edit FAV1\", \"lists\": [{\"uuid\":"
+        " \"u-fav1\", \"name\": \"FAV1\", \"entries\": [{\"number\": 4, \"key\": 3,"
+        " \"hidden\": false, \"name\": \"VOX\", \"triplet\": \"1-1089-12060\"}]}]}";
+    std::ofstream(copies / "9.json") << old;
+    expect({"undo", 0, "Written, and flushed", "does not tell what others wrote since"});
+    EXPECT_EQ(fav(1), "4 3");
+}
+
+TEST_F(ToolTest, TellsWhatGoesWithAWholeDatabase) {
+    output("backup old");
+    output("edit FAV1 move 1 to 9");
+    output("restore old");
+    output("edit FAV1 hide VOX");
+    expect({"undo 2", 1, "Taking back", "it would take back, too:\n  3  edit FAV1 of "});
+    output("undo 2 --force");
+    EXPECT_EQ(fav(1), "2 2;3 3;5 5;9 1");
 }
 
 TEST_F(ToolTest, KeepsTheLastTenAndNothingOfWhatFailed) {
@@ -61,11 +187,11 @@ TEST_F(ToolTest, KeepsTheLastTenAndNothingOfWhatFailed) {
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 12);
     EXPECT_THAT(out, HasSubstr("\n 3  "));
     expect({"undo 2", 1, nullptr, "there is no kept copy '2'"});
-    output("undo 4");
+    output("undo 4 --force");
     EXPECT_THAT(fav(1), HasSubstr("12 3"));
     output("edit FAV1 remove VOX", 0);
     change("DELETE FROM Service WHERE Pid = 3");
-    expect({"undo", 0, "Nothing to change.", "FAV1: VOX is left out: no service fits 'VOX'"});
+    expect({"undo", 1, "Taking back", "FAV1: VOX: no service fits 'VOX'"});
 }
 
 TEST_F(ToolTest, WritesWhereNothingCanBeKept) {

@@ -2,16 +2,18 @@
 #include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <fstream>
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "commands/commands.h"
 #include "database/session.h"
-#include "edit/write_list.h"
 #include "failure.h"
 #include "lists/difference.h"
-#include "lists/text_services.h"
 #include "output/differences.h"
 #include "output/print_rows.h"
 #include "output/replacement.h"
@@ -19,33 +21,49 @@
 #include "text/display_text.h"
 #include "text/json_text.h"
 #include "undo/replacement.h"
+#include "undo/take_back.h"
 #include "undo/undo_store.h"
 
 namespace tool {
 namespace {
 
+constexpr char kNewest[] = "newest";  // what no number says
+
 struct Options {
-    std::string number;
+    std::string number = kNewest;
     bool list = false;
     bool dryRun = false;
     bool json = false;
+    bool redo = false;
+    bool force = false;
 };
 
+using Copies = std::vector<KeptCopy>;
+
 std::string contentOf(KeptCopy const& copy) {
+    if (!copy.isReadable)
+        return "cannot be read";
     std::string names;
     for (ListEntries const& list : copy.lists)
         names += (names.empty() ? "" : ", ") + displayText(list.listName);
     return copy.lists.empty() ? "the whole database" : names;
 }
 
-void printCopies(std::vector<KeptCopy> const& copies, bool json) {
-    TextTable table({{"No", Align::Right}, {"Time"}, {"Before"}, {"Content", Align::Left, kWraps}});
+std::string stateOf(KeptCopy const& copy, Copies const& copies) {
+    return isTakenBack(copy, copies) ? "undone" : "";
+}
+
+void printCopies(Copies const& copies, bool json) {
+    TextTable table(
+        {{"No", Align::Right}, {"Time"}, {"Before"}, {"State"}, {"Content", Align::Left, kWraps}});
     Json rows = Json::array();
     for (KeptCopy const& copy : copies) {
-        table.add({std::to_string(copy.number), copy.time, copy.command, contentOf(copy)});
+        table.add({std::to_string(copy.number), copy.time, copy.command, stateOf(copy, copies),
+                   contentOf(copy)});
         rows.push_back({{"number", copy.number},
                         {"time", copy.time},
                         {"before", copy.command},
+                        {"undone", isTakenBack(copy, copies)},
                         {"content", contentOf(copy)}});
     }
     if (json)
@@ -56,146 +74,150 @@ void printCopies(std::vector<KeptCopy> const& copies, bool json) {
         table.print(std::cout);
 }
 
-KeptCopy const& chosen(std::vector<KeptCopy> const& copies, std::string const& word) {
-    if (copies.empty())
-        throw Failure("nothing is kept of this database: there is nothing to undo");
-    if (word.empty())
-        return copies.back();
-    auto const number = wholeNumber(word);
+// Each one more goes one further back; what "undo" itself wrote is for --redo.
+KeptCopy const& newest(Copies const& copies, bool redo) {
+    auto const found = std::find_if(copies.rbegin(), copies.rend(), [&](KeptCopy const& copy) {
+        return redo ? copy.undoes != 0 : copy.undoes == 0 && !isTakenBack(copy, copies);
+    });
+    if (found == copies.rend())
+        throw Failure(redo ? "nothing is taken back: there is nothing to do again"
+                      : copies.empty()
+                          ? "nothing is kept of this database: there is nothing to undo"
+                          : "all that is kept is taken back already; --redo does the last again");
+    return *found;
+}
+
+KeptCopy const& chosen(Copies const& copies, Options const& options) {
+    if (options.number == kNewest)
+        return newest(copies, options.redo);
+    auto const number = wholeNumber(options.number);
     auto const found = std::find_if(copies.begin(), copies.end(), [&](KeptCopy const& copy) {
         return number && copy.number == *number;
     });
     if (found == copies.end())
-        throw Failure("there is no kept copy '" + word + "'; \"undo --list\" shows what there is");
+        throw Failure("there is no kept copy '" + options.number +
+                      "'; \"undo --list\" shows what there is");
+    if (isTakenBack(*found, copies))
+        throw Failure("copy " + options.number + " is taken back already; --redo does it again");
     return *found;
 }
 
-// The services of the kept entries as the database has them now, by key, triplet and name.
-std::vector<Entry> keptEntries(ListEntries const& kept, std::vector<Entry> const& now,
-                               std::vector<Entry> const& all) {
-    TextServices const services(now, all);
-    std::vector<Entry> entries;
-    for (Entry const& entry : kept.entries) {
-        TextLine line;
-        line.name = entry.name;
-        line.triplet = entry.triplet;
-        line.key = entry.serviceId;
-        std::string error;
-        Entry const* const service = services.find(line, error);
-        if (service == nullptr) {
-            std::cerr << "channellist: " << displayText(kept.listName) << ": "
-                      << displayText(entry.name) << " is left out: " << displayLines(error) << "\n";
-            continue;
-        }
-        entries.push_back(*service);
-        entries.back().number = entry.number;
-        entries.back().deleted = entry.deleted;
+// Of an interrupted command only the database tells whether it had written.
+bool wasWritten(std::string const& database, KeptCopy const& copy) {
+    if (!copy.file.empty()) {
+        std::string const now = copy.file + ".now";
+        unlink(now.c_str());
+        channel_database::copyToNewFile(database, now);
+        auto const bytesOf = [](std::string const& file) {
+            std::ostringstream bytes;
+            bytes << std::ifstream(file, std::ios::binary).rdbuf();
+            return bytes.str();
+        };
+        bool const isSame = bytesOf(now) == bytesOf(copy.file);
+        unlink(now.c_str());
+        return !isSame;
     }
-    return entries;
-}
-
-// Nothing joins or leaves a list that is none of FAV1 to FAV4.
-std::vector<Entry> withKept(std::vector<Entry> const& now, std::vector<Entry> const& kept) {
-    std::vector<Entry> entries = now;
-    std::vector<bool> isTaken(kept.size());
-    for (Entry& entry : entries) {
-        for (std::size_t i = 0; i < kept.size(); ++i) {
-            if (isTaken[i] || kept[i].serviceId != entry.serviceId)
-                continue;
-            isTaken[i] = true;
-            entry.number = kept[i].number;
-            entry.deleted = kept[i].deleted;
-            break;
-        }
-    }
-    return entries;
-}
-
-void bringBackList(ListEntries const& kept, std::vector<Entry> const& all) {
-    std::vector<List> const lists = allLists();
-    auto const list = std::find_if(lists.begin(), lists.end(),
-                                   [&](List const& each) { return each.uuid == kept.uuid; });
-    if (list == lists.end())
-        throw Failure("the database has no list " + displayText(kept.listName) + " any more");
-    Entries const now = readEntries(list->uuid);
-    if (!now.complete)
-        throw Failure("not all services of " + displayName(*list) +
-                      " could be read, and an edit would lose the others; \"channellist check\" "
-                      "tells why");
-    std::vector<Entry> const entries = keptEntries(kept, now.entries, all);
-    bool const isFav = list->favIndex != 0;
-    std::vector<Entry> const after = isFav ? entries : withKept(now.entries, entries);
-    if (after == now.entries)
-        return;
-    UndoStore off("", false);
-    if (writeLists({{seeList(*list), {after, false}}}, {off, "undo"}).ending == Ending::Overtaken)
-        throw Failure(displayName(*list) + " has changed meanwhile");
-}
-
-// The list that was edited stands first: what it hides or shows, it does so in the FAV lists, too.
-Snapshot inOrder(Snapshot lists) {
-    std::stable_partition(lists.begin(), lists.end(), [](ListEntries const& list) {
-        auto const all = allLists();
-        return std::any_of(all.begin(), all.end(), [&](List const& each) {
-            return each.uuid == list.uuid && each.favIndex == 0;
-        });
+    return std::any_of(copy.lists.begin(), copy.lists.end(), [](ListEntries const& list) {
+        return readEntries(list.uuid).entries != list.entries;
     });
-    return lists;
 }
 
-List editedList(KeptCopy const& copy) {
-    for (ListEntries const& kept : copy.lists)
-        for (List const& list : allLists())
-            if (list.uuid == kept.uuid && list.favIndex == 0)
-                return list;
-    return List();
+Copies settledCopies(std::string const& database) {
+    UndoStore const store(database);
+    std::unique_ptr<Session> session;
+    store.settle([&](KeptCopy const& copy) {
+        if (session == nullptr)
+            session = std::make_unique<Session>(database);
+        return wasWritten(database, copy);
+    });
+    return store.copies();
 }
 
-void bringBackLists(std::string const& database, KeptCopy const& copy, Options const& options) {
+// A whole database comes back with everything that was written since.
+void checkLater(KeptCopy const& copy, Copies const& copies, Options const& options) {
+    std::string later;
+    for (KeptCopy const& each : copies)
+        if (each.number > copy.number && each.undoes == 0 && !isTakenBack(each, copies))
+            later +=
+                "\n  " + std::to_string(each.number) + "  " + each.command + " of " + each.time;
+    if (later.empty())
+        return;
+    later = "it would take back, too:" + later;
+    if (!options.force && !options.dryRun)
+        throw Failure(later + "\nnothing is written; --force takes all of it back");
+    std::cerr << "channellist: " << displayLines(later) << "\n";
+}
+
+std::string lines(std::vector<std::string> const& texts) {
+    std::string all;
+    for (std::string const& text : texts)
+        all += "\n  " + text;
+    return all;
+}
+
+// Exit code 1 when something could not be brought back.
+int takeBackLists(std::string const& database, KeptCopy const& copy, Options const& options) {
     Session session(database, options.dryRun ? Access::Read : Access::Write);
     if (options.dryRun)
         session.continueOnCopy();
-    Snapshot const before = takeSnapshot(editedList(copy));
-    UndoStore store(database, !options.dryRun);
-    store.keepLists("undo " + std::to_string(copy.number), before);
-    std::vector<Entry> const all = readEntries(allServicesList().uuid).entries;
-    auto const now = [&] { return takeSnapshot(editedList(copy)); };
-    try {
-        for (ListEntries const& list : inOrder(copy.lists))
-            bringBackList(list, all);
-    } catch (...) {
-        store.keepOnlyChanged(now());  // what is written can be taken back
-        throw;
-    }
-    Snapshot const after = now();
-    store.keepOnlyChanged(after);
-    std::vector<Change> const changes = differences(before, after);
-    if (changes.empty()) {
-        std::cout << "Nothing to change.\n";
-        return;
-    }
-    printDifferences(changes);
-    std::cout << (options.dryRun ? "Dry run: nothing is written.\n"
-                                 : "Written, and flushed to the disk.\n");
+    UndoStore store(database, !options.dryRun && (copy.undoes == 0 || options.force));
+    if (copy.after.empty())
+        std::cerr << "channellist: this copy does not tell what others wrote since; the lists come "
+                     "back as they were\n";
+    TakenBack const taken = takeBack(copy, options.force, store);
+    std::string troubles;
+    if (!taken.conflicts.empty())
+        troubles += "others changed the same entries:" + lines(taken.conflicts);
+    if (!taken.lost.empty())
+        troubles += std::string(troubles.empty() ? "" : "\n") +
+                    "cannot be brought back:" + lines(taken.lost);
+    if (!troubles.empty() && !options.force)
+        throw Failure(troubles + "\nnothing is written; --force takes back the rest");
+    if (!troubles.empty())
+        std::cerr << "channellist: " << displayLines(troubles) << "\n";
+    for (std::string const& note : taken.notes)
+        std::cerr << "channellist: " << displayText(note) << "\n";
+    std::vector<Change> const changes = differences(taken.before, taken.after);
+    if (!changes.empty())
+        printDifferences(changes);
+    std::cout << (!taken.isWritten ? "Nothing to change.\n"
+                  : options.dryRun ? "Dry run: nothing is written.\n"
+                                   : "Written, and flushed to the disk.\n");
+    if (!taken.isWritten && !options.dryRun && taken.lost.empty())
+        store.remove(copy.number);  // it is taken back already, and would be in the way
+    return taken.lost.empty() ? kSuccess : kFailure;
 }
 
 int run(std::string const& database, Options const& options) {
-    std::vector<KeptCopy> const copies = UndoStore(database).copies();
+    Copies const copies = settledCopies(database);
     if (options.list) {
         printCopies(copies, options.json);
         return kSuccess;
     }
-    KeptCopy const& copy = chosen(copies, options.number);
-    std::cout << "Taking back \"" << displayText(copy.command) << "\" of " << displayText(copy.time)
-              << "\n";
-    if (!copy.file.empty())
-        printReplacement(
-            copy.file, database,
-            bringBack(copy.file, database, {options.dryRun, "undo " + std::to_string(copy.number)}),
-            options.dryRun);
-    else
-        bringBackLists(database, copy, options);
-    return kSuccess;
+    KeptCopy const& copy = chosen(copies, options);
+    if (!copy.isReadable)
+        throw Failure(
+            "copy " + std::to_string(copy.number) +
+            " cannot be read, and nothing is taken back; \"undo --list\" shows the others");
+    std::cout << (copy.undoes != 0 ? "Doing again what \"" : "Taking back \"")
+              << displayText(copy.command) << (copy.undoes != 0 ? "\" took back at " : "\" of ")
+              << displayText(copy.time) << "\n";
+    int code = kSuccess;
+    bool const isRedo = copy.undoes != 0;
+    if (!copy.file.empty()) {
+        checkLater(copy, copies, options);
+        bool const isKept = !isRedo || options.force;
+        std::string const changes =
+            bringBack(copy.file, database,
+                      {options.dryRun, isKept ? "undo " + std::to_string(copy.number) : "",
+                       isRedo ? 0 : copy.number});
+        printReplacement(copy.file, database, changes, options.dryRun);
+    } else {
+        code = takeBackLists(database, copy, options);
+    }
+    if (isRedo && !options.dryRun)
+        UndoStore(database).remove(copy.number);
+    return code;
 }
 
 }  // namespace
@@ -205,21 +227,28 @@ void addUndoCommand(CommandLine& line) {
     line.add("undo", "Takes back what this user's last edit, import or restore wrote")
         .optionalArgument("NUMBER", options->number, "an older copy, as --list shows them")
         .flag("--list", options->list, "show what can be taken back")
+        .flag("--redo", options->redo, "do again what the last \"undo\" took back")
+        .flag("--force", options->force, "take back what others changed since, too")
         .flag("-n,--dry-run", options->dryRun, "show what would change, and write nothing")
         .json(options->json)
         .needs("--json", "--list")
         .excludes("--list", "NUMBER")
+        .excludes("--redo", "NUMBER")
+        .excludes("--redo", "--list")
         .footer(
             "\"edit\" and \"import --favourites\" keep the lists that they change, \"import "
             "--force\"\n"
             "and \"restore\" the whole database: the last ten copies, in "
             "$XDG_STATE_HOME/channellist\n"
-            "or ~/.local/state/channellist. \"undo\" keeps what it takes back in the same way, so\n"
-            "that a second one takes back the first.\n" +
+            "or ~/.local/state/channellist. A list is taken back entry by entry, and keeps what\n"
+            "others changed since; where they changed the same entries, or a later command would\n"
+            "go with a whole database, that is said, and nothing is written without --force. Each\n"
+            "\"undo\" goes one further back; --redo does again what the last one took back.\n" +
             narrowHelp(differenceColumns()) +
             "Examples:\n"
             "  channellist undo\n"
-            "  channellist undo --list")
+            "  channellist undo --list\n"
+            "  channellist undo --redo")
         .action([options](std::string const& database) { return run(database, *options); });
 }
 

@@ -1,0 +1,294 @@
+#include "undo/take_back.h"
+
+#include <channellist-access/db_access.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+
+#include "database/frozen_database.h"
+#include "database/list_naming.h"
+#include "database/query.h"
+#include "edit/merge.h"
+#include "edit/write_list.h"
+#include "failure.h"
+#include "lists/text_services.h"
+#include "text/display_text.h"
+#include "undo/joining_items.h"
+
+namespace channel_lists {
+namespace {
+
+constexpr int kMostTries = 20;
+
+enum class Kind { FavLists, OtherLists };
+
+ListEntries const* withUuid(Snapshot const& lists, std::string const& uuid) {
+    auto const found = std::find_if(lists.begin(), lists.end(),
+                                    [&](ListEntries const& each) { return each.uuid == uuid; });
+    return found == lists.end() ? nullptr : &*found;
+}
+
+// Finds kept entries in the database as it is now, whatever keys a scan gave to their services.
+class KeptServices {
+  public:
+    KeptServices(std::vector<Entry> const& stored, std::vector<Entry> const& all)
+        : services_(stored, all) {}
+
+    std::optional<Entry> find(Entry const& kept, std::string& error) const {
+        Entry entry = kept;
+        if (!kept.uuid.empty()) {
+            Query same(db, "SELECT Pid FROM Service WHERE Uuid = ? ORDER BY Pid <> ?");
+            same.bind(kept.uuid).bind(std::int64_t{kept.serviceId});
+            if (same.next()) {
+                entry.serviceId = static_cast<unsigned int>(same.number(0));
+                return entry;
+            }
+        }
+        TextLine line;
+        line.name = kept.name;
+        line.triplet = kept.triplet;
+        line.key = kept.serviceId;
+        Entry const* const service = services_.find(line, error);
+        if (service == nullptr)
+            return std::nullopt;
+        entry.serviceId = service->serviceId;
+        entry.name = service->name;
+        return entry;
+    }
+
+  private:
+    TextServices services_;
+};
+
+// Nothing joins or leaves a list that is none of FAV1 to FAV4.
+std::vector<Entry> inPlacesOf(std::vector<Entry> entries, std::vector<Entry> const& places) {
+    std::vector<Entry> result = places;
+    for (Entry& place : result) {
+        auto const entry = std::find_if(entries.begin(), entries.end(), [&](Entry const& each) {
+            return each.serviceId == place.serviceId;
+        });
+        if (entry == entries.end())
+            continue;
+        place.number = entry->number;
+        place.deleted = entry->deleted;
+        entries.erase(entry);
+    }
+    return result;
+}
+
+// Stored items without those that are delivered.
+std::vector<StoredItem> undelivered(std::vector<StoredItem> items,
+                                    std::vector<Entry> const& delivered) {
+    for (Entry const& entry : delivered) {
+        auto const item = std::find_if(items.begin(), items.end(), [&](StoredItem const& each) {
+            return each.service == std::int64_t{entry.serviceId};
+        });
+        if (item != items.end())
+            items.erase(item);
+    }
+    return items;
+}
+
+class Planner {
+  public:
+    Planner(KeptCopy const& copy, TakenBack& result)
+        : copy_(copy), result_(result), all_(readEntries(allServicesList().uuid).entries) {}
+
+    std::vector<ListEdit> plan(Kind kind) {
+        std::vector<ListEdit> edits;
+        std::vector<List> const lists = allLists();
+        for (ListEntries const& kept : copy_.lists) {
+            auto const list = std::find_if(lists.begin(), lists.end(), [&](List const& each) {
+                return each.uuid == kept.uuid;
+            });
+            if (list == lists.end())
+                throw Failure("the database has no list " + kept.listName + " any more");
+            if ((list->favIndex != 0) == (kind == Kind::FavLists))
+                edits.push_back(planOne(*list, kept));
+        }
+        return edits;
+    }
+
+  private:
+    ListEdit planOne(List const& list, ListEntries const& kept) {
+        ListEdit edit{seeList(list), {}};
+        std::vector<Entry> const& now = edit.seen.entries;
+        ListEntries const* const after = withUuid(copy_.after, kept.uuid);
+        bool const isFav = list.favIndex != 0;
+        std::vector<Entry> mine = findAll(edit.seen, kept.entries, after);
+        std::vector<Entry> base =
+            after == nullptr ? now : findAll(edit.seen, after->entries, after);
+        if (!isFav) {
+            mine = inPlacesOf(mine, now);
+            base = inPlacesOf(base, now);
+        }
+        Merge merged;
+        if (std::is_permutation(base.begin(), base.end(), now.begin(), now.end()))
+            merged.entries = mine;
+        else
+            merged = merge(base, now, mine, edit.seen.reserved);
+        std::string const start = kept.listName + ": ";
+        for (Conflict const& each : merged.conflicts)
+            result_.conflicts.push_back(start + each.base.name + ": " + each.theirs +
+                                        " since; it would be " + each.mine);
+        for (std::string const& note : merged.notes)
+            result_.notes.push_back(start + note);
+        edit.wanted.entries = isFav ? merged.entries : inPlacesOf(merged.entries, now);
+        if (isFav)
+            addUndelivered(kept, edit);
+        return edit;
+    }
+
+    // What the command left as it was is nothing to bring back.
+    std::vector<Entry> findAll(SeenList const& seen, std::vector<Entry> const& kept,
+                               ListEntries const* after) {
+        KeptServices const services(seen.entries, all_);
+        std::vector<Entry> found;
+        for (Entry const& entry : kept) {
+            std::string error;
+            std::optional<Entry> service = services.find(entry, error);
+            bool const isThere =
+                service &&
+                (seen.list.favIndex != 0 ||
+                 std::any_of(seen.entries.begin(), seen.entries.end(), [&](Entry const& each) {
+                     return each.serviceId == service->serviceId;
+                 }));
+            bool const isChanged = after == nullptr ||
+                                   std::find(after->entries.begin(), after->entries.end(), entry) ==
+                                       after->entries.end();
+            if (isThere)
+                found.push_back(*service);
+            else if (isChanged)
+                result_.lost.push_back(displayName(seen.list) + ": " + entry.name +
+                                       (service ? " is in it no more" : ": " + error));
+        }
+        return found;
+    }
+
+    // A request is the whole content of the list: what the library does not deliver is named, too.
+    void addUndelivered(ListEntries const& kept, ListEdit& edit) const {
+        std::vector<StoredItem> items = undelivered(storedItems(kept.uuid), edit.seen.entries);
+        std::size_t const now = items.size();
+        if (auto const before = copy_.items.find(kept.uuid); before != copy_.items.end())
+            for (StoredItem const& item : undelivered(before->second, kept.entries))
+                if (std::none_of(items.begin(), items.end(), [&](StoredItem const& each) {
+                        return each.service == item.service;
+                    }))
+                    items.push_back(item);
+        if (items.size() == now && edit.wanted.entries == edit.seen.entries)
+            return;
+        for (StoredItem const& item : items) {
+            Entry entry;
+            entry.number = item.number;
+            entry.serviceId = static_cast<unsigned int>(item.service);
+            entry.deleted = item.hidden.value_or(0) != 0;
+            edit.wanted.entries.push_back(entry);
+        }
+        edit.seen.undelivered = 0;
+    }
+
+    KeptCopy const& copy_;
+    TakenBack& result_;
+    std::vector<Entry> const all_;
+};
+
+void addMissing(Snapshot const& lists, Snapshot& all) {
+    for (ListEntries const& list : lists)
+        if (withUuid(all, list.uuid) == nullptr)
+            all.push_back(list);
+}
+
+// False when somebody wrote in between.
+bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& result) {
+    JoiningItems joining;
+    for (ListEdit const& edit : edits)
+        if (auto const items = copy.items.find(edit.seen.list.uuid); items != copy.items.end())
+            for (StoredItem const& item : items->second)
+                joining.add(edit.seen.list.pid, item);
+    UndoStore off("", false);
+    Written const written = writeLists(edits, {off, ""});
+    result.isWritten = result.isWritten || written.ending == Ending::Written;
+    for (ListEntries const& list : written.after)
+        for (ListEntries& each : result.after)
+            if (each.uuid == list.uuid)
+                each.entries = list.entries;
+    return written.overtaken.empty();
+}
+
+std::vector<ListEdit> planned(KeptCopy const& copy, TakenBack& result, Kind kind) {
+    FrozenDatabase const frozen;
+    return Planner(copy, result).plan(kind);
+}
+
+// Whether the lists differ in nothing but what is hidden.
+bool haveSamePlaces(std::vector<Entry> const& one, std::vector<Entry> const& other) {
+    return std::equal(
+        one.begin(), one.end(), other.begin(), other.end(),
+        [](Entry const& a, Entry const& b) {
+            return a.serviceId == b.serviceId && a.number == b.number;
+        });
+}
+
+// What hides or shows services everywhere comes before the lists of which it is a part: these are
+// seen again behind it, and brought to what was wanted of them before. False when somebody wrote in
+// between.
+bool tryToTakeBack(KeptCopy const& copy, TakenBack& result) {
+    std::vector<ListEdit> others, favLists;
+    {
+        FrozenDatabase const frozen;
+        Planner planner(copy, result);
+        others = planner.plan(Kind::OtherLists);
+        favLists = planner.plan(Kind::FavLists);
+    }
+    if (!write(others, copy, result))
+        return false;
+    if (!others.empty()) {
+        FrozenDatabase const frozen;
+        for (ListEdit& edit : favLists) {
+            SeenList now = seeList(edit.seen.list);
+            if (!haveSamePlaces(now.entries, edit.seen.entries))
+                return false;
+            now.undelivered = edit.seen.undelivered;
+            edit.seen = std::move(now);
+        }
+    }
+    return write(favLists, copy, result);
+}
+
+}  // namespace
+
+TakenBack takeBack(KeptCopy const& copy, bool isForced, UndoStore& store) {
+    TakenBack result;
+    for (Kind const kind : {Kind::OtherLists, Kind::FavLists})
+        for (ListEdit const& edit : planned(copy, result, kind))
+            addMissing(edit.seen.reached, result.before);
+    result.after = result.before;
+    if (!isForced && (!result.conflicts.empty() || !result.lost.empty()))
+        return result;
+    bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
+    store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number),
+                    result.before, isRedo ? 0 : copy.number);
+    TakenBack ignored;
+    ignored.before = ignored.after = result.before;
+    try {
+        int tries = 0;
+        while (!tryToTakeBack(copy, ignored))
+            if (++tries == kMostTries)
+                throw Failure("others change the lists all the time; only a part may be written");
+    } catch (...) {
+        if (ignored.isWritten)
+            store.keepOnlyChanged(ignored.after);
+        throw;
+    }
+    result.after = ignored.after;
+    result.isWritten = ignored.isWritten;
+    if (result.isWritten)
+        store.keepOnlyChanged(result.after);
+    else
+        store.discard();
+    return result;
+}
+
+}  // namespace channel_lists
