@@ -32,5 +32,6 @@ void addExportCommand(CommandLine& line);
 void addBackupCommand(CommandLine& line);
 void addRestoreCommand(CommandLine& line);
 void addUndoCommand(CommandLine& line);
+void addWatchCommand(CommandLine& line);
 
 }  // namespace tool
