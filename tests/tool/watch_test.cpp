@@ -12,7 +12,11 @@ namespace {
 
 class WatchTest : public ToolTest {
   protected:
-    ~WatchTest() override { shell("kill $(cat pid) 2>/dev/null; true"); }
+    ~WatchTest() override {
+        shell(
+            "[ ! -f pid ] || kill $(cat pid) 2>/dev/null;"
+            "while [ -f pid ] && [ ! -f code ]; do sleep 0.05; done");
+    }
 
     int shell(std::string const& command) {
         return std::system(("cd '" + folder.string() + "' && " + command).c_str());
@@ -48,7 +52,6 @@ TEST_F(WatchTest, TellsWhatHappensToTheDatabase) {
         {"edit FAV1 restore VOX move VOX to 9", " FAV1: 9 VOX moved from 3, restored\n"},
         {"edit FAV1 remove VOX", " FAV1: 9 VOX removed\n"},
         {"edit all hide 'Das Erste'", " FAV1: 1 Das Erste hidden\n"},
-        {"PRAGMA journal_mode = wal", ""},
         {"UPDATE FavoriteItem SET ChannelNum = 7 WHERE FavoriteId = 12", " FAV2: 7 VOX moved"},
     };
     for (auto const& step : steps) {
@@ -57,14 +60,13 @@ TEST_F(WatchTest, TellsWhatHappensToTheDatabase) {
         words.compare(0, 4, "edit") == 0 ? void(output(words)) : change(words);
         await("told", step.told);
     }
-    change("PRAGMA journal_mode = delete");
 
     shell("mv set.db away.db");
     await("notes", "there is no database set.db; waiting for it");
     shell(TOOL " --db away.db edit FAV2 remove VOX --no-undo >out2 2>&1; mv away.db set.db");
     await("told", " FAV2: 7 VOX removed\n");
     await("notes", "set.db is back");
-    EXPECT_EQ(output("backup copy.db"), "");
+    output("backup copy.db");
     shell(TOOL " --db copy.db edit FAV2 add Jazz --no-undo >out2 2>&1; mv copy.db set.db");
     await("told", " FAV2: 1 Jazz added\n");
 
