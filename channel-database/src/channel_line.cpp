@@ -258,6 +258,8 @@ Delivery Channel::delivery() const {
             return second ? Delivery::DvbT2 : Delivery::DvbT;
         case 'C':
             return second ? Delivery::DvbC2 : Delivery::DvbC;
+        case 'I':
+            return Delivery::Ip;
         default:
             return second ? Delivery::DvbS2 : Delivery::DvbS;
     }
@@ -284,6 +286,8 @@ bool Channel::isHighDefinition() const {
 }
 
 std::string Channel::id() const {
+    if (source == "I")
+        return "I-" + url;
     // Lists without ids know a transponder by its frequency alone.
     bool const hasIds = networkId != 0 || transportStreamId != 0;
     std::string text = source + "-" + std::to_string(networkId) + "-" +

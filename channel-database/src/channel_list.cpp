@@ -1,5 +1,7 @@
 #include <channel-database/channel_list.h>
+#include <channel-database/dvbv5.h>
 #include <channel-database/enigma2.h>
+#include <channel-database/m3u.h>
 
 #include <cerrno>
 #include <cstring>
@@ -7,10 +9,12 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <vector>
 
 namespace channel_database {
 namespace {
 
+constexpr std::size_t kLargestList = 64U << 20U;
 constexpr std::size_t kMostRejected = 20;  // of a list without any channel
 
 struct Format {
@@ -19,9 +23,8 @@ struct Format {
 };
 
 constexpr Format kFormats[] = {
-    {isLamedb, parseLamedb},
-    {isBouquet, parseBouquet},
-    {isChannelsConf, parseChannelsConf},
+    {isLamedb, parseLamedb}, {isBouquet, parseBouquet},           {isM3u, parseM3u},
+    {isDvbv5, parseDvbv5},   {isChannelsConf, parseChannelsConf},
 };
 
 std::string readText(std::string const& path) {
@@ -33,7 +36,14 @@ std::string readText(std::string const& path) {
             throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
     }
     std::istream& in = path == "-" ? std::cin : file;
-    text << in.rdbuf();
+    // Memory is no place for what never ends.
+    std::vector<char> part(1U << 16U);
+    for (std::size_t size = 0; in; size += static_cast<std::size_t>(in.gcount())) {
+        if (size > kLargestList)
+            throw std::runtime_error(path + ": larger than 64 MiB, as no channel list is");
+        in.read(part.data(), static_cast<std::streamsize>(part.size()));
+        text.write(part.data(), in.gcount());
+    }
     if (in.bad())
         throw std::runtime_error("cannot read " + path + " to its end");
     return text.str();
@@ -52,7 +62,8 @@ ChannelsConf readChannelList(std::string const& path) {
         if (!list.channels.empty() || list.rejected.size() <= kMostRejected)
             return list;
     }
-    throw std::runtime_error(path + ": this is no channel list of VDR or Enigma2");
+    throw std::runtime_error(path +
+                             ": this is no channel list of VDR, Enigma2 or libdvbv5, and no M3U");
 }
 
 }  // namespace channel_database

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <stdexcept>
@@ -40,6 +41,18 @@ std::string_view nameIn(std::string_view text) {
     return text;
 }
 
+// With "%3a" for a colon, which would end the field.
+std::string unescaped(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        auto const code = text[0] == '%' ? hexadecimalNumber(text.substr(1, 2)) : std::nullopt;
+        bool const isCode = code && text.size() > 2 && *code >= 0x20;
+        result += isCode ? static_cast<char>(*code) : text[0];
+        text.remove_prefix(isCode ? 3 : 1);
+    }
+    return result;
+}
+
 // "1:0:19:283D:3FB:1:C02CE5:0:0:0:Name"; nothing for a marker, a directory or a stream.
 std::optional<Channel> referenceOf(std::string_view text) {
     auto const numbers = hexadecimalFields(text, 7);
@@ -54,6 +67,24 @@ std::optional<Channel> referenceOf(std::string_view text) {
     channel.place = (*numbers)[6];
     std::string const given = shownText(nameIn(text));
     channel.name = given.empty() ? tripletText(channel) : given;
+    channel.videoPid = isRadioType(static_cast<int>((*numbers)[2])) ? "0" : "8191";
+    return channel;
+}
+
+// "4097:0:1:0:0:0:0:0:0:0:http%3a//example.org/news:News": what has an address is a stream.
+std::optional<Channel> streamOf(std::string_view text) {
+    std::string_view const rest = nameIn(text);
+    std::string const address = unescaped(rest.substr(0, rest.find(':')));
+    auto const numbers = hexadecimalFields(text, 3);
+    if (!numbers || address.find("://") == std::string::npos)
+        return std::nullopt;
+    Channel channel;
+    channel.source = "I";
+    channel.url = address;
+    auto const colon = rest.find(':');
+    std::string const name =
+        colon == std::string_view::npos ? std::string() : shownText(rest.substr(colon + 1));
+    channel.name = name.empty() ? address : name;
     channel.videoPid = isRadioType(static_cast<int>((*numbers)[2])) ? "0" : "8191";
     return channel;
 }
@@ -78,10 +109,15 @@ struct BouquetReader {
     }
 
     void addService(std::string_view text, int number) {
-        auto channel = referenceOf(text);
-        isNamed = channel.has_value();
         bool const isMarker = text.substr(0, 5) == "1:64:";
-        if (!channel && !isMarker)
+        auto channel = streamOf(text);
+        if (!channel)
+            channel = referenceOf(text);
+        isNamed = channel.has_value();
+        if (isMarker)
+            list.rejected.push_back(
+                {number, "a marker, which is no channel", shownText(nameIn(text))});
+        else if (!channel)
             list.rejected.push_back({number, "no DVB service", std::string(text)});
         if (!channel)
             return;
@@ -110,6 +146,19 @@ std::vector<std::string> bouquetFiles(std::string const& folder) {
     return files;
 }
 
+std::vector<std::string> bouquetsByName(std::string const& folder) {
+    std::vector<std::string> files;
+    std::error_code ignored;
+    for (auto const& entry : std::filesystem::directory_iterator(folder, ignored)) {
+        std::string const kind = entry.path().extension();
+        if (entry.path().filename().string().rfind("userbouquet.", 0) == 0 &&
+            (kind == ".tv" || kind == ".radio"))
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
 // The services of lamedb by their triplets.
 class KnownServices {
   public:
@@ -130,6 +179,8 @@ class KnownServices {
         return ofSource != nullptr || first == last ? ofSource : &first->second;
     }
 
+    bool isEmpty() const { return services_.empty(); }
+
   private:
     std::multimap<std::string, Channel> services_;
 };
@@ -140,9 +191,13 @@ void append(ChannelsConf bouquet, std::string const& file, KnownServices const& 
     list.groups.push_back(bouquet.groups.empty() ? file : bouquet.groups[0]);
     for (Channel& reference : bouquet.channels) {
         Channel channel = reference;
-        if (Channel const* const known = services.find(reference))
+        Channel const* const known = reference.isReference ? services.find(reference) : nullptr;
+        if (known != nullptr)
             channel = *known;
-        channel.isReference = true;
+        else if (reference.isReference && !services.isEmpty())
+            list.rejected.push_back(
+                {reference.line, "lamedb has no such service", reference.name, file});
+        channel.isReference = reference.isReference;
         channel.group = group;
         channel.line = reference.line;
         channel.number = static_cast<int>(list.channels.size()) + 1;
@@ -168,13 +223,20 @@ ChannelsConf parseBouquet(std::istream& text) {
 }
 
 ChannelsConf readEnigma2Folder(std::string const& folder) {
-    std::vector<std::string> const files = bouquetFiles(folder);
+    std::vector<std::string> files = bouquetFiles(folder);
+    bool const isByName = files.empty() && !(files = bouquetsByName(folder)).empty();
     std::ifstream lamedb(folder + "/lamedb");
+    if (!lamedb)
+        lamedb.open(folder + "/lamedb5");
     if (!lamedb && files.empty())
         throw std::runtime_error(folder + " is a folder without lamedb or bouquets.tv");
     ChannelsConf list;
     if (lamedb)
         list = parseLamedb(lamedb);
+    for (RejectedLine& rejected : list.rejected)
+        rejected.file = folder + "/lamedb";
+    if (isByName)
+        list.notes.push_back("without bouquets.tv the bouquets are in the order of their names");
     KnownServices const services(list.channels);
     for (std::string const& file : files) {
         std::ifstream in(file);

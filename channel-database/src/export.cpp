@@ -113,6 +113,20 @@ std::optional<Channel> channelOf(StoredService const& service) {
     return channel;
 }
 
+std::optional<Channel> streamOf(StoredService const& service) {
+    constexpr std::string_view kStart = "rec://plain/dvbip?url=";
+    auto const end = service.uri.rfind("&frontend=5");
+    if (service.uri.compare(0, kStart.size(), kStart) != 0 || end == std::string::npos ||
+        end <= kStart.size())
+        return std::nullopt;
+    Channel channel;
+    channel.source = "I";
+    channel.url = oneLine(service.uri.substr(kStart.size(), end - kStart.size()));
+    channel.name = oneLine(service.name);
+    channel.videoPid = service.radio ? "0" : "8191";
+    return channel;
+}
+
 std::vector<std::string> lossesOf(StoredService const& service) {
     auto numbers = numbersOf(service.uri);
     struct Loss {

@@ -31,7 +31,8 @@ struct DeliveryList {
 };
 constexpr DeliveryList kDeliveryLists[] = {{'T', "servicelist://tamun.dvbt", "DVB-T", "dvbt"},
                                            {'C', "servicelist://tamun.dvbc", "DVB-C", "dvbc"},
-                                           {'S', "servicelist://tamun.dvbs", "DVB-S", "dvbs"}};
+                                           {'S', "servicelist://tamun.dvbs", "DVB-S", "dvbs"},
+                                           {'I', "servicelist://tamun.dvbip", "DVB-IP", "dvbip"}};
 
 /// Low and high band of the universal LNB, whose switching frequency is 11.7 GHz.
 int bandNumber(int kHz) {
@@ -281,10 +282,14 @@ class Importer {
                                             known == tuners_.end() ? kNewId : known->second);
         if (known == tuners_.end()) {
             tuners_[transponder] = service.tuner();
-            writeTuner(channel, service.tunerUuid(transponder));
+            service.tunerUuid(transponder);
+            if (channel.delivery() != Delivery::Ip)
+                writeTuner(channel, service);
         }
         service.uuid(newUuid(channel))
             .triplet(channel.networkId, channel.transportStreamId, channel.serviceId);
+        if (channel.delivery() == Delivery::Ip)
+            service.networkUrl(channel.url);
         if (channel.isRadio())
             service.radio();
         if (channel.isEncrypted())
@@ -298,6 +303,8 @@ class Importer {
 
     /// Of what the tuner's row keeps, so that a list made of the database again gives the same.
     static std::string transponderText(Channel const& channel) {
+        if (channel.delivery() == Delivery::Ip)
+            return channel.id();
         Channel kept;
         kept.polarization = channel.polarization;
         for (char const letter : keptParameters(channel.delivery()))

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "services/service_words.h"
@@ -28,6 +29,21 @@ std::string quoted(std::string const& field) {
     for (char const c : field)
         text += c == '"' ? "\"\"" : std::string(1, c);
     return text + '"';
+}
+
+// A spreadsheet computes what begins like a formula; an apostrophe in front keeps it a text. Names
+// that have such an apostrophe themselves get one more.
+bool looksLikeFormula(std::string const& text) {
+    auto const first = text.find_first_not_of('\'');
+    return first != std::string::npos &&
+           std::string_view("=+-@\t\r").find(text[first]) != std::string_view::npos;
+}
+
+std::string asText(std::string const& name) { return (looksLikeFormula(name) ? "'" : "") + name; }
+
+std::string fromText(std::string const& field) {
+    bool const isKept = field.compare(0, 1, "'") == 0 && looksLikeFormula(field);
+    return isKept ? field.substr(1) : field;
 }
 
 std::string lineOf(std::vector<std::string> const& fields) {
@@ -107,7 +123,7 @@ bool readRow(Columns const& columns, std::vector<std::string> const& row, TextLi
     line.number = wholeNumber(number);
     line.key = wholeNumber(key.compare(0, 3, "id:") == 0 ? key.substr(3) : key);
     line.hidden = folded(columns.of(row, "State")) == "hidden";
-    line.name = columns.of(row, "Name");
+    line.name = fromText(columns.of(row, "Name"));
     line.triplet = columns.of(row, "Triplet");
     return (number.empty() || line.number) && (key.empty() || line.key);
 }
@@ -130,9 +146,10 @@ std::string formatCsv(std::vector<ResultRow> const& services) {
     std::string text = lineOf({std::begin(kColumns), std::end(kColumns)});
     for (ResultRow const& service : services) {
         Entry const entry = entryOf(service);
-        text += lineOf({numberText(entry), entry.deleted ? "hidden" : "shown",
-                        displayText(entry.name), entry.triplet, std::to_string(entry.serviceId),
-                        kindOf(service), deliveryOf(service), service[SERVICE_FIELD_FREQUENCY]});
+        text +=
+            lineOf({numberText(entry), entry.deleted ? "hidden" : "shown",
+                    asText(displayText(entry.name)), entry.triplet, std::to_string(entry.serviceId),
+                    kindOf(service), deliveryOf(service), service[SERVICE_FIELD_FREQUENCY]});
     }
     return text;
 }

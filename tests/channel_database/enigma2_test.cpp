@@ -107,13 +107,16 @@ TEST(Bouquet, NamesServicesByTheirIds) {
                              "#SERVICE 1:0:19:283D:3FB:1:C02CE5:0:0:0:\n#DESCRIPTION Das Erste HD\n"
                              "#SERVICE: 1:0:2:1:1:2:E080000:0:0:0::Radio\n"
                              "#SERVICE 1:0:1:2:441:85:FFFF0000:0:0:0:\n"
-                             "#SERVICE 4097:0:1:0:0:0:0:0:0:0:stream\n");
+                             "#SERVICE 4097:0:1:0:0:0:0:0:0:0:stream\n"
+                             "#SERVICE 4097:0:2:0:0:0:0:0:0:0:http%3a//e.org/%20x:News\n");
     std::string text = summary(list);
     text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
     EXPECT_EQ(text,
               "4 Das Erste HD/ S19.2E 0  0 tv 1-1019-10301\n"
               "6 Radio/ S0.8W 0  0 radio 2-1-1\n"
               "7 133-1089-2/ C 0  0 tv 133-1089-2\n"
+              "9 News/ I 0  0 radio 0-0-0\n"
+              "2: a marker, which is no channel: -- News --\n"
               "8: no DVB service: 4097:0:1:0:0:0:0:0:0:0:stream\n");
     EXPECT_THAT(list.groups, testing::ElementsAre("Favourites (TV)"));
     char const* const entries[] = {

@@ -266,4 +266,44 @@ TEST_F(UnfinishedEdit, MeansTheListsAsTheyAreBehindItsLock) {
     }
 }
 
+// What the host did to its connection before.
+TEST_F(UnfinishedEdit, MeetsTheHostsConnection) {
+    struct Case {
+        char const* sql;
+        int result;
+        char const* lastError;
+    };
+    Case const cases[] = {
+        {"PRAGMA reverse_unordered_selects = ON", 101, ""},
+        {"PRAGMA count_changes = ON", -2, "a write gave a row: the host has count_changes on"},
+        {"PRAGMA query_only = ON", -2, "sqlite3_step failed:8, hint:'Update FAV Services.'."},
+    };
+    for (auto const& test : cases) {
+        SCOPED_TRACE(test.sql);
+        startAnew();
+        sqlite3_exec(db, test.sql, nullptr, nullptr, nullptr);
+        EXPECT_EQ(edit(kFavEdit), test.result);
+        EXPECT_EQ(texts().empty() ? "" : texts().back(), test.lastError);
+        EXPECT_EQ(rows("SELECT FavTag2, FavTag3 FROM Service WHERE Pid = 13"),
+                  test.result > 0 ? "1|0" : "0|0");
+    }
+    EXPECT_TRUE(dbaccess::get_dbservices("all").empty());  // query_only: no views
+    EXPECT_EQ(texts().back(), "SQL ERROR res:8.");
+}
+
+// A statement of the host's holds an old state of a database in WAL mode, which nobody may write
+// behind. The edit says so, and is done once the statement is.
+TEST_F(UnfinishedEdit, WaitsInVainForAStateThatTheHostHolds) {
+    change("PRAGMA journal_mode = WAL");
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v2(db, "SELECT * FROM FavoriteItem", -1, &statement, nullptr);
+    sqlite3_step(statement);
+    change("UPDATE FavoriteItem SET ChannelNum = 4 WHERE Id = 712");
+    EXPECT_EQ(dbaccess::onServiceListEdit({"fav2"}), -2);
+    EXPECT_EQ(texts().back(),
+              " database is locked, time out, hint:'Remove unreceivable FAV Services.'.");
+    sqlite3_finalize(statement);
+    EXPECT_EQ(edit("fav2"), 101);
+}
+
 }  // namespace

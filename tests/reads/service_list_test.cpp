@@ -184,4 +184,53 @@ TEST_F(ServiceList, TheQueryRunsInATransactionOfTheHost) {
     EXPECT_NE(sqlite3_get_autocommit(db), 0);  // the COMMIT ended it
 }
 
+// SQLite's storage, whose folder for temporary files is full or cannot be written.
+class NoTemporaryFiles {
+  public:
+    NoTemporaryFiles() {
+        real_ = sqlite3_vfs_find(nullptr);
+        vfs_ = *real_;
+        vfs_.zName = "no temporary files";
+        vfs_.xOpen = [](sqlite3_vfs*, char const* name, sqlite3_file* file, int flags, int* out) {
+            file->pMethods = nullptr;
+            return name == nullptr ? SQLITE_CANTOPEN : real_->xOpen(real_, name, file, flags, out);
+        };
+        sqlite3_vfs_register(&vfs_, 1);
+    }
+    ~NoTemporaryFiles() {
+        sqlite3_vfs_register(real_, 1);
+        sqlite3_vfs_unregister(&vfs_);
+    }
+
+  private:
+    static inline sqlite3_vfs* real_;
+    sqlite3_vfs vfs_;
+};
+
+TEST_F(ServiceList, ALongListIsSortedInMemory) {
+    constexpr int kServices = 20000;
+    database().run("DELETE FROM FavoriteItem");
+    database().run(
+        "INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) WITH RECURSIVE n (i) AS"
+        " (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT ?) SELECT i % 3 + 1, Pid, -i"
+        " FROM n, FavoriteList",
+        {kServices});
+    list_->attributes(0x200);
+    platform::state.isEnabled = [](unsigned int level) { return level == 1000; };
+    NoTemporaryFiles const none;
+    auto const before = sqlite3_memory_used();
+    sqlite3_memory_highwater(1);
+    ResultSet const rows = dbaccess::get_dbservices("u");
+    ASSERT_THAT(rows, SizeIs(kServices));
+    EXPECT_EQ(rows[0]->at(0), std::to_string(-kServices));
+    std::printf("SQLite's memory for %d services: %lld KiB\n", kServices,
+                static_cast<long long>(sqlite3_memory_highwater(0) - before) / 1024);
+
+    // A host that does not ask for it on a connection of its own gets nothing, and is told.
+    sqlite3_exec(db, "PRAGMA temp_store = FILE", nullptr, nullptr, nullptr);
+    EXPECT_THAT(dbaccess::get_dbservices("u"), IsEmpty());
+    EXPECT_THAT(texts(), ElementsAre("SQL error:14"));
+    closeLibrary();
+}
+
 }  // namespace

@@ -11,9 +11,9 @@
 //
 //     LD_PRELOAD=.../libdisk-record.so DISK_DIRECTORY=DIR DISK_LOG=FILE program ...
 //
-// What it writes to its standard output, past any stream, is recorded as a report; so is what the test says by
-// disk::report() of a process that has ended. disk::operationsOf(log) reads the record, and Disk of
-// power_cut.h rebuilds the directory as a power cut leaves it.
+// What it writes to its standard output, past any stream, is recorded as a report; so is what the
+// test says by disk::report() of a process that has ended. disk::operationsOf(log) reads the
+// record, and Disk of power_cut.h rebuilds the directory as a power cut leaves it.
 //
 // Seen are open, write, pwrite, ftruncate, rename, unlink, fsync, fdatasync and sync, by the
 // absolute paths of files in the directory itself. What goes through C's or C++'s streams or a

@@ -122,6 +122,76 @@ TEST_F(ToolTest, BringsABackupBackWhole) {
     EXPECT_EQ(everything("set.db"), before);
 }
 
+void execute(fs::path const& file, std::string const& sql) {
+    sqlite3* connection = nullptr;
+    sqlite3_open(file.c_str(), &connection);
+    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sql << ": " << sqlite3_errmsg(connection);
+    sqlite3_close(connection);
+}
+
+// A backup is examined before anything is written, and no whole database goes without a copy.
+TEST_F(ToolTest, RefusesToRestoreWhatWouldLoseTheDatabase) {
+    execute(folder / "foreign", "CREATE TABLE Service (Pid INTEGER)");
+    write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
+    output("backup copy");
+    for (char const* file : {"damaged", "cut", "poor"})
+        fs::copy_file(folder / "copy", folder / file);
+    fs::resize_file(folder / "cut", 9000);
+    execute(folder / "poor", "ALTER TABLE FavoriteList DROP COLUMN Attributes");
+    auto const page = std::stoi(rows("SELECT rootpage FROM sqlite_master WHERE name = 'Lcn'"));
+    std::fstream damaged(folder / "damaged", std::ios::in | std::ios::out | std::ios::binary);
+    damaged.seekp(4096 * (page - 1)).write("\x0D\0\0\0\xFF", 5);
+    damaged.close();
+    change("UPDATE FavoriteItem SET ChannelNum = 9 WHERE FavoriteId = 11 AND ServiceId = 5");
+    std::string const before = content("set.db");
+    Invocation const refused[] = {
+        {"restore damaged", 1, nullptr, "damaged is damaged, and nothing is written: "},
+        {"restore cut", 1, nullptr, "cannot read cut: database disk image is malformed"},
+        {"restore foreign", 1, nullptr, "foreign is no whole channel database, and nothing is"},
+        {"restore poor -n", 1, nullptr, "poor is no whole channel database, and nothing is"}};
+    for (Invocation const& each : refused)
+        expect(each);
+    for (char const* command : {"restore copy", "import list set.db --force"}) {
+        for (char const* place : {"XDG_STATE_HOME=/proc", "env -u HOME"}) {
+            EXPECT_EQ(run(std::string("--db set.db ") + command, place), 1) << command << place;
+            EXPECT_THAT(err, HasSubstr("no copy could be kept, and nothing is written (--no-undo"));
+        }
+    }
+    EXPECT_EQ(content("set.db"), before);
+    EXPECT_EQ(run("--db set.db restore copy --no-undo", "env -u HOME"), 0) << err;
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+    EXPECT_EQ(run("--db set.db edit FAV1 move 1 to 9", "env -u HOME"), 0) << err;
+    EXPECT_THAT(err, HasSubstr("will not know of this: neither XDG_STATE_HOME nor HOME names"));
+}
+
+// A copy needs nothing beside it, and the database stays in its own mode whatever the copy's is.
+TEST_F(ToolTest, RestoresAcrossJournalModesAndPageSizes) {
+    for (char const* mode : {"delete", "wal"}) {
+        for (char const* pages : {"1024", "4096"}) {
+            std::string const copy = std::string(mode) + pages;
+            execute(folder / "set.db",
+                    std::string("PRAGMA journal_mode = delete; PRAGMA page_size = ") + pages +
+                        "; VACUUM; PRAGMA journal_mode = " + mode);
+            output("backup " + copy);
+            EXPECT_EQ(rows("PRAGMA journal_mode", copy), "delete");
+        }
+    }
+    fs::copy_file(folder / "delete1024", folder / "raw");
+    execute(folder / "raw", "PRAGMA journal_mode = wal");
+    for (char const* mode : {"delete", "wal"}) {
+        execute(folder / "set.db", std::string("PRAGMA journal_mode = ") + mode);
+        for (char const* copy : {"delete1024", "wal4096", "wal1024", "raw"}) {
+            execute(folder / "set.db", "UPDATE FavoriteItem SET ChannelNum = 77");
+            output(std::string("restore ") + copy);
+            EXPECT_EQ(rows("PRAGMA journal_mode") + rows("PRAGMA page_size"),
+                      std::string(mode) + "4096")
+                << copy;
+            EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5") << mode << copy;
+        }
+    }
+}
+
 TEST_F(ToolTest, ReplacesNothingButADatabaseThatIsFree) {
     write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\n");
     write("text", "a letter to my aunt, long enough to be no database\n");
@@ -354,8 +424,60 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
     expect({"import --favourites bouquet --list FAV1", 0, "Nothing to change.", nullptr});
     expect({"import --favourites e2 --list FAV4 --dry-run", 0, "FAV4: 2 services", "type 12"});
     expect({"export --format enigma2 FAV1 FAV2", 2, nullptr, "takes one list"});
-    expect(
-        {"export --format txt FAV1", 2, nullptr, "'txt' is none of vdr, enigma2, lamedb and csv"});
+    expect({"export --format txt FAV1", 2, nullptr, "'txt' is none of vdr, enigma2, lamedb, csv"});
+}
+
+// IP channels of a media player, and a scanner's file: both ways the same database.
+TEST_F(ToolTest, TakesListsOfOtherProgramsBothWays) {
+    write("m3u",
+          "#EXTM3U\n#EXTINF:-1 tvg-chno=\"5\" group-title=\"Info, late\",News, at \"five\"\r\n"
+          "https://e.org/news?a=1&b=2\n#EXTINF:-1 tvg-chno=\"5\" radio=\"true\",S\xFC"
+          "d HD\n#EXTGRP:R\nrtp://239.1.1.1:5000\n#EXTINF:0 tvg-name=\"Named\",\nudp://@239.1:1\n"
+          "#EXTINF:0,Foul\n/etc/passwd\n");
+    write("dvbv5",
+          "[Erste]\n\tSERVICE_ID = 10301\n\tNETWORK_ID = 1\n\tTRANSPORT_ID = 1019\n"
+          "\tVIDEO_PID = 101 102\n\tFREQUENCY = 11493750\n\tMODULATION = PSK/8\n\tINNER_FEC = 2/3\n"
+          "\tSYMBOL_RATE = 22000000\n\tPOLARIZATION = VERTICAL\n# SOURCE = S13E\n"
+          "\tDELIVERY_SYSTEM = DVBS2\n\n[T2]\n\tVCHANNEL = 7\n\tSERVICE_ID = 3\n"
+          "\tAUDIO_PID = 5\n\tFREQUENCY = 474000000\n\tBANDWIDTH_HZ = 8000000\n\tSTREAM_ID = 9\n"
+          "\tMODULATION = QAM/64\n\tDELIVERY_SYSTEM = DVBT2\n\n[Air]\n\tFREQUENCY = 1\n"
+          "\tDELIVERY_SYSTEM = ATSC\n");
+    struct {
+        char const* format;
+        char const* rejected;
+        char const* content;
+    } const cases[] = {
+        {"m3u", "skipped 1: no network address\n  m3u:10: /etc/passwd\n",
+         "5|News, at \"five\"|1|https://e.org/news?a=1&b=2;1|S\u00FCd HD|2|rtp://239.1.1.1:5000;"
+         "2|Named|1|udp://@239.1:1"},
+        {"dvbv5", "skipped 1: no delivery system that a set receives\n  dvbv5:24: Air\n",
+         "1|Erste|1|;7|T2|2|"}};
+    for (auto const& c : cases) {
+        ASSERT_EQ(
+            run(std::string("import ") + c.format + " new.db" + (&c != cases ? " --force" : "")), 0)
+            << err;
+        EXPECT_THAT(err, HasSubstr(c.rejected));
+        EXPECT_EQ(rows("SELECT ChannelNum, s.Name, MediaType, NetworkUrl FROM FavoriteItem JOIN"
+                       " Service s ON s.Pid = FavoriteItem.ServiceId JOIN DvbService d ON"
+                       " d.ServiceId = s.Pid"
+                       " WHERE FavoriteId = 1 ORDER BY FavoriteItem.Id",
+                       "new.db"),
+                  c.content);
+        write("again", output(std::string("export all --db new.db --format ") + c.format));
+        ASSERT_EQ(run(std::string("import again again.db") + (&c != cases ? " --force" : "")), 0)
+            << err;
+        EXPECT_EQ(run("diff new.db again.db"), 0) << err;
+        EXPECT_THAT(out, testing::ContainsRegex("No list and no service|all lists( +0){7}\n"));
+    }
+    EXPECT_EQ(rows("SELECT Satellite, Frequency, SymbolRate, ModulationCoding, Polarization FROM"
+                   " DvbS2Tuner UNION SELECT Bandwidth, PlpId, Frequency, Constellation, 0 FROM"
+                   " DvbT2Tuner",
+                   "again.db"),
+              "8|9|474000|64|0;1130|11493750|22000|13|2");
+    change("UPDATE Service SET Name = '<1> & 2' WHERE Pid = 1");
+    EXPECT_THAT(output("export --format html FAV1 FAV2"),
+                testing::AllOf(HasSubstr("<li><b>1</b> <span>&lt;1&gt; &amp; 2</span></li>"),
+                               HasSubstr("<h2>FAV2</h2>")));
 }
 
 TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {
@@ -370,6 +492,11 @@ TEST_F(ToolTest, TakesATableToASpreadsheetAndBack) {
               "5,shown,Jazz,3-8-10,5,radio,cable,394000\r\n");
     write("list.csv", out);
     expect({"edit FAV1 --from list.csv", 0, "Nothing to change.", nullptr});
+    change("UPDATE Service SET Name = '=1+1' WHERE Pid = 1");
+    write("list.csv", output("export --format csv FAV1"));
+    EXPECT_THAT(out, HasSubstr("1,shown,'=1+1,"));
+    expect({"edit FAV1 --from list.csv", 0, "Nothing to change.", nullptr});
+    change("UPDATE Service SET Name = 'A, \"B\"' WHERE Pid = 1");
     write("list.csv",
           "\xEF\xBB\xBFName,number,key\r\nJazz,7,\r\n\"A, \"\"B\"\"\",,1\r\nテレビ東京,,\r\n");
     expect({"edit FAV1 --from list.csv", 0, "FAV1  added", nullptr});

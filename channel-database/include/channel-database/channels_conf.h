@@ -42,7 +42,8 @@ struct Channel {
     /// Value by letter: B bandwidth, C code rate, M modulation, P stream or PLP id, S 1 for the
     /// second generation (DVB-S2, -T2, -C2), and others that no database column needs.
     std::map<char, int> parameters;
-    std::string source;  ///< "C", "T" or an orbital position, "S19.2E"
+    std::string source;  ///< "C", "T", an orbital position, "S19.2E", or "I": IP
+    std::string url;     ///< network address of an IP channel
     int symbolRate = 0;
     std::string videoPid, audioPids, teletextPid;  ///< as given
     std::vector<int> conditionalAccess;            ///< without the 0 that says free to air

@@ -26,6 +26,9 @@ struct StoredService {
 /// the set knows by its number is S0E. The frequency is in kHz.
 std::optional<Channel> channelOf(StoredService const& service);
 
+/// The channel of an IP service, which has a name, a kind and an address; nothing for others.
+std::optional<Channel> streamOf(StoredService const& service);
+
 /// What the channel does not carry of the service, each in a few words.
 std::vector<std::string> lossesOf(StoredService const& service);
 

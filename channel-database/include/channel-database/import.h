@@ -20,7 +20,7 @@ using ImportProgress = std::function<void(std::size_t done, std::size_t total)>;
 /// | All                | tamun.sl2.servicelist$all            | all              | every channel           |
 /// | AV                 | tamun.sl2.servicelist$av             | av               | the external inputs     |
 /// | FAV1 to FAV4       | User.tvFAV1 ...                      | fav1 ...         | the groups of this name |
-/// | one a delivery     | servicelist://tamun.dvbt, dvbc, dvbs | dvbt, dvbc, dvbs | its channels            |
+/// | one a delivery     | servicelist://tamun.dvbt, and so on  | dvbt ... dvbip  | its channels            |
 /// | Astra 19.2°E       | servicelist://tamun.Astra 19.2°E     | astra-19.2e      | channels from 19.2E     |
 /// | other groups' TV   | User.tv.N (N counts such groups)     | user-tv-N        | its TV channels         |
 /// | ... and radio      | User.radio.N                         | user-radio-N     | its radio channels      |

@@ -37,6 +37,18 @@ EditOutcome findList(CallSite const& site, std::string const& uuid, unsigned int
     return EditOutcome::Done;
 }
 
+// Their order is SQLite's, by which a list is FAV1 or FAV4. A host may have asked its
+// connection for the reverse of any such order; SQLite is asked only where the keys look like it.
+void undoReverseOrder(std::vector<unsigned int>& pids) {
+    if (!std::is_sorted(pids.rbegin(), pids.rend()))
+        return;
+    unsigned int isReversed = 0;
+    char* error = nullptr;
+    sqlexec(db, "PRAGMA reverse_unordered_selects;", dbaccess::listIdCallback, &isReversed, &error);
+    if (isReversed != 0)
+        std::reverse(pids.begin(), pids.end());
+}
+
 // All four: both kinds of edit need them.
 EditOutcome findFavLists(CallSite const& site, std::vector<unsigned int>& pids) {
     int const code = waitAndRead(
@@ -49,6 +61,7 @@ EditOutcome findFavLists(CallSite const& site, std::vector<unsigned int>& pids) 
                       static_cast<int>(pids.size()));
         return EditOutcome::Failed;
     }
+    undoReverseOrder(pids);
     return EditOutcome::Done;
 }
 

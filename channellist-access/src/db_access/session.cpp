@@ -10,8 +10,18 @@ unsigned int m_selectedServiceListId = 0;
 namespace channellist {
 
 namespace {
+
 constexpr LogModule kLogModule = LogModule::DatabaseAccess;
+
+// Sorts in memory on a connection that was opened here: a long list that needs a file to be sorted
+// in would be empty where the folder for such files is full or cannot be written.
+void sortInMemory(CallSite const& site, LogModule module) {
+    int const code = sqlite3_exec(db, "PRAGMA temp_store = MEMORY;", nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        LOG_FORMAT_AT(site, module, Error, "sorting needs temporary files, res:%d", code);
 }
+
+}  // namespace
 
 std::mutex& openMutex() {
     static std::mutex mutex;
@@ -28,6 +38,8 @@ int openChannelDatabase(CallSite const& site, LogModule module) {
         LOG_FORMAT_AT(site, module, Error, "open or create db failed,res:%d", code);
         sqlite3_close(db);
         db = nullptr;
+    } else {
+        sortInMemory(site, module);
     }
     return code;
 }
@@ -40,6 +52,8 @@ int openChannelDatabaseKeepingHandle(CallSite const& site) {
     int const code = sqlite3_open(kChannelDatabasePath, &db);
     if (code != SQLITE_OK)
         LOG_FORMAT_AT(site, kLogModule, Error, "open or creat servicelist.db failed,res:%d ", code);
+    else
+        sortInMemory(site, kLogModule);
     return code;
 }
 

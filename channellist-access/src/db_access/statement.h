@@ -4,6 +4,8 @@
 
 #include <channellist-access/db_access.h>
 
+#include "support/log.h"
+
 namespace channellist {
 
 class Statement {
@@ -27,7 +29,13 @@ class Statement {
     }
 
     // As sqlstep and sqlstepquery: a failing step has finalized the statement.
-    int step(char const* hint) { return sqlstep(&handle_, hint); }
+    int step(char const* hint) {
+        int const code = sqlstep(&handle_, hint);
+        if (code == SQLITE_ROW)
+            LOG_TEXT_AT(CALL_SITE, LogModule::DatabaseAccess, Error,
+                        "a write gave a row: the host has count_changes on");
+        return code;
+    }
     int stepQuery(char const* hint) { return sqlstepquery(&handle_, hint); }
 
     // Text of a column of the current row; null when the column is null.

@@ -1,7 +1,9 @@
 // channellist export LIST...
 #include <channel-database/channel_list.h>
+#include <channel-database/dvbv5.h>
 #include <channel-database/enigma2.h>
 #include <channel-database/export.h>
+#include <channel-database/m3u.h>
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
@@ -18,6 +20,7 @@
 #include "lists/list_content.h"
 #include "lists/list_csv.h"
 #include "lists/list_text.h"
+#include "output/list_page.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
 #include "text/display_text.h"
@@ -53,17 +56,21 @@ struct Export {
     Leftovers& leftovers;
 };
 
-std::optional<Channel> channelOf(ResultRow const& service, Query& tuning, Leftovers& leftovers) {
+StoredService storedService(ResultRow const& service, Query& tuning) {
     unsigned const attributes = attributesOf(service);
     tuning.reset();
     tuning.bind(std::strtoll(service[SERVICE_FIELD_PID].c_str(), nullptr, 10));
     bool const isStored = tuning.next();
-    StoredService const stored{displayText(service[SERVICE_FIELD_CAPTION]),
-                               isStored ? displayText(tuning.text(1)) : std::string(),
-                               isStored ? tuning.text(0) : std::string(),
-                               kindOf(service) == "radio",
-                               (attributes & kScrambled) != 0,
-                               (attributes & kHighDefinition) != 0};
+    return {displayText(service[SERVICE_FIELD_CAPTION]),
+            isStored ? displayText(tuning.text(1)) : std::string(),
+            isStored ? tuning.text(0) : std::string(),
+            kindOf(service) == "radio",
+            (attributes & kScrambled) != 0,
+            (attributes & kHighDefinition) != 0};
+}
+
+std::optional<Channel> channelOf(ResultRow const& service, Query& tuning, Leftovers& leftovers) {
+    StoredService const stored = storedService(service, tuning);
     auto channel = channel_database::channelOf(stored);
     if (channel)
         for (std::string const& loss : lossesOf(stored))
@@ -167,24 +174,76 @@ void writeBouquet(Export const& job) {
 
 void writeLamedb(Export const& job) { std::cout << formatLamedb(enigma2Channels(job)); }
 
+void noteLeftOut(Export const& job, std::size_t written, char const* what) {
+    if (written != job.services.size())
+        std::cerr << "channellist: " << displayText(displayName(job.list)) << ": left out "
+                  << job.services.size() - written << " entries that are hidden or " << what
+                  << "\n";
+}
+
+void writeM3u(Export const& job) {
+    Query tuning(db, kTuning);
+    std::string const group = isAllList(job.list) ? "" : displayText(displayName(job.list));
+    std::size_t written = 0;
+    for (ResultRow const& service : job.services) {
+        auto channel = streamOf(storedService(service, tuning));
+        if (!channel || isDeleted(service))
+            continue;
+        channel->number = static_cast<int>(entryOf(service).number.value_or(0));
+        std::cout << formatM3u(*channel, group);
+        ++written;
+    }
+    noteLeftOut(job, written, "no IP channel");
+}
+
+void writeDvbv5(Export const& job) {
+    Query tuning(db, kTuning);
+    std::size_t written = 0;
+    for (ResultRow const& service : job.services) {
+        auto channel = channelOf(service, tuning, job.leftovers);
+        if (!channel || isDeleted(service) || channel->delivery() == Delivery::DvbC2)
+            continue;
+        channel->number = static_cast<int>(entryOf(service).number.value_or(0));
+        std::cout << formatDvbv5(*channel);
+        ++written;
+    }
+    noteLeftOut(job, written, "no service that libdvbv5 knows");
+}
+
+void writePage(Export const& job) {
+    std::vector<PageEntry> entries;
+    for (ResultRow const& service : job.services)
+        if (!isDeleted(service))
+            entries.push_back({numberText(entryOf(service)),
+                               displayText(service[SERVICE_FIELD_CAPTION]),
+                               kindOf(service) == "radio"});
+    std::cout << formatPageList(displayText(displayName(job.list)), entries);
+}
+
 void writeCsv(Export const& job) { std::cout << formatCsv(job.services); }
 
 struct Format {
     char const* name;
     bool takesSeveral;
     void (*write)(Export const& job);
+    char const* beginning = "";
+    char const* end = "";
 };
 
-constexpr Format kFormats[] = {{"vdr", true, writeVdr},
-                               {"enigma2", false, writeBouquet},
-                               {"lamedb", false, writeLamedb},
-                               {"csv", false, writeCsv}};
+Format const kFormats[] = {{"vdr", true, writeVdr},
+                           {"enigma2", false, writeBouquet},
+                           {"lamedb", false, writeLamedb},
+                           {"csv", false, writeCsv},
+                           {"m3u", true, writeM3u, kM3uBeginning},
+                           {"dvbv5", false, writeDvbv5},
+                           {"html", true, writePage, kPageBeginning, kPageEnd}};
 
 Format const& formatOf(std::string const& name) {
     for (Format const& format : kFormats)
         if (name == format.name)
             return format;
-    throw Failure("'" + name + "' is none of vdr, enigma2, lamedb and csv", kUsage);
+    throw Failure("'" + name + "' is none of vdr, enigma2, lamedb, csv, m3u, dvbv5 and html",
+                  kUsage);
 }
 
 // Once, at the end, so that it is not lost between the lists.
@@ -214,12 +273,14 @@ int run(std::string const& database, Options const& options) {
     // Nothing but the next group ends one, so what stands in none comes first.
     std::stable_partition(lists.begin(), lists.end(), isAllList);
     Leftovers leftovers;
+    std::cout << format.beginning;
     for (List const& list : lists) {
         Rows services = readServices(list.uuid);
         format.write({list, std::move(services.rows), options, leftovers});
         if (!services.complete)
             throw Failure("not all services could be read; \"channellist check\" tells why");
     }
+    std::cout << format.end;
     tell(leftovers);
     return kSuccess;
 }
@@ -230,9 +291,10 @@ void addExportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("export", "Prints lists as channel lists of other programs")
         .arguments("LIST", options->lists, 1, kAnyNumber, "uuids, or names that only one list has")
-        .option("--format", options->format,
-                "vdr (one group a list), enigma2 (a bouquet), lamedb (an Enigma2 receiver's whole "
-                "list) or csv (a table)")
+        .option(
+            "--format", options->format,
+            "vdr (one group a list), enigma2 (a bouquet), lamedb (an Enigma2 receiver's whole "
+            "list), csv (a table), m3u (IP channels), dvbv5 (libdvbv5's) or html (a page to print)")
         .option("--like", options->like,
                 "of enigma2: a lamedb of the receiver, whose namespaces the entries get")
         .footer(
@@ -250,7 +312,8 @@ void addExportCommand(CommandLine& line) {
             "  channellist export FAV1 FAV2 FAV3 FAV4 > favourites.conf\n"
             "  channellist export --format enigma2 FAV1 > userbouquet.fav1.tv\n"
             "  channellist export --format lamedb all > lamedb\n"
-            "  channellist export --format csv all > all.csv")
+            "  channellist export --format csv all > all.csv\n"
+            "  channellist export --format html FAV1 FAV2 > channels.html")
         .action([options](std::string const& database) { return run(database, *options); });
 }
 

@@ -159,9 +159,10 @@ int run(std::string const& setDatabase, Options options) {
 
 void addImportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
-    line.add("import", "Makes a channel database from a channel list of VDR or Enigma2")
+    line.add("import", "Makes a channel database from a channel list of another program")
         .argument("CHANNELS", options->list,
-                  "channels.conf, lamedb, a bouquet, or a folder of them; - for the input")
+                  "channels.conf, lamedb, a bouquet or a folder of them, M3U, or libdvbv5's; - for "
+                  "the input")
         .optionalArgument("DATABASE", options->database,
                           "the database to make, or to write favourites to")
         .flag("--force", options->force, "replace the content of an existing database")

@@ -1,0 +1,33 @@
+// Lists of IP channels: what is read of any text is written so that it reads as the same.
+#include <channel-database/m3u.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <sstream>
+
+using namespace channel_database;
+
+namespace {
+
+ChannelsConf parsed(std::string const& text) {
+    std::istringstream stream(text);
+    return parseM3u(stream);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    ChannelsConf const list = parsed(std::string(reinterpret_cast<char const*>(data), size));
+    std::string text = kM3uBeginning;
+    for (Channel const& channel : list.channels)
+        text += formatM3u(channel, "");
+    ChannelsConf const again = parsed(text);
+    if (again.channels.size() != list.channels.size())
+        std::abort();
+    for (std::size_t i = 0; i < list.channels.size(); ++i)
+        if (again.channels[i].url != list.channels[i].url ||
+            again.channels[i].name != list.channels[i].name ||
+            again.channels[i].number != list.channels[i].number)
+            std::abort();
+    return 0;
+}
