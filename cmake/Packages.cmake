@@ -5,6 +5,7 @@
 #                               a set's package takes its place if it is named or provides
 #                               CHANNELLIST_ACCESS_ORV_DEBUG_PACKAGE
 #   libchannellist-access-dev   headers, link name, CMake package, pkg-config file
+#   channellist-page            the page to sort channels with; without cpp-httplib there is none
 #   channellist                 the command-line tool, its manual page and completions
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME channellist-access)
@@ -25,11 +26,15 @@ if(NOT CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY)
 endif()
 if(CHANNELLIST_ACCESS_BUILD_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL tools)
+    if(TARGET channellist-page)
+        list(APPEND CPACK_COMPONENTS_ALL page)
+    endif()
 endif()
 set(CPACK_COMPONENT_RUNTIME_GROUP lib)
 set(CPACK_COMPONENT_STAND-IN_GROUP orv)
 set(CPACK_COMPONENT_DEVELOPMENT_GROUP dev)
 set(CPACK_COMPONENT_TOOLS_GROUP tool)
+set(CPACK_COMPONENT_PAGE_GROUP page)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -46,6 +51,7 @@ set(same_library "${library_package} (= ${PROJECT_VERSION})")
 set(CHANNELLIST_ACCESS_LIBRARY_DEPENDS "" CACHE STRING "Debian packages that the library needs")
 set(CHANNELLIST_ACCESS_ORV_DEBUG_DEPENDS "" CACHE STRING "Debian packages that the stand-in needs")
 set(CHANNELLIST_ACCESS_TOOLS_DEPENDS "" CACHE STRING "Debian packages that the tool needs")
+set(CHANNELLIST_ACCESS_PAGE_DEPENDS "" CACHE STRING "Debian packages that the page needs")
 
 set(CPACK_DEBIAN_LIB_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_LIB_PACKAGE_SECTION libs)
@@ -85,6 +91,14 @@ A command-line tool on the channel database of a digital television set, or a
 copy of it: shows lists, finds services, sorts lists in an editor, reads and
 writes the lists of VDR and Enigma2, and tells what is wrong in a database.")
 
+set(CPACK_DEBIAN_PAGE_PACKAGE_NAME channellist-page)
+set(CPACK_DEBIAN_PAGE_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PAGE_PACKAGE_DEPENDS "${same_library}, ${CHANNELLIST_ACCESS_PAGE_DEPENDS}")
+set(CPACK_DEBIAN_PAGE_PACKAGE_RECOMMENDS "channellist (= ${PROJECT_VERSION}), xdg-utils")
+set(CPACK_DEBIAN_PAGE_DESCRIPTION "page to sort the channels of a TV set with
+A server for the browser of the same machine: one page that sorts the channel
+lists of a digital television set by mouse, keyboard and touch.")
+
 # The date of the version, which has to have its heading.
 string(REPLACE "." "\\." version_pattern "${PROJECT_VERSION}")
 file(STRINGS "${PROJECT_SOURCE_DIR}/CHANGELOG.md" heading
@@ -93,7 +107,7 @@ if(NOT heading)
     message(FATAL_ERROR "CHANGELOG.md has no heading '## [${PROJECT_VERSION}] - YYYY-MM-DD'")
 endif()
 string(REGEX MATCH "[0-9]+-[0-9]+-[0-9]+$" CPACK_CHANNELLIST_DATE "${heading}")
-set(CPACK_CHANNELLIST_PACKAGES "lib=${library_package};orv=liborv-debug-stand-in;dev=libchannellist-access-dev;tool=channellist")
+set(CPACK_CHANNELLIST_PACKAGES "lib=${library_package};orv=liborv-debug-stand-in;dev=libchannellist-access-dev;tool=channellist;page=channellist-page")
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/package/debian-documents.cmake")
 
 include(CPack)

@@ -89,6 +89,12 @@ class World:
         with sqlite3.connect(self.database, timeout=10) as connection:
             return connection.execute(sql, values).fetchall()
 
+    def hold_ott_numbers(self, name, *numbers):
+        with sqlite3.connect(os.path.join(self.folder, "zentova_DB_V1.3.db")) as connection:
+            connection.execute("CREATE TABLE SQL_OTTFavChannels (favName TEXT, favIndex INTEGER)")
+            connection.executemany("INSERT INTO SQL_OTTFavChannels VALUES (?, ?)",
+                                   [(name, number) for number in numbers])
+
     def content(self, name):
         """(number, name) of what a list shows, and with a "-" in front what it hides."""
         services = json.loads(self.tool("services", name, "--json"))

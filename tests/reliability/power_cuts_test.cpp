@@ -202,7 +202,7 @@ TEST_P(PowerCuts, LoseNoEditThatWasReportedAndLeaveNoneInHalves) {
 
 // The control: edits whose files are not flushed.
 TEST_P(PowerCuts, FindEditsThatDoNotFlush) {
-    unsigned const faults = cut(kCuts / 20, false);
+    unsigned const faults = cut(500, false);
     EXPECT_GT(faults, 0U);
     std::printf("figure: %u faults found in %u power cuts without flushes\n", faults, cuts_);
 }

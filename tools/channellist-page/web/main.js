@@ -15,6 +15,8 @@ const many = (count, word) => `${count} ${word}${count === 1 ? "" : "s"}`;
 // Control characters and those that turn the direction of a text are seen as what they are.
 const shown = (name) => name.replace(/[\p{Cc}\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/gu, "\ufffd");
 
+const baseNumbers = new WeakMap();  // of lists as they were read
+
 const app = {
     lists: {},            // by uuid: {name, fav, all, count, reserved}
     services: new Map(),  // by key: {name, shown, folded, kind, place, hd, scrambled}
@@ -28,8 +30,12 @@ const app = {
     entries: (uuid) => st.current(app.state)[uuid],
     nameOf: (uuid) => app.lists[uuid]?.name ?? "",
     other: (pane) => app.panes[pane === app.panes[0] ? 1 : 0],
-    baseNumbers: (uuid) =>
-        new Map((app.state.base[uuid]?.entries ?? []).map((entry) => [entry.key, entry.number])),
+    baseNumbers(uuid) {
+        const entries = app.state.base[uuid]?.entries ?? [];
+        if (!baseNumbers.has(entries))
+            baseNumbers.set(entries, new Map(entries.map((entry) => [entry.key, entry.number])));
+        return baseNumbers.get(entries);
+    },
     favsOf: (id) => app.favs.get(id) ?? [],
     uuidOfFav: (n) => Object.keys(app.lists).find((uuid) => app.lists[uuid].fav === n),
     uuidOfAll: () => Object.keys(app.lists).find((uuid) => app.lists[uuid].all),
@@ -212,6 +218,10 @@ function trouble(text) {
 
 // After every change of the state.
 function changed() {
+    if (app.conflict && st.changedLists(app.state).length === 0) {  // all of it was undone
+        app.state = st.start({...app.state.base, ...app.conflict});
+        app.conflict = null;
+    }
     if (!work.keep(app.database, app.state))
         trouble("The browser has no room to keep this over a reload: save it soon.");
     draw();
@@ -322,6 +332,7 @@ function take(answer) {
     } else if (isOvertaken) {
         app.conflict = news;
     } else {
+        app.conflict = null;
         app.state = st.rebase(app.state, news, app.lists);
     }
     changed();
@@ -348,7 +359,8 @@ async function readOverview() {
     app.database = overview.database;
     app.mark = overview.mark;
     app.isReadOnly = overview.readOnly;
-    $("database").textContent = overview.database;
+    $("database").textContent = overview.database.split("/").pop();
+    $("database").title = overview.database;
     for (const pane of app.panes)
         pane.part(".choice").replaceChildren(
             ...Object.entries(app.lists).map(([uuid, {name}]) => new Option(name, uuid)));
@@ -408,8 +420,7 @@ async function poll() {
 }
 
 // Does to the lists what the reload of the page has interrupted.
-function resume() {
-    const kept = work.kept(app.database);
+function resume(kept) {
     if (!kept)
         return;
     const fits = Object.entries(kept.versions).every(([uuid, version]) =>
@@ -417,7 +428,8 @@ function resume() {
     try {
         app.state = st.rebase({...app.state, past: kept.past, future: kept.future ?? []}, {}, app.lists);
         changed();
-        trouble(fits ? "" : "The lists have changed since: this is your work on top of them. Look at it before you save.");
+        if (!fits)
+            trouble("The lists have changed since: this is your work on top of them. Look at it before you save.");
     } catch {
         trouble("Unsaved work of before could not be read.");
     }
@@ -479,16 +491,19 @@ async function begin() {
     });
     addEventListener("afterprint", () => $("print").replaceChildren());
 
+    let kept = null;
     await attempt(async () => {
         await readOverview();
+        kept = work.kept(app.database);
         const favs = [1, 2, 3, 4].map(app.uuidOfFav).filter(Boolean);
         app.panes[0].setList(favs[0]);
         app.panes[1].setList(app.uuidOfAll());
         app.activate(app.panes[0]);
         take(await server.lists(favs));
+        requestAnimationFrame(() => window.firstList = performance.now());
         take(await server.lists([app.uuidOfAll()]));
-        resume();
     });
+    resume(kept);
     setTimeout(poll, POLL);
 }
 

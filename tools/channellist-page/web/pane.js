@@ -73,6 +73,7 @@ export class Pane {
         this.part(".filters").classList.toggle("on",
             Object.entries(this.filter).some(([key, each]) => key !== "text" && each));
         this.scroller.scrollTop = 0;
+        this.selected.clear();
         this.refresh();
         this.app.say(`${this.rows.length} channels`);
     }
@@ -100,6 +101,10 @@ export class Pane {
         this.entries = entries ?? [];
         this.rows = this.withReserved(found(this.entries, app.services, this.filter));
         this.index = new Map(this.rows.map((row, i) => [row.key, i]));
+        if (!this.index.has(this.focus))  // nothing is done to a row that a search does not show
+            this.focus = null;
+        if (!this.focus && this.rows.length > 0 && document.activeElement === this.scroller)
+            this.focus = this.rows[0].key;
         this.view.show(this.rows);
         this.scroller.setAttribute("aria-label", `${app.nameOf(uuid)}, ${this.rows.length} channels`);
         this.showSelection();

@@ -33,5 +33,6 @@ void addBackupCommand(CommandLine& line);
 void addRestoreCommand(CommandLine& line);
 void addUndoCommand(CommandLine& line);
 void addWatchCommand(CommandLine& line);
+void addPageCommand(CommandLine& line);
 
 }  // namespace tool

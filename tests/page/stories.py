@@ -1,0 +1,377 @@
+"""Stories of the page in a browser. Each begins with a database and ends with what it holds then."""
+import http.client
+import json
+import os
+import signal
+import sqlite3
+import threading
+import time
+import unittest
+
+from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+from page_world import SAMPLE, World
+
+FAVOURITES = os.path.join(os.path.dirname(SAMPLE), "favourites.conf")
+PICTURES = os.environ.get("CHANNELLIST_PICTURES")
+
+
+class Story(unittest.TestCase):
+    channels = None
+
+    def setUp(self):
+        self.world = World(self.channels)
+        self.addCleanup(self.world.close)
+        self.world.tool("import", "--favourites", FAVOURITES)
+
+    def picture(self, page, name):
+        if PICTURES:
+            time.sleep(0.3)
+            page.driver.save_screenshot(os.path.join(PICTURES, name + ".png"))
+
+    def drag(self, page, row, target, below=True):
+        height = row.size["height"]
+        ActionChains(page.driver, duration=60).move_to_element(row).click_and_hold() \
+            .move_by_offset(10, 10) \
+            .move_to_element_with_offset(target, 0, int(height * (0.4 if below else -0.4))) \
+            .release().perform()
+
+
+class Building(Story):
+    channels = 4000
+
+    def test_a_list_is_built_by_dragging_blocks(self):
+        self.world.serve()
+        page = self.world.browser()
+        page.search(1, "zdfinfo")
+        page.wait(lambda: page.rows(1)[0][1] == "ZDFinfo HD")
+        page.row(1, "ZDFinfo HD").click()
+        ActionChains(page.driver).key_down(Keys.SHIFT).click(page.row(1, "ZDFinfo HD 4")) \
+            .key_up(Keys.SHIFT).perform()
+        self.picture(page, "page")
+        self.drag(page, page.row(1, "ZDFinfo HD 3"), page.row(0, "NPO 1"))
+        block = ["ZDFinfo HD", "ZDFinfo HD 2", "ZDFinfo HD 3", "ZDFinfo HD 4"]
+        page.wait(lambda: [name for _, name in page.rows(0)[1:5]] == block)
+        self.drag(page, page.row(0, "ZDF HD"), page.row(0, "NPO 1"), below=False)
+        page.wait(lambda: page.rows(0)[0] == ["1", "ZDF HD"])
+        before = self.world.names("FAV1")
+        page.save()
+        page.wait(lambda: page.find("#take-back").is_displayed())
+        before.remove("ZDF HD")
+        after = ["ZDF HD", before[0], *block, *before[1:]]
+        self.assertEqual(self.world.content("FAV1"), list(enumerate(after, 1)))
+        page.press("take-back")
+        page.wait(lambda: "Taken back" in page.text("#count"))
+        self.assertEqual(self.world.names("FAV1"), ["NPO 1", "ZDF HD", *before[1:]])
+        self.world.tool("undo")
+        self.assertEqual(self.world.names("FAV1"), after)
+
+    def test_the_same_by_keyboard_alone(self):
+        self.world.serve()
+        page = self.world.browser()
+        page.choose(0, "FAV3")
+        before = self.world.names("FAV3")
+
+        def press(*keys):
+            ActionChains(page.driver).send_keys(*keys).perform()
+
+        def press_with(held, key):
+            ActionChains(page.driver).key_down(held).send_keys(key).key_up(held).perform()
+
+        page.run("document.querySelectorAll('.scroller')[1].focus()")
+        press("/")
+        press("tagesschau24 hd 7")
+        page.wait(lambda: page.rows(1)[0][1] == "tagesschau24 HD 7")
+        press(Keys.ENTER, Keys.SPACE, Keys.ENTER)
+        page.wait(lambda: "1 change" in page.text("#count"))
+        press(Keys.ARROW_LEFT, Keys.END)
+        press_with(Keys.ALT, Keys.ARROW_UP)
+        press("2", Keys.ENTER)
+        page.wait(lambda: page.rows(0)[1][1] == "tagesschau24 HD 7")
+        self.assertIn("is number 2 now", page.text("#said"))
+        press_with(Keys.CONTROL, "z")
+        press_with(Keys.CONTROL, "z")
+        press_with(Keys.CONTROL, "y")
+        press_with(Keys.CONTROL, "s")
+        page.saved()
+        self.assertEqual(self.world.content("FAV3"),
+                         list(enumerate([*before[:-1], "tagesschau24 HD 7", before[-1]], 1)))
+
+    def test_by_touch_on_a_small_screen(self):
+        self.world.serve()
+        page = self.world.browser(360, 740, touch=True)
+        self.picture(page, "page-small")
+        before = self.world.names("FAV1")
+        handle = page.row(0, before[0]).find_element(By.CSS_SELECTOR, ".handle").rect
+        target = page.row(0, before[3]).rect
+
+        def touch(kind, y):
+            points = [] if kind == "touchEnd" else [{"x": handle["x"] + 8, "y": y}]
+            page.driver.execute_cdp_cmd("Input.dispatchTouchEvent",
+                                        {"type": kind, "touchPoints": points})
+
+        start = handle["y"] + handle["height"] / 2
+        end = target["y"] + target["height"] * 0.9
+        touch("touchStart", start)
+        for step in range(1, 6):
+            touch("touchMove", start + (end - start) * step / 5)
+        touch("touchEnd", 0)
+        page.wait(lambda: page.rows(0)[3][1] == before[0])
+        page.row(0, before[5]).click()
+        page.press("remove", 0)
+        page.save()
+        expected = [*before[1:4], before[0], *before[4:]]
+        expected.remove(before[5])
+        self.assertEqual(self.world.content("FAV1"), list(enumerate(expected, 1)))
+
+
+class Numbers(Story):
+    def test_the_page_numbers_as_the_commands_do(self):
+        """Gaps, hidden entries and the other lists; each step is done by a command to a copy."""
+        world = self.world
+        world.tool("edit", "FAV2", "move", "4", "to", "30", "move", "6", "to", "40", "hide", "2")
+        names = [name.lstrip("-") for name in world.names("FAV2")]
+        other = World()
+        self.addCleanup(other.close)
+        other.tool("import", "--favourites", FAVOURITES)
+        other.tool("edit", "FAV2", "move", "4", "to", "30", "move", "6", "to", "40", "hide", "2")
+        world.serve()
+        page = world.browser()
+        page.choose(0, "FAV2")
+        page.wait(lambda: page.rows(0)[-1][0] == "40")
+
+        def number(name, digits):
+            page.row(0, name).click()
+            page.press("number", 0)
+            page.find("#number").send_keys(digits, Keys.ENTER)
+            ActionChains(page.driver).pause(0.1).perform()
+
+        for name, to in ((names[0], "5"), (names[-1], "7"), (names[4], "1"), (names[2], "99")):
+            number(name, to)
+            other.tool("edit", "FAV2", "move", name, "to", to)
+        page.row(0, names[3]).click()
+        page.press("remove", 0)
+        other.tool("edit", "FAV2", "remove", names[3])
+        page.row(0, names[1]).click()
+        page.press("show", 0)
+        other.tool("edit", "FAV2", "restore", names[1])
+        page.choose(0, "All")
+        page.wait(lambda: page.rows(0)[0][1] == "NPO 1")
+        page.row(0, "NPO 1").click()
+        page.press("hide", 0)
+        other.tool("edit", "all", "hide", "1", "--renumber")
+        page.save()
+        for name in ("FAV1", "FAV2", "all"):
+            self.assertEqual(world.content(name), other.content(name), name)
+
+    def test_places_of_ott_channels_stay_theirs(self):
+        world = self.world
+        world.hold_ott_numbers("FAV1", 2, 4)
+        world.tool("edit", "FAV1", "--renumber")
+        before = world.content("FAV1")
+        world.serve()
+        page = world.browser()
+        self.assertEqual(page.rows(0)[1], ["2", "an OTT channel"])
+        page.row(0, before[0][1]).click()
+        page.press("down", 0)
+        page.save()
+        numbers = [number for number, _ in before]
+        self.assertEqual(numbers[:4], [1, 3, 5, 6])
+        names = [name for _, name in before]
+        self.assertEqual(world.content("FAV1"),
+                         list(zip(numbers, [names[1], names[0], *names[2:]])))
+
+
+class Together(Story):
+    def test_two_browsers_and_a_shell_lose_nothing(self):
+        world = self.world
+        world.serve()
+        one, two = world.browser(), world.browser()
+        names = world.names("FAV1")
+        one.row(0, names[3]).click()
+        one.press("top", 0)
+        two.row(0, names[5]).click()
+        two.press("remove", 0)
+        one.save()
+        two.wait(lambda: two.find("#conflict").is_displayed())
+        self.picture(two, "page-merge")
+        self.assertIn(names[3], two.text("#theirs"))
+        self.assertIn(names[5], two.text("#mine"))
+        world.tool("edit", "FAV1", "add", "KiKA HD")
+        two.wait(lambda: "KiKA HD" in two.text("#theirs"))
+        two.press("merge")
+        two.save()
+        expected = [names[3], *names[:3], names[4], *names[6:], "KiKA HD"]
+        self.assertEqual(world.content("FAV1"), list(enumerate(expected, 1)))
+        one.wait(lambda: [name for _, name in one.rows(0)][:6] == expected[:6])  # by itself
+
+    def test_a_reload_keeps_the_work_and_a_killed_server_too(self):
+        world = self.world
+        world.serve()
+        page = world.browser()
+        names = world.names("FAV1")
+        page.row(0, names[2]).click()
+        page.press("top", 0)
+        page.driver.refresh()
+        page.wait(lambda: page.rows(0) and page.rows(0)[0][1] == names[2])
+        world.stop(signal.SIGKILL)
+        page.press("save")
+        page.wait(lambda: "does not answer" in page.text("#trouble"))
+        self.assertEqual(world.names("FAV1"), names)
+        world.serve()
+        page.driver.get(world.address)
+        page.wait(lambda: page.rows(0) and page.rows(0)[0][1] == names[2])
+        page.save()
+        self.assertEqual(world.names("FAV1"), [names[2], *names[:2], *names[3:]])
+
+    def test_the_server_is_killed_while_it_saves(self):
+        world = self.world
+        names = world.names("FAV1")
+        moved = [names[2], *names[:2], *names[3:]]
+        for delay in (0.0, 0.01, 0.03, 0.06, 0.1):
+            world.serve()
+            page = world.browser()
+            if page.rows(0)[0][1] == names[2]:
+                page.driver.quit()
+                world.stop()
+                continue
+            page.row(0, names[2]).click()
+            page.press("top", 0)
+            page.press("save")
+            time.sleep(delay)
+            world.stop(signal.SIGKILL)
+            self.assertIn(world.names("FAV1"), (names, moved))
+            world.tool("check")  # fails with a finding
+            page.driver.quit()
+        world.serve()
+        page = world.browser()
+        self.assertIn(page.rows(0)[0][1], (names[0], names[2]))
+
+    def test_a_locked_database_is_told_and_written_later(self):
+        world = self.world
+        world.serve()
+        page = world.browser()
+        names = world.names("FAV1")
+        lock = sqlite3.connect(world.database, isolation_level=None, check_same_thread=False)
+        self.addCleanup(lock.close)
+        page.row(0, names[1]).click()
+        page.press("remove", 0)
+        lock.execute("BEGIN EXCLUSIVE")
+        timer = threading.Timer(10, lambda: lock.execute("ROLLBACK"))
+        timer.start()
+        self.addCleanup(timer.join)
+        page.press("save")
+        page.wait(lambda: "locked" in page.text("#trouble") or "flushed" in page.text("#count"), 30)
+        timer.join()
+        if "flushed" not in page.text("#count"):
+            page.wait(lambda: page.find("#save").is_enabled())
+            page.save()
+        self.assertEqual(world.names("FAV1"), [names[0], *names[2:]])
+
+
+class Strangers(Story):
+    def ask(self, method, path, headers=None, body=None):
+        connection = http.client.HTTPConnection("127.0.0.1", self.world.port, timeout=10)
+        self.addCleanup(connection.close)
+        connection.putrequest(method, path, skip_host="Host" in (headers or {}))
+        for name, value in (headers or {}).items():
+            connection.putheader(name, value)
+        if body is not None:
+            connection.putheader("Content-Length", str(len(body)))
+        connection.endheaders(body)
+        answer = connection.getresponse()
+        return answer.status, answer.getheader("Set-Cookie"), answer.read()
+
+    def test_only_the_page_of_the_session_reads_and_writes(self):
+        world = self.world
+        address = world.serve()
+        key = address.split("key=")[1]
+        status, cookie, _ = self.ask("GET", f"/?key={key}")
+        self.assertEqual(status, 200)
+        for word in ("HttpOnly", "SameSite=Strict"):
+            self.assertIn(word, cookie)
+        cookie = cookie.split(";")[0]
+        home = f"127.0.0.1:{world.port}"
+        own = {"Cookie": cookie, "Origin": f"http://{home}", "Content-Type": "application/json"}
+        overview = json.loads(self.ask("GET", "/api/overview", {"Cookie": cookie})[2])
+        fav1 = next(each["uuid"] for each in overview["lists"] if each["fav"] == 1)
+        listed = json.loads(self.ask("GET", f"/api/lists?uuid={fav1}", {"Cookie": cookie})[2])
+        version = listed["lists"][0]["version"]
+        emptied = json.dumps({"lists": [{"uuid": fav1, "version": version, "entries": []}]}).encode()
+        before = world.content("FAV1")
+        cases = [
+            ("no cookie", "GET", "/api/overview", {}, 403),
+            ("a wrong cookie", "GET", "/api/overview", {"Cookie": cookie[:-1] + "x"}, 403),
+            ("a wrong key", "GET", "/?key=" + "0" * 32, {}, 403),
+            ("a foreign name", "GET", "/api/overview", {"Cookie": cookie, "Host": "evil.example"}, 403),
+            ("a name and our port", "GET", "/", {"Cookie": cookie, "Host": f"evil.example:{world.port}"}, 403),
+            ("the key by a foreign name", "GET", f"/?key={key}", {"Host": "evil.example"}, 403),
+            ("a foreign page", "POST", "/api/save", {**own, "Origin": "http://evil.example"}, 403),
+            ("another port", "POST", "/api/save", {**own, "Origin": "http://127.0.0.1:1"}, 403),
+            ("no origin", "POST", "/api/save", {"Cookie": cookie, "Content-Type": "application/json"}, 403),
+            ("a form", "POST", "/api/save", {**own, "Content-Type": "text/plain"}, 400),
+            ("a foreign fetch", "GET", "/api/overview", {"Cookie": cookie, "Sec-Fetch-Site": "same-site"}, 403),
+            ("a path of the disk", "GET", "/../../../etc/passwd", {"Cookie": cookie}, 404),
+            ("a file of the page with dots", "GET", "/..%2f..%2fetc%2fpasswd", {"Cookie": cookie}, 404),
+        ]
+        for name, method, path, headers, expected in cases:
+            body = emptied if method == "POST" else None
+            status, set_cookie, _ = self.ask(method, path, headers, body)
+            self.assertEqual((status, set_cookie), (expected, None), name)
+        for body in (b"{", b"[]", b'{"lists": 7}', b'{"lists": [{"uuid": 1}]}',
+                     emptied.replace(version.encode(), b"1")):
+            self.assertIn(self.ask("POST", "/api/save", own, body)[0], (200, 400))
+        self.assertEqual(world.content("FAV1"), before)
+        self.assertEqual(self.ask("POST", "/api/save", own, emptied)[0], 200)  # they all could have
+        self.assertEqual(world.content("FAV1"), [])
+
+    def test_slow_clients_hold_up_nobody(self):
+        self.world.serve()
+        slow = []
+        for _ in range(20):
+            connection = http.client.HTTPConnection("127.0.0.1", self.world.port)
+            connection.connect()
+            connection.sock.sendall(b"GET / HTTP/1.1\r\n")
+            slow.append(connection)
+        page = self.world.browser()
+        self.assertEqual(page.rows(0)[0][1], "NPO 1")
+        for connection in slow:
+            connection.close()
+
+    def test_a_foreign_page_in_the_browser_writes_nothing(self):
+        world = self.world
+        world.serve()
+        page = world.browser()
+        before = world.content("FAV1")
+        page.driver.get("data:text/html,<h1>foreign</h1>")
+        page.run("""fetch(arguments[0], {method: 'POST', mode: 'no-cors', credentials: 'include',
+                 body: '{"lists":[]}'}).catch(() => 0);""", f"http://127.0.0.1:{world.port}/api/save")
+        time.sleep(0.5)
+        self.assertEqual(world.content("FAV1"), before)
+
+    def test_names_are_text(self):
+        world = self.world
+        evil = "<img src=x onerror=document.title='pwned'>\u202eevil"
+        world.execute("UPDATE Service SET Name = ?, ShortName = ?, ServiceName = ? WHERE Pid ="
+                      " (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId ="
+                      " (SELECT Pid FROM FavoriteList WHERE Creator = 'User.tvFAV1')"
+                      " AND ChannelNum = 1)", evil, evil, evil)
+        world.serve()
+        page = world.browser()
+        name = page.rows(0)[0][1]
+        self.assertTrue(name.startswith("<img src=x"))
+        self.assertNotIn("\u202e", name)
+        page.run("document.querySelector('.pane .row').click()")
+        page.press("down", 0)
+        page.press("show-changes")
+        self.assertEqual(page.run("return document.querySelectorAll('img').length"), 0)
+        page.find("#changes button").click()
+        page.save()
+        self.assertNotIn("pwned", page.driver.title)
+        self.assertEqual(world.content("FAV1")[1], (2, evil))
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
