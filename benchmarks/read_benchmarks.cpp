@@ -123,9 +123,8 @@ void lookForChanges(benchmark::State& state) {
     DatabaseCopy const file({1000});
     Connection const connection(file.path());
     db = connection.get();
-    runByTurns(state, {{"look", [] {
-                            sqlexec(db, "PRAGMA data_version", nullptr, nullptr, nullptr);
-                        }}});
+    runByTurns(state,
+               {{"look", [] { sqlexec(db, "PRAGMA data_version", nullptr, nullptr, nullptr); }}});
 }
 
 void resultMemory(benchmark::State& state) {

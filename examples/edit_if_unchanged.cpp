@@ -52,7 +52,7 @@ Ending editIfUnchanged(List const& seen, std::vector<std::string> const& request
             return kWritten;
         if (!guard.hasRefused)
             return kFailed;  // -1: a wrong request; -2: the messages tell why
-    }  // refused, perhaps for a write to another list: look again
+    }                        // refused, perhaps for a write to another list: look again
     return kOvertaken;
 }
 

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/mman.h>
@@ -231,6 +232,15 @@ extern "C" int nanosleep(timespec const* time, timespec* left) {
     if (turns::table != nullptr)
         return turns::sleepForTurns(), 0;
     return turns::real<int(timespec const*, timespec*)>("nanosleep")(time, left);
+}
+
+// A wait for something that another does.
+extern "C" int poll(pollfd* sources, nfds_t count, int timeout) {
+    static auto* const real = turns::real<int(pollfd*, nfds_t, int)>("poll");
+    if (turns::table == nullptr || timeout == 0)
+        return real(sources, count, timeout);
+    turns::sleepForTurns();
+    return real(sources, count, 0);
 }
 
 extern "C" int fsync(int file) {

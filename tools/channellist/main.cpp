@@ -12,11 +12,12 @@ namespace {
 int runTool(int argc, char** argv) {
     using namespace tool;
     CommandLine line;
-    for (auto const add : {addFoldersCommand, addServicesCommand, addFindCommand, addDiffCommand,
-                           addAttributesCommand, addEditCommand, addListCommand, addAnchorCommand,
-                           addScrambleCommand, addBissCommand, addOttCommand, addCheckCommand,
-                           addDriverCommand, addImportCommand, addExportCommand, addBackupCommand,
-                           addRestoreCommand, addUndoCommand, addPageCommand})
+    for (auto const add :
+         {addFoldersCommand,    addServicesCommand, addFindCommand,   addDiffCommand,
+          addAttributesCommand, addEditCommand,     addListCommand,   addAnchorCommand,
+          addScrambleCommand,   addBissCommand,     addOttCommand,    addCheckCommand,
+          addDriverCommand,     addImportCommand,   addExportCommand, addBackupCommand,
+          addRestoreCommand,    addUndoCommand,     addWatchCommand,  addPageCommand})
         add(line);
     std::optional<int> const done = line.parse(argc, argv);
     return done ? *done : line.run();

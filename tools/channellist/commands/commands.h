@@ -32,6 +32,7 @@ void addExportCommand(CommandLine& line);
 void addBackupCommand(CommandLine& line);
 void addRestoreCommand(CommandLine& line);
 void addUndoCommand(CommandLine& line);
+void addWatchCommand(CommandLine& line);
 void addPageCommand(CommandLine& line);
 
 }  // namespace tool
