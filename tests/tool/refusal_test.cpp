@@ -94,7 +94,7 @@ TEST_F(ToolTest, RefusesWrongUsage) {
     write("letter", letter);
     Invocation const runs[] = {
         {"import letter set.db --force", 1, nullptr,
-         "letter: this is no channel list of VDR or Enigma2\n"},
+         "letter: this is no channel list of VDR, Enigma2 or libdvbv5, and no M3U\n"},
         {"", 2, nullptr, "A subcommand is required"},
         {"frobnicate", 2, nullptr, "required"},
         {"services", 2, nullptr, "LIST is required"},

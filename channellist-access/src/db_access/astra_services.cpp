@@ -45,7 +45,8 @@ std::string encryptionQuery(bool isOperator) {
 enum class Anchor { Found, None, Locked };
 
 constexpr bool isNotNow(int code) {
-    return code == SQLITE_BUSY || code == SQLITE_LOCKED || code == SQLITE_PROTOCOL;
+    int const kind = code & 0xff;  // a host may have asked for extended codes
+    return kind == SQLITE_BUSY || kind == SQLITE_LOCKED || kind == SQLITE_PROTOCOL;
 }
 
 // Found, with or without a row of the list, when `uuid` is not empty afterwards.
@@ -116,7 +117,7 @@ template <typename Look>
 AstraAnswer lookAtOneState(CallSite const& site, Look look) {
     CommitsOfOthers others;
     AstraAnswer answer = look(others);
-    if (answer.anchor == Anchor::Locked || (answer.isOneState && !others.came().value_or(true)))
+    if (answer.anchor == Anchor::Locked || (answer.isOneState && !others.came().value_or(false)))
         return answer;
     LOG_TEXT_AT(site, kLogModule, Notice, "another process wrote meanwhile, look again");
     std::optional<ReadTransaction> transaction;

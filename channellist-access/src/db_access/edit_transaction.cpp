@@ -1,6 +1,7 @@
 #include "db_access/edit_transaction.h"
 
 #include "db_access/busy_retry.h"
+#include "db_access/data_version.h"
 
 namespace channellist {
 
@@ -27,11 +28,14 @@ int EditTransaction::beginWith(char const* sql) {
 }
 
 int EditTransaction::commit(CallSite const& site) {
+    auto const before = dataVersion(connection_);
     int const code = retryWhileBusy(kCommitAttempts, site, LogModule::DatabaseAccess,
                                     [this] { return execute("COMMIT TRANSACTION"); });
     open_ = isInTransaction(connection_);
-    // The interrupt of a commit that got through came when all was written.
-    return code == SQLITE_INTERRUPT && !open_ ? SQLITE_OK : code;
+    // The interrupt of a commit that got through came when all was written. One that storage failed
+    // is rolled back, and the interrupt may hide that.
+    bool const isWritten = !open_ && dataVersion(connection_) != before;
+    return code == SQLITE_INTERRUPT && isWritten ? SQLITE_OK : code;
 }
 
 int EditTransaction::execute(char const* sql) {

@@ -98,8 +98,11 @@ EditOutcome editUndisturbed(CallSite const& site, std::vector<std::string> const
     CommitsOfOthers others;
     auto const announce = [&](unsigned int favoriteListId) {
         others.start(db);
-        if (dbaccess::UpdateListTag(favoriteListId) == SQLITE_OK)
+        bool const isAdvanced = dbaccess::UpdateListTag(favoriteListId) == SQLITE_OK;
+        if (isAdvanced && !isInTransaction(db))  // that of a host commits nothing yet
             others.countOwn();
+        // Another list may have borne the key for a moment.
+        lists.announced = isAdvanced && !others.came().value_or(true) ? favoriteListId : 0;
         return EditOutcome::Done;
     };
     EditOutcome outcome = findLists(site, arguments[0], announce, lists);
@@ -110,16 +113,18 @@ EditOutcome editUndisturbed(CallSite const& site, std::vector<std::string> const
         return others.came().value_or(false) ? EditOutcome::Overtaken : outcome;
     return editInTransaction(site, Lock::ByFirstWrite, [&](Statement& itemUpdate) {
         EditOutcome const written = writeEdit(lists, plan, arguments, itemUpdate);
+        if (!isInTransaction(db))
+            return EditOutcome::Failed;  // storage failed, and SQLite rolled all back
         return others.came().value_or(isDone(written)) ? EditOutcome::Overtaken : written;
     });
 }
 
-// The same with everything behind the lock. `overtaken` is what was believed before, and announced;
-// a list that has another key by now, or was made anew, is announced here.
+// The same with everything behind the lock. `overtaken` is what was believed before; a list that it
+// did not announce, or that was made anew, is announced here.
 EditOutcome editBehindLock(CallSite const& site, std::vector<std::string> const& arguments,
                            EditedLists const& overtaken) {
     auto const announce = [&](unsigned int favoriteListId) {
-        if (favoriteListId != overtaken.edited || isFreshList(site, favoriteListId))
+        if (favoriteListId != overtaken.announced || isFreshList(site, favoriteListId))
             dbaccess::UpdateListTag(favoriteListId);
         // Some failures roll the whole transaction back, and further writes would stand alone.
         return isInTransaction(db) ? EditOutcome::Done : EditOutcome::Failed;

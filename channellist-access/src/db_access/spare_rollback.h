@@ -33,16 +33,20 @@ class SpareRollback {
 
     // Ends the transaction if it is still open.
     void finish(sqlite3* connection) {
-        if (isInTransaction(connection))
+        for (int attempt = 0; attempt < kAttempts && isInTransaction(connection); ++attempt) {
+            sqlite3_reset(statement_);
             sqlite3_step(statement_);
-        if (isInTransaction(connection))
-            finishUnderInterrupts(connection);
+            if (isInTransaction(connection))
+                finishUnderInterrupts(connection);
+        }
         if (isInTransaction(connection))
             LOG_FORMAT_AT(CALL_SITE, LogModule::DatabaseAccess, Error, "not rolled back: %s",
                           sqlite3_errmsg(connection));
     }
 
   private:
+    static constexpr int kAttempts = 10;  // beside interrupts that come and go
+
     // A host's handler that interrupts everything interrupts the rollback, too. But SQLite rolls
     // the transaction back when an interrupt hits a statement that may write: this one writes
     // nothing if it gets through.
