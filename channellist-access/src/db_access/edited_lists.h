@@ -15,7 +15,7 @@ namespace channellist {
 // nobody else has written.
 struct EditedLists {
     unsigned int edited = 0;
-    unsigned int announced = 0;     // `edited`, once its update tag is advanced for sure
+    unsigned int announced = 0;     // `edited`, unless its update tag was locked
     std::vector<unsigned int> fav;  // position p is FAV(p + 1)
 
     // 1 to 4; 0 when the edited list is no FAV list.

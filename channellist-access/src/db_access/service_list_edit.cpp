@@ -98,11 +98,10 @@ EditOutcome editUndisturbed(CallSite const& site, std::vector<std::string> const
     CommitsOfOthers others;
     auto const announce = [&](unsigned int favoriteListId) {
         others.start(db);
-        bool const isAdvanced = dbaccess::UpdateListTag(favoriteListId) == SQLITE_OK;
-        if (isAdvanced && !isInTransaction(db))  // that of a host commits nothing yet
+        int const code = dbaccess::UpdateListTag(favoriteListId);
+        if (code == SQLITE_OK && !isInTransaction(db))  // that of a host commits nothing yet
             others.countOwn();
-        // Another list may have borne the key for a moment.
-        lists.announced = isAdvanced && !others.came().value_or(true) ? favoriteListId : 0;
+        lists.announced = code == SQLITE_BUSY ? 0 : favoriteListId;
         return EditOutcome::Done;
     };
     EditOutcome outcome = findLists(site, arguments[0], announce, lists);
