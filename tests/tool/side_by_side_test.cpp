@@ -20,7 +20,8 @@ constexpr int kReported = 10000;  // operations of all editors
 // edits of twenty operations, and looks after each whether they are as it was told.
 class Editor {
   public:
-    Editor(std::string folder, int first) : folder_(std::move(folder)), random_(first) {
+    Editor(std::string folder, int first)
+        : folder_(std::move(folder)), random_(static_cast<unsigned>(first)) {
         for (int id = first; id < first + kServicesEach; ++id)
             states_[id] = "";
     }
