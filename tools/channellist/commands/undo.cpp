@@ -212,7 +212,7 @@ void addUndoCommand(CommandLine& line) {
         .footer(
             "\"edit\" and \"import --favourites\" keep the lists that they change, \"import "
             "--force\"\n"
-            "and \"restore\" the whole database: the last ten copies, in "
+            "\"restore\" and \"check --mend\" the whole database: the last ten copies, in "
             "$XDG_STATE_HOME/channellist\n"
             "or ~/.local/state/channellist. \"undo\" keeps what it takes back in the same way, so\n"
             "that a second one takes back the first.\n" +
