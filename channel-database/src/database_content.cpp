@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -73,21 +74,29 @@ class UnlinkedFile {
     void linkTo(std::string const& path) {
         if (linkat(AT_FDCWD, name_.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0)
             fail("cannot make " + path);
-        int const folder = open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (folder >= 0) {
-            fsync(folder);  // the name; where a folder cannot be flushed, nothing can be done
-            close(folder);
-        }
+        if (!isFlushed())
+            fail("cannot flush the name of " + path + " to the disk");
     }
 
   private:
+    // The name. Who may not read the folder flushes the whole file system.
+    bool isFlushed() const {
+        int const folder = open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (folder < 0)
+            return syncfs(descriptor_) == 0;
+        bool const flushed = fsync(folder) == 0 || errno == EINVAL;  // some have nothing to flush
+        close(folder);
+        return flushed;
+    }
+
     std::string folder_;
     std::string name_;
     int descriptor_ = -1;
     bool isNamed_ = false;
 };
 
-// The first read settles what a process that died has left: its journal or write-ahead log.
+// The first read settles what a process that died has left: its journal or write-ahead log. What
+// the connection writes is on the disk when it is committed, the removal of the journal included.
 Connection openSettled(std::string const& path) {
     sqlite3* opened = nullptr;
     int const code = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
@@ -95,9 +104,107 @@ Connection openSettled(std::string const& path) {
     if (code != SQLITE_OK)
         throw std::runtime_error("cannot open " + path + ": " + sqlite3_errmsg(opened));
     sqlite3_busy_timeout(opened, kBusyTimeoutMilliseconds);
-    if (sqlite3_exec(opened, "PRAGMA schema_version", nullptr, nullptr, nullptr) != SQLITE_OK)
+    if (sqlite3_exec(opened, "PRAGMA synchronous = EXTRA; PRAGMA schema_version", nullptr, nullptr,
+                     nullptr) != SQLITE_OK)
         throw std::runtime_error("cannot read " + path + ": " + sqlite3_errmsg(opened));
     return connection;
+}
+
+std::string setting(sqlite3* connection, char const* pragma) {
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v2(connection, pragma, -1, &statement, nullptr);
+    auto const* value = sqlite3_step(statement) == SQLITE_ROW
+                            ? reinterpret_cast<char const*>(sqlite3_column_text(statement, 0))
+                            : nullptr;
+    std::string const text = value == nullptr ? "" : value;
+    sqlite3_finalize(statement);
+    return text;
+}
+
+int pageSizeOf(sqlite3* connection) {
+    int const size = std::atoi(setting(connection, "PRAGMA page_size").c_str());
+    return size == 0 ? kDefaultPageSize : size;
+}
+
+void copyContent(sqlite3* source, sqlite3* target, std::string const& path) {
+    sqlite3_backup* const backup = sqlite3_backup_init(target, "main", source, "main");
+    if (backup == nullptr)
+        throw std::runtime_error("cannot write " + path + ": " + sqlite3_errmsg(target));
+    int const step = sqlite3_backup_step(backup, -1);
+    int const end = sqlite3_backup_finish(backup);
+    if (step == SQLITE_BUSY || step == SQLITE_LOCKED)
+        throw std::runtime_error(path + " is locked by another process; nothing is written");
+    if (step != SQLITE_DONE || end != SQLITE_OK)
+        throw std::runtime_error("cannot write " + path + ": " +
+                                 sqlite3_errstr(step != SQLITE_DONE ? step : end));
+}
+
+// A whole database as the bytes of a file.
+struct Image {
+    std::unique_ptr<unsigned char, FreeMemory> bytes;
+    sqlite3_int64 size = 0;
+};
+
+// Whatever the journal mode of the database is, the file is in the mode of the rollback journal: a
+// file in WAL mode cannot be read where nothing can be written beside it.
+Image imageOf(sqlite3* source, std::string const& path) {
+    constexpr sqlite3_int64 kWriteVersion = 18;
+    constexpr sqlite3_int64 kReadVersion = 19;
+    constexpr unsigned char kRollbackJournal = 1;
+    Image image;
+    image.bytes.reset(sqlite3_serialize(source, "main", &image.size, 0));
+    if (image.bytes == nullptr)
+        throw std::runtime_error("cannot make " + path + ": " + sqlite3_errmsg(source));
+    if (image.size > kReadVersion)
+        image.bytes.get()[kWriteVersion] = image.bytes.get()[kReadVersion] = kRollbackJournal;
+    return image;
+}
+
+// Where a database can be changed in ways that SQLite knows for files alone. A connection to it
+// outlives its name.
+class TemporaryFile {
+  public:
+    TemporaryFile() {
+        char const* const folder = std::getenv("TMPDIR");
+        name_ = std::string(folder == nullptr ? "/tmp" : folder) + "/channels-XXXXXX";
+        int const descriptor = mkstemp(name_.data());
+        if (descriptor < 0)
+            fail("cannot make " + name_);
+        close(descriptor);
+    }
+    ~TemporaryFile() { unlink(name_.c_str()); }
+    TemporaryFile(TemporaryFile const&) = delete;
+    TemporaryFile& operator=(TemporaryFile const&) = delete;
+
+    Connection open() const {
+        sqlite3* opened = nullptr;
+        sqlite3_open(name_.c_str(), &opened);
+        sqlite3_exec(opened, "PRAGMA journal_mode = MEMORY; PRAGMA synchronous = OFF", nullptr,
+                     nullptr, nullptr);
+        return Connection(opened);
+    }
+
+  private:
+    std::string name_;
+};
+
+// The content in pages of that size, into which SQLite brings no database in memory.
+Connection inPagesOf(int size, Image image, std::string const& path) {
+    sqlite3* opened = nullptr;
+    sqlite3_open(":memory:", &opened);
+    Connection const memory(opened);
+    sqlite3_int64 const bytes = image.size;
+    // It frees the bytes, whether it succeeds or not.
+    if (sqlite3_deserialize(opened, "main", image.bytes.release(), bytes, bytes,
+                            SQLITE_DESERIALIZE_FREEONCLOSE) != SQLITE_OK)
+        throw std::runtime_error("cannot read what is to be written to " + path);
+    TemporaryFile const file;
+    Connection converted = file.open();
+    std::string const convert = "PRAGMA page_size = " + std::to_string(size) + "; VACUUM";
+    copyContent(memory.get(), converted.get(), path);
+    if (sqlite3_exec(converted.get(), convert.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw std::runtime_error("cannot write " + path + ": " + sqlite3_errmsg(converted.get()));
+    return converted;
 }
 
 }  // namespace
@@ -116,38 +223,21 @@ void checkReplaceable(std::string const& path) {
         throw std::runtime_error(path + " is no SQLite database; it is left as it is");
 }
 
-int pageSize(std::string const& path) {
-    Connection const connection = openSettled(path);
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_prepare_v2(connection.get(), "PRAGMA page_size", -1, &statement, nullptr);
-    int const size =
-        sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int(statement, 0) : kDefaultPageSize;
-    sqlite3_finalize(statement);
-    return size;
-}
+int pageSize(std::string const& path) { return pageSizeOf(openSettled(path).get()); }
 
 void replaceContent(sqlite3* source, std::string const& path) {
     Connection const target = openSettled(path);
-    sqlite3_backup* const backup = sqlite3_backup_init(target.get(), "main", source, "main");
-    if (backup == nullptr)
-        throw std::runtime_error("cannot write " + path + ": " + sqlite3_errmsg(target.get()));
-    int const step = sqlite3_backup_step(backup, -1);
-    int const end = sqlite3_backup_finish(backup);
-    if (step == SQLITE_BUSY || step == SQLITE_LOCKED)
-        throw std::runtime_error(path + " is locked by another process; nothing is written");
-    if (step != SQLITE_DONE || end != SQLITE_OK)
-        throw std::runtime_error("cannot write " + path + ": " +
-                                 sqlite3_errstr(step != SQLITE_DONE ? step : end));
+    int const size = pageSizeOf(target.get());
+    bool const isWal = setting(source, "PRAGMA journal_mode") == "wal";
+    if (!isWal && size == pageSizeOf(source))
+        return copyContent(source, target.get(), path);
+    copyContent(inPagesOf(size, imageOf(source, path), path).get(), target.get(), path);
 }
 
 void writeNewFile(sqlite3* source, std::string const& path) {
-    sqlite3_int64 size = 0;
-    std::unique_ptr<unsigned char, FreeMemory> const image(
-        sqlite3_serialize(source, "main", &size, 0));
-    if (image == nullptr)
-        throw std::runtime_error("cannot make " + path + ": " + sqlite3_errmsg(source));
+    Image const image = imageOf(source, path);
     UnlinkedFile file(path);
-    file.write(image.get(), static_cast<std::size_t>(size), path);
+    file.write(image.bytes.get(), static_cast<std::size_t>(image.size), path);
     file.linkTo(path);
 }
 

@@ -149,6 +149,8 @@ Session::Session(std::string const& path, Access access, Ott ott) : ott_(ott) {
                                         nullptr));
         if (access == Access::Write && sqlite3_db_readonly(db, "main") == 1)
             throw Failure(path + " cannot be written");
+        if (access == Access::Write)  // a removed journal does not come back with the power
+            sqlite3_exec(db, "PRAGMA synchronous = EXTRA", nullptr, nullptr, nullptr);
         TimeLimit::learnViews(db);
     } catch (...) {
         close(db);

@@ -67,6 +67,32 @@ std::string changesOf(std::string const& database) {
     return changes;
 }
 
+// Throws Failure that names the file unless it is sound, and the library could work on it.
+void examineCopy(std::string const& file) {
+    std::string damage;
+    Query check(db, "PRAGMA integrity_check(1)");
+    while (check.next())
+        damage += check.text(0) == "ok" ? "" : check.text(0) + "\n";
+    if (!damage.empty())
+        throw Failure(
+            file + " is damaged, and nothing is written: " + damage.substr(0, damage.size() - 1));
+    dbaccess::initViews(db);
+    for (char const* needed :
+         {"SELECT * FROM FavoriteItemView",
+          "SELECT Id, OriginalFavoriteId, isDeleted FROM FavoriteItem",
+          "SELECT Pid, Uuid, Name, Creator, Attributes, NetworkId, BATId, UpdateTag,"
+          " MaxChannelNumber FROM FavoriteList",
+          "SELECT FavTag, FavTag2, FavTag3, FavTag4, bissKey FROM Service",
+          "SELECT ServiceId, Lcn, FavoriteId FROM Lcn"}) {
+        try {
+            Query const query(db, needed);
+        } catch (Failure const&) {
+            throw Failure(file + " is no whole channel database, and nothing is written: " +
+                          sqlite3_errmsg(db));
+        }
+    }
+}
+
 }  // namespace
 
 std::string bringBack(std::string const& file, std::string const& database,
@@ -77,12 +103,14 @@ std::string bringBack(std::string const& file, std::string const& database,
         channel_database::checkReplaceable(database);
     if (std::error_code ignored; std::filesystem::equivalent(database, file, ignored))
         throw Failure(file + " is the database itself");
-    Session const session(file);
+    Session session(file);
+    session.continueOnCopy();  // what is examined is what is written
+    examineCopy(file);
+    tellWaitsFor(database);
     std::string changes = exists ? changesOf(database) : std::string();
     if (replacement.dryRun)
         return changes;
     UndoStore undo(database, exists && !replacement.command.empty());
-    tellWaitsFor(database);
     undo.keepDatabase(replacement.command);
     (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
     undo.confirm();

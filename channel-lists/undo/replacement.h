@@ -10,8 +10,8 @@ struct Replacement {
     std::string command;  // for "undo --list"; "" keeps nothing for it
 };
 
-// Gives `database` the content of the database `file`. What changes comes back as a text, "" for a
-// new file. Throws Failure or std::runtime_error; nothing is written then.
+// Gives `database` the content of the database `file`, which is examined first. What changes comes
+// back as a text, "" for a new file. Throws Failure or std::runtime_error; nothing is written then.
 std::string bringBack(std::string const& file, std::string const& database,
                       Replacement const& replacement);
 

@@ -89,7 +89,7 @@ KeptCopy copyFrom(int number, Json const& json) {
 
 }  // namespace
 
-UndoStore::UndoStore(std::string const& database, bool isOn) : database_(database) {
+UndoStore::UndoStore(std::string const& database, bool isOn) : database_(database), isOn_(isOn) {
     std::string const state = stateFolder();
     std::error_code failed;
     fs::path const real = fs::canonical(database, failed);
@@ -186,23 +186,37 @@ void UndoStore::keep(KeptCopy& copy) {
         remove(kept[i]);
 }
 
-void UndoStore::keepLists(std::string const& command, Snapshot const& lists) {
+void UndoStore::keepIn(std::string const& command, Snapshot const& lists) {
     if (folder_.empty())
+        throw Failure("neither XDG_STATE_HOME nor HOME names a folder for it");
+    KeptCopy copy;
+    copy.command = command;
+    copy.lists = lists;
+    keep(copy);
+    last_ = std::move(copy);
+}
+
+void UndoStore::keepLists(std::string const& command, Snapshot const& lists) {
+    if (!isOn_)
         return;
     try {
-        KeptCopy copy;
-        copy.command = command;
-        copy.lists = lists;
-        keep(copy);
-        last_ = std::move(copy);
+        keepIn(command, lists);
     } catch (std::exception const& error) {
         listener().note(std::string("\"undo\" will not know of this: ") + error.what());
     }
 }
 
 void UndoStore::keepDatabase(std::string const& command) {
-    if (std::error_code failed; fs::file_size(database_, failed) != 0 && !failed)
-        keepLists(command, {});
+    std::error_code failed;
+    if (!isOn_ || (fs::file_size(database_, failed) == 0 && !failed))
+        return;
+    try {
+        keepIn(command, {});
+    } catch (std::exception const& error) {
+        throw Failure(std::string("no copy could be kept, and nothing is written (--no-undo does"
+                                  " without): ") +
+                      error.what());
+    }
 }
 
 void UndoStore::keepOnlyChanged(Snapshot const& now) {

@@ -31,6 +31,7 @@ class UndoStore {
 
     // Where nothing can be kept, the listener is told, and the command goes on.
     void keepLists(std::string const& command, Snapshot const& lists);
+    // Nothing else brings a whole database back: throws Failure where it cannot be kept.
     void keepDatabase(std::string const& command);
 
     // The write is done. Of what keepLists kept, only the lists that differ from `now` stay;
@@ -51,8 +52,10 @@ class UndoStore {
     void write(KeptCopy const& copy) const;
     void remove(int number) const;
     void keep(KeptCopy& copy);
+    void keepIn(std::string const& command, Snapshot const& lists);
 
     std::string database_;
+    bool isOn_;
     std::string folder_;  // "" when nothing is kept
     KeptCopy last_;       // what waits for the write; number 0 without
 };

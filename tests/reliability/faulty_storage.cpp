@@ -51,10 +51,11 @@ int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
     return errorStrikes() ? SQLITE_IOERR_TRUNCATE : realOf(file)->xTruncate(file, size);
 }
 
-// A killed process loses nothing that it has written, so nothing has to reach the disk.
-int syncFile(sqlite3_file*, int) {
+int syncFile(sqlite3_file* file, int flags) {
     killIfStruck();
-    return errorStrikes() ? SQLITE_IOERR_FSYNC : SQLITE_OK;
+    if (errorStrikes())
+        return SQLITE_IOERR_FSYNC;
+    return flushes ? realOf(file)->xSync(file, flags) : SQLITE_OK;
 }
 
 int fileSize(sqlite3_file* file, sqlite3_int64* size) {
@@ -117,9 +118,10 @@ int openFile(sqlite3_vfs*, char const* name, sqlite3_file* file, int flags, int*
     return code;
 }
 
-int deleteFile(sqlite3_vfs*, char const* name, int) {
+int deleteFile(sqlite3_vfs*, char const* name, int flushDirectory) {
     killIfStruck();
-    return errorStrikes() ? SQLITE_IOERR_DELETE : real->xDelete(real, name, 0);
+    return errorStrikes() ? SQLITE_IOERR_DELETE
+                          : real->xDelete(real, name, flushes ? flushDirectory : 0);
 }
 
 int accessFile(sqlite3_vfs*, char const* name, int flags, int* result) {

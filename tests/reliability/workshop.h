@@ -38,7 +38,8 @@ class Workshop {
     std::string rows(char const* sql) const;
     /// True while the database file is, byte by byte, as it was made.
     bool isUntouched() const;
-    /// The OTT database.
+    /// The channel database, and the OTT database.
+    std::string const& file() const { return file_; }
     std::string ottFile() const;
 
   private:

@@ -119,6 +119,7 @@ TEST_F(ToolTest, OpensOnlyChannelDatabasesAndCreatesNone) {
 
 TEST_F(ToolTest, SaysThatADatabaseIsLocked) {
     std::string const before = content("set.db");
+    output("backup copy.db");
     channel_database::ChannelDatabase other((folder / "set.db").string());
     other.rows("BEGIN EXCLUSIVE");  // until this process closes any descriptor of the file
     expect({"folders", 1, nullptr, "channellist: set.db is locked by another process\n"});
@@ -127,6 +128,8 @@ TEST_F(ToolTest, SaysThatADatabaseIsLocked) {
     EXPECT_EQ(content("out"),
               "channellist: waiting for another process that uses set.db (Ctrl-C to stop)\r\n"
               "channellist: set.db is locked by another process\r\n");
+    system((terminal + " restore copy.db -n --db set.db' /dev/null >out </dev/null").c_str());
+    EXPECT_THAT(content("out"), HasSubstr("waiting for another process that uses set.db (Ctrl-C"));
     EXPECT_EQ(run("edit --db set.db FAV1 move 1 to 9", "timeout -s INT --preserve-status 0.2"),
               130);
     other.rows("ROLLBACK");

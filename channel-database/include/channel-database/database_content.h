@@ -15,12 +15,14 @@ void checkReplaceable(std::string const& path);
 /// one else writes to. SQLite's backup interface does it in one transaction: the locks of other
 /// processes are waited for, up to ten seconds, an unfinished journal or write-ahead log is settled
 /// first, and the file itself stays, with its owner, mode and links. Journal mode and page size
-/// stay as well. Throws std::runtime_error; the content is the old one then.
+/// stay as well. It is flushed to the disk, the removal of the journal included. Throws
+/// std::runtime_error; the content is the old one then.
 void replaceContent(sqlite3* source, std::string const& path);
 
-/// Makes the file `path` with the content of `source`. It has no name until it is whole and flushed
-/// (on file systems that cannot do so: a name of its own beside it), and replaces nothing. Throws
-/// std::runtime_error, also when `path` exists.
+/// Makes the file `path` with the content of `source`, in the mode of the rollback journal, so that
+/// it can be read from a medium that nothing can be written to. It has no name until it is whole
+/// and flushed (on file systems that cannot do so: a name of its own beside it), and replaces
+/// nothing. The name is flushed, too. Throws std::runtime_error, also when `path` exists.
 void writeNewFile(sqlite3* source, std::string const& path);
 
 /// Makes the file `file` with one state of the database at `path`, as writeNewFile does. Others may

@@ -31,8 +31,10 @@ void addRestoreCommand(CommandLine& line) {
         .flag("-n,--dry-run", options->dryRun, "tell what would change, and write nothing")
         .noUndo(options->noUndo)
         .footer(
-            "The database keeps its file, owner and mode; its content changes as a whole or not\n"
-            "at all. A database that another process writes to is waited for, up to ten seconds.\n"
+            "A copy that is damaged or no whole channel database is refused. The database keeps\n"
+            "its file, owner and mode; its content changes as a whole or not at all. A database\n"
+            "that another process writes to is waited for, up to ten seconds. Where no copy of it\n"
+            "can be kept for \"undo\", nothing is written unless --no-undo is given.\n"
             "\nExamples:\n"
             "  channellist restore before-the-scan.db --dry-run\n"
             "  channellist restore before-the-scan.db")
