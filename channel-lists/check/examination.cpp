@@ -92,6 +92,9 @@ int compareBytes(void* /*unused*/, int one, void const* a, int other, void const
 // An owner's own rules of comparison: any order does for a look. The library has none of them, so
 // what it reads and writes is tried on copies without.
 void makeCollation(void* /*unused*/, sqlite3* connection, int /*encoding*/, char const* name) {
+    for (char const* own : {"BINARY", "NOCASE", "RTRIM"})
+        if (sqlite3_stricmp(name, own) == 0)
+            return;  // SQLite asks for its own in UTF-16, too, and makes them itself
     sqlite3_create_collation(connection, name, SQLITE_UTF8, nullptr, compareBytes);
 }
 
