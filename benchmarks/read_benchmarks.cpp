@@ -117,6 +117,17 @@ void requestWithoutRows(benchmark::State& state) {
     runByTurns(state, {{"request", request}, {"parsing", parse}});
 }
 
+// What a process pays that looks for changes of a list: the question whether anybody has committed,
+// and its answer when nobody has.
+void lookForChanges(benchmark::State& state) {
+    DatabaseCopy const file({1000});
+    Connection const connection(file.path());
+    db = connection.get();
+    runByTurns(state, {{"look", [] {
+                            sqlexec(db, "PRAGMA data_version", nullptr, nullptr, nullptr);
+                        }}});
+}
+
 void resultMemory(benchmark::State& state) {
     int const services = static_cast<int>(state.range(0));
     DatabaseCopy const file({services});
@@ -149,6 +160,7 @@ BENCHMARK_CAPTURE(serviceList, indexed, Indexes::Recommended)->Arg(12)->Apply(ma
 BENCHMARK(firstRequest)->Arg(12)->Apply(manyRounds);
 BENCHMARK(folderList)->Arg(kListCount)->Apply(manyRounds);
 BENCHMARK(requestWithoutRows)->Apply(manyRounds);
+BENCHMARK(lookForChanges)->Apply(manyRounds);
 BENCHMARK(resultMemory)->Arg(20000)->Iterations(1);
 
 }  // namespace

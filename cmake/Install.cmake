@@ -1,7 +1,7 @@
 # What `cmake --install` puts into a prefix, by component:
 #
 #   runtime      the library, under its SONAME
-#   development  headers, link name, CMake package, pkg-config file
+#   development  headers, link name, CMake package, pkg-config file, documentation and examples
 #   tools        the command `channellist`, its manual page and completion
 #   stand-in     the debug library of this repository, where none of the set's own is named
 include(CMakePackageConfigHelpers)
@@ -71,6 +71,10 @@ install(CODE "
     COMPONENT development)
 install(FILES "${package_build_dir}/channellist-access.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+install(DIRECTORY docs/ DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+    FILES_MATCHING PATTERN "*.cpp")
 
 if(NOT CHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY)
     install(TARGETS orv-debug

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kAutomatic = 999;
 constexpr int kAutomaticQam = 998;
+constexpr char const* kNoParameters = "M999";
 constexpr std::string_view kPolarizations = "HVLR";
 
 /// A parameter's letter and the values it may have; any up to 65535 when none is named.
@@ -41,6 +42,10 @@ std::vector<ParameterRule> const& parameterRules() {
     };
     return rules;
 }
+
+/// The stream types of H.264 and HEVC, where the video pid itself says that nothing is known.
+constexpr std::string_view kUnknownVideo = "8191=";
+constexpr std::string_view kHighDefinitionTypes[] = {"27", "36"};
 
 std::vector<std::string> split(std::string_view text, char separator) {
     std::vector<std::string> parts;
@@ -133,6 +138,42 @@ void checkSource(std::string const& source) {
         throw LineError("source '" + source + "' is no satellite, cable or terrestrial source");
 }
 
+void readVideoPid(std::string const& field, Channel& channel) {
+    channel.videoPid = field;
+    std::string_view rest = field;
+    if (!leadingNumber(rest))
+        throw LineError("video pid '" + field + "' is no number");
+    if (field.compare(0, kUnknownVideo.size(), kUnknownVideo) != 0)
+        return;
+    std::string const type = field.substr(kUnknownVideo.size());
+    channel.highDefinition =
+        std::find(std::begin(kHighDefinitionTypes), std::end(kHighDefinitionTypes), type) !=
+        std::end(kHighDefinitionTypes);
+}
+
+bool isWordLetter(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+           (static_cast<unsigned char>(c) & 0x80) != 0;
+}
+
+bool hasWord(std::string_view text, std::string_view word) {
+    for (auto at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
+        std::size_t const end = at + word.size();
+        if ((at == 0 || !isWordLetter(text[at - 1])) &&
+            (end == text.size() || !isWordLetter(text[end])))
+            return true;
+    }
+    return false;
+}
+
+/// A colon would end the field, a semicolon the name.
+std::string nameText(std::string name) {
+    std::replace(name.begin(), name.end(), ';', ',');
+    return withBars(std::move(name));
+}
+
+std::string orZero(std::string const& field) { return field.empty() ? "0" : field; }
+
 void readConditionalAccess(std::string const& field, Channel& channel) {
     for (std::string const& part : split(field, ','))
         if (int const id = numberField("conditional access", part, 0xFFFF, 16))
@@ -158,7 +199,7 @@ Channel parseChannel(std::string const& line) {
     fields.resize(13, "0");
 
     Channel channel;
-    readNames(fields[0], channel);
+    readNames(line.substr(0, line.find(':')), channel);  // blanks around a name belong to it
     channel.frequency = numberField("frequency", fields[1], 2147483647);
     if (channel.frequency == 0)
         throw LineError("the frequency is 0");
@@ -166,10 +207,7 @@ Channel parseChannel(std::string const& line) {
     channel.source = fields[3];
     checkSource(channel.source);
     channel.symbolRate = numberField("symbol rate", fields[4], 2147483647);
-    channel.videoPid = fields[5];
-    std::string_view pid = channel.videoPid;
-    if (!leadingNumber(pid))
-        throw LineError("video pid '" + channel.videoPid + "' is no number");
+    readVideoPid(fields[5], channel);
     channel.audioPids = fields[6];
     channel.teletextPid = fields[7];
     readConditionalAccess(fields[8], channel);
@@ -181,24 +219,28 @@ Channel parseChannel(std::string const& line) {
 }
 
 std::string formatChannel(Channel const& channel) {
-    std::string names = withBars(channel.name);
-    // The last comma ends the name, so a name with commas needs one more.
-    if (!channel.shortName.empty() || names.find(',') != std::string::npos)
-        names += "," + withBars(channel.shortName);
+    std::string names = nameText(channel.name);
+    // The last comma ends the name, so a name with commas needs one more; an empty one has only it.
+    if (!channel.shortName.empty() || names.empty() || names.find(',') != std::string::npos) {
+        std::string shortName = nameText(channel.shortName);
+        std::replace(shortName.begin(), shortName.end(), ',', ' ');
+        names += "," + shortName;
+    }
     if (!channel.provider.empty())
         names += ";" + withBars(channel.provider);
+    std::string const parameters = channel.parameterText();
     std::string access;
     for (int const id : channel.conditionalAccess)
         access += (access.empty() ? "" : ",") + hexadecimal(id);
     std::string const fields[] = {names,
                                   std::to_string(channel.frequency),
-                                  channel.parameterText(),
+                                  parameters.empty() ? kNoParameters : parameters,
                                   channel.source,
                                   std::to_string(channel.symbolRate),
-                                  channel.videoPid,
-                                  channel.audioPids,
-                                  channel.teletextPid,
-                                  access.empty() ? "0" : access,
+                                  orZero(channel.videoPid),
+                                  orZero(channel.audioPids),
+                                  orZero(channel.teletextPid),
+                                  orZero(access),
                                   std::to_string(channel.serviceId),
                                   std::to_string(channel.networkId),
                                   std::to_string(channel.transportStreamId),
@@ -235,6 +277,19 @@ int Channel::orbitalPosition() const {
 bool Channel::isRadio() const {
     std::string_view rest = videoPid;
     return leadingNumber(rest).value_or(0) <= 1;  // 1 stands for encrypted radio
+}
+
+bool Channel::isHighDefinition() const {
+    return !isRadio() && highDefinition.value_or(hasWord(name, "HD") || hasWord(name, "UHD"));
+}
+
+std::string Channel::id() const {
+    // Lists without ids know a transponder by its frequency alone.
+    bool const hasIds = networkId != 0 || transportStreamId != 0;
+    std::string text = source + "-" + std::to_string(networkId) + "-" +
+                       std::to_string(hasIds ? transportStreamId : frequencyInKHz() / 1000) + "-" +
+                       std::to_string(serviceId);
+    return radioId == 0 ? text : text + "-" + std::to_string(radioId);
 }
 
 bool Channel::isEncrypted() const {

@@ -26,15 +26,23 @@ std::optional<int> takeHidden(std::string_view& text) {
     return number;
 }
 
+bool hasFieldsOfChannel(std::string_view line) {
+    constexpr int kLeastColons = 8;
+    return std::count(line.begin(), line.end(), ':') >= kLeastColons;
+}
+
 /// Gathers a list line by line.
 struct ListReader {
     void read(std::string_view line, int lineNumber) {
-        if (line.empty())
+        std::string_view const content = trimmed(line);
+        std::string_view const behindColon =
+            content.substr(0, 1) == ":" ? content.substr(1) : content;
+        if (content.empty())
             return;
-        if (line[0] == ':')
-            readGroup(line.substr(1));
-        else if (line.substr(0, kOwnComment.size()) == kOwnComment)
-            readComment(line.substr(kOwnComment.size()), lineNumber);
+        if (behindColon.substr(0, kOwnComment.size()) == kOwnComment)
+            readComment(behindColon.substr(kOwnComment.size()), lineNumber);
+        else if (line[0] == ':' || (content[0] == ':' && !hasFieldsOfChannel(content)))
+            readGroup(behindColon);
         else
             readChannel(line, lineNumber);
     }
@@ -45,7 +53,7 @@ struct ListReader {
             channel.number = nextNumber++;
             channel.mark = std::exchange(mark, 0);
         } catch (LineError const& error) {
-            if (line[0] != '#')
+            if (trimmed(line)[0] != '#')
                 list.rejected.push_back({lineNumber, error.what()});
         }
     }
@@ -103,7 +111,6 @@ struct ListReader {
 }  // namespace
 
 bool isChannelsConf(std::string_view text) {
-    constexpr int kLeastColons = 8;
     bool isEmpty = true;
     while (!text.empty()) {
         std::string_view const line = text.substr(0, text.find('\n'));
@@ -111,8 +118,7 @@ bool isChannelsConf(std::string_view text) {
         std::string_view const content = trimmed(line);
         if (content.empty() || (content[0] == '#' && content.find(kOwnComment) != 0))
             continue;
-        if (content[0] == ':' || content[0] == '#' ||
-            std::count(content.begin(), content.end(), ':') >= kLeastColons)
+        if (content[0] == ':' || content[0] == '#' || hasFieldsOfChannel(content))
             return true;
         isEmpty = false;
     }
@@ -128,7 +134,7 @@ ChannelsConf parseChannelsConf(std::istream& text) {
             line.erase(0, 3);
         if (!isUtf8(line))
             line = latin1ToUtf8(line);
-        reader.read(trimmed(line), lineNumber);
+        reader.read(line, lineNumber);
     }
     return std::move(reader.list);
 }
@@ -139,6 +145,6 @@ std::string formatHidden(Channel const& channel, int number) {
     return formatOther(std::to_string(number) + std::string(kHidden) + formatChannel(channel));
 }
 
-std::string formatOther(std::string const& text) { return std::string(kOwnComment) + text; }
+std::string formatOther(std::string const& text) { return ":" + std::string(kOwnComment) + text; }
 
 }  // namespace channel_database

@@ -33,9 +33,9 @@ Connection openTemporary(int pageSize) {
 
 }  // namespace
 
-void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
-                      ImportProgress const& progress,
-                      std::function<void()> const& beforeReplacing) {
+std::size_t makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
+                             ImportProgress const& progress,
+                             std::function<void()> const& beforeReplacing) {
     struct stat file;
     bool const exists = lstat(path.c_str(), &file) == 0;
     if (exists && !replace)
@@ -50,11 +50,12 @@ void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool re
     Connection const temporary = openTemporary(exists ? pageSize(path) : kDefaultPageSize);
     // Indexes that grow row by row would take most of the time.
     ChannelDatabase database(temporary.get(), Indexes::PrimaryKeysOnly);
-    importChannels(database, list, progress);
+    std::size_t const services = importChannels(database, list, progress);
     createSchema(temporary.get(), Indexes::Recommended);
     if (exists && beforeReplacing)
         beforeReplacing();
     (exists ? replaceContent : writeNewFile)(temporary.get(), path);
+    return services;
 }
 
 }  // namespace channel_database

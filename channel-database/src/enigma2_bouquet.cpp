@@ -51,6 +51,7 @@ std::optional<Channel> referenceOf(std::string_view text) {
     channel.transportStreamId = static_cast<int>((*numbers)[4] & 0xFFFF);
     channel.networkId = static_cast<int>((*numbers)[5] & 0xFFFF);
     channel.source = sourceOf((*numbers)[6]);
+    channel.place = (*numbers)[6];
     std::string const given = shownText(nameIn(text));
     channel.name = given.empty() ? tripletText(channel) : given;
     channel.videoPid = isRadioType(static_cast<int>((*numbers)[2])) ? "0" : "8191";
@@ -81,7 +82,7 @@ struct BouquetReader {
         isNamed = channel.has_value();
         bool const isMarker = text.substr(0, 5) == "1:64:";
         if (!channel && !isMarker)
-            list.rejected.push_back({number, "no DVB service: " + std::string(text)});
+            list.rejected.push_back({number, "no DVB service", std::string(text)});
         if (!channel)
             return;
         channel->group = static_cast<int>(list.groups.size()) - 1;
@@ -116,13 +117,17 @@ class KnownServices {
         for (Channel const& channel : channels)
             services_.emplace(tripletText(channel), channel);
     }
-    // The one from the same source, else any; null without one.
+    // The one of the same place, or else source, else any; null without one.
     Channel const* find(Channel const& reference) const {
         auto const [first, last] = services_.equal_range(tripletText(reference));
-        for (auto service = first; service != last; ++service)
-            if (service->second.source == reference.source)
+        Channel const* ofSource = nullptr;
+        for (auto service = first; service != last; ++service) {
+            if (service->second.place == reference.place)
                 return &service->second;
-        return first == last ? nullptr : &first->second;
+            if (ofSource == nullptr && service->second.source == reference.source)
+                ofSource = &service->second;
+        }
+        return ofSource != nullptr || first == last ? ofSource : &first->second;
     }
 
   private:
@@ -144,7 +149,7 @@ void append(ChannelsConf bouquet, std::string const& file, KnownServices const& 
         list.channels.push_back(std::move(channel));
     }
     for (RejectedLine& rejected : bouquet.rejected)
-        list.rejected.push_back({rejected.line, file + ": " + rejected.reason});
+        list.rejected.push_back({rejected.line, rejected.reason, rejected.text, file});
 }
 
 }  // namespace
@@ -176,7 +181,7 @@ ChannelsConf readEnigma2Folder(std::string const& folder) {
         if (in)
             append(parseBouquet(in), file, services, list);
         else
-            list.rejected.push_back({0, "bouquets.tv names " + file + ", which cannot be read"});
+            list.rejected.push_back({0, "bouquets.tv names a file that cannot be read", file});
     }
     return list;
 }
@@ -185,11 +190,11 @@ std::string formatBouquetName(std::string const& name) { return "#NAME " + name;
 
 std::string formatBouquetEntry(Channel const& channel) {
     char text[96];
-    std::snprintf(text, sizeof text,
-                  "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:", static_cast<unsigned>(serviceType(channel)),
-                  static_cast<unsigned>(channel.serviceId),
-                  static_cast<unsigned>(channel.transportStreamId),
-                  static_cast<unsigned>(channel.networkId), enigma2Place(channel));
+    std::snprintf(
+        text, sizeof text,
+        "#SERVICE 1:0:%X:%X:%X:%X:%X:0:0:0:", static_cast<unsigned>(serviceType(channel)),
+        static_cast<unsigned>(channel.serviceId), static_cast<unsigned>(channel.transportStreamId),
+        static_cast<unsigned>(channel.networkId), channel.place.value_or(enigma2Place(channel)));
     return text;
 }
 

@@ -3,9 +3,11 @@
 
 #include <channel-database/channels_conf.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,17 +51,24 @@ constexpr int kTvType = 1;
 constexpr int kRadioType = 2;
 constexpr int kHdTvType = 25;
 
-inline bool isRadioType(int type) { return type == kRadioType || type == 10; }
+constexpr int kTvTypes[] = {1, 17, 22, 25, 28, 31, 32};  // MPEG-2, AVC, 3D, HEVC
+constexpr int kRadioTypes[] = {2, 10};
 
-/// MPEG-2, AVC and HEVC services of high definition.
-inline bool isHighDefinitionType(int type) { return type == 17 || type == kHdTvType || type == 31; }
-
-inline int serviceType(Channel const& channel) {
-    return channel.isRadio() ? kRadioType : channel.highDefinition ? kHdTvType : kTvType;
+template <std::size_t Count>
+bool isOneOf(int const (&types)[Count], int type) {
+    return std::find(std::begin(types), std::end(types), type) != std::end(types);
 }
 
-/// Data, CI and MHP services, which nobody watches.
-inline bool isData(int type) { return type >= 12 && type <= 16; }
+inline bool isRadioType(int type) { return isOneOf(kRadioTypes, type); }
+
+/// All others are data, of an operator's own, or nothing that anybody watches.
+inline bool isWatched(int type) { return isOneOf(kTvTypes, type) || isRadioType(type); }
+
+inline bool isHighDefinitionType(int type) { return type == 17 || type >= kHdTvType; }
+
+inline int serviceType(Channel const& channel) {
+    return channel.isRadio() ? kRadioType : channel.isHighDefinition() ? kHdTvType : kTvType;
+}
 
 /// Names carry control characters that mark their short form.
 inline std::string shownText(std::string_view text) {

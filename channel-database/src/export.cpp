@@ -11,8 +11,6 @@
 namespace channel_database {
 namespace {
 
-constexpr int kUnknownAccess = 0xFFFF;
-
 /// The numbers of a tuning URI, by name.
 std::map<std::string, int> numbersOf(std::string_view uri) {
     std::map<std::string, int> numbers;
@@ -73,11 +71,12 @@ void setParameters(std::map<std::string, int>& numbers, Delivery delivery, Chann
         {'C', modcod.codeRate},
         {'I', numbers["inversion"]},
         {'M', modcod.modulation},
-        {'P', numbers["groupid"] << 8 | numbers["plpid"]},
     };
     for (auto const& [letter, value] : parameters)
         if (value != 0)
             channel.parameters[letter] = value;
+    if (delivery == Delivery::DvbT2 || delivery == Delivery::DvbC2)  // where 0 is a PLP, too
+        channel.parameters['P'] = numbers["groupid"] << 8 | numbers["plpid"];
     bool const second =
         delivery == Delivery::DvbT2 || delivery == Delivery::DvbC2 || delivery == Delivery::DvbS2;
     if (second || channel.source[0] != 'C')
@@ -101,7 +100,8 @@ std::optional<Channel> channelOf(StoredService const& service) {
     setSource(numbers, delivery, channel);
     channel.frequency = numbers["frequency"];
     setParameters(numbers, delivery, channel);
-    channel.videoPid = service.radio ? "0" : "8191";
+    channel.shortName = oneLine(service.shortName);
+    channel.videoPid = service.radio ? "0" : service.highDefinition ? "8191=27" : "8191=2";
     channel.highDefinition = service.highDefinition;
     channel.audioPids = "0";
     channel.teletextPid = "0";
@@ -111,6 +111,27 @@ std::optional<Channel> channelOf(StoredService const& service) {
     channel.networkId = numbers["onid"];
     channel.transportStreamId = numbers["tsid"];
     return channel;
+}
+
+std::vector<std::string> lossesOf(StoredService const& service) {
+    auto numbers = numbersOf(service.uri);
+    struct Loss {
+        bool applies;
+        char const* words;
+    };
+    int const satellite = numbers["satid"];
+    Loss const losses[] = {
+        {numbers["dvbtpriority"] != 0, "the hierarchy of DVB-T"},
+        {numbers["datasliceid"] != 0, "the data slice of DVB-C2"},
+        {numbers["slotconfig"] != 0, "the slot of the access module"},
+        {satellite != 0 && satelliteNumber(satellitePosition(satellite)) != satellite,
+         "the number of a satellite whose position is not known"},
+    };
+    std::vector<std::string> words;
+    for (Loss const& loss : losses)
+        if (loss.applies)
+            words.emplace_back(loss.words);
+    return words;
 }
 
 Channel inVdrUnits(Channel channel) {

@@ -1,9 +1,13 @@
 #include <channel-database/import.h>
 
+#include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "set_numbers.h"
 
@@ -17,6 +21,18 @@ constexpr int kNoNetwork = -1;  // of a list whose services come from many
 constexpr char const* kInputs[] = {"hdmi1", "hdmi2",  "hdmi3",    "hdmi4",    "AV1",      "AVS",
                                    "PC IN", "ANALOG", "SPDIF IN", "SCART AV", "COMPONENT"};
 
+constexpr char const* kAstraName = "Astra 19.2°E";
+
+struct DeliveryList {
+    char source;
+    char const* creator;
+    char const* name;
+    char const* uuid;
+};
+constexpr DeliveryList kDeliveryLists[] = {{'T', "servicelist://tamun.dvbt", "DVB-T", "dvbt"},
+                                           {'C', "servicelist://tamun.dvbc", "DVB-C", "dvbc"},
+                                           {'S', "servicelist://tamun.dvbs", "DVB-S", "dvbs"}};
+
 /// Low and high band of the universal LNB, whose switching frequency is 11.7 GHz.
 int bandNumber(int kHz) {
     if (kHz < 10700000 || kHz > 12750000)
@@ -24,11 +40,12 @@ int bandNumber(int kHz) {
     return kHz < 11700000 ? 1 : 2;
 }
 
-/// VDR's list says nothing about the picture, so the name has to: "ZDF HD", "Ultra HD", "UHD1".
-bool isHighDefinition(Channel const& channel) {
-    bool const isNamedSo = channel.name.find("HD") != std::string::npos;
-    return !channel.isRadio() && (channel.highDefinition || isNamedSo);
-}
+/// A service, and the line that made it.
+struct KnownService {
+    Service service;
+    Channel const* channel;
+    std::string transponder;
+};
 
 class Importer {
   public:
@@ -61,6 +78,8 @@ class Importer {
             addFavourite(channel);
         else if (channel.isReference)
             addReference(channel);
+        else if (auto const list = ownList(channel))
+            addToOwnList(channel, *list);
         else
             addChannel(channel);
     }
@@ -73,52 +92,136 @@ class Importer {
         return 0;
     }
 
+    std::size_t services() const { return madeServices_; }
+
   private:
+    using Place = std::pair<Id, Id>;  // list and service
+
+    /// In a group, a service that stands elsewhere is the same one in a further list.
     void addChannel(Channel const& channel) {
-        Service service = makeService(channel);
-        services_.emplace(channelId(channel), service);
-        Id const delivery = deliveryList(channel);
-        put(channel, delivery, service, channel.number);
-        put(channel, all_, service, channel.number).original(delivery);
-        if (channel.orbitalPosition() == kAstraPosition) {
-            Id const astra = listOf("servicelist://tamun.Astra 19.2°E", "Astra 19.2°E",
-                                    "astra-19.2e", kAstraNetwork);
-            put(channel, astra, service, channel.number);
+        if (channel.group < 0) {
+            makeChannel(channel, channel.number);
+            return;
         }
-        if (channel.group >= 0 && favIndexOf(channel) == 0)
-            addToGroup(channel, service, delivery);
+        Id const list = userList(channel);
+        KnownService* known = find(channel, list);
+        bool const isNew = known == nullptr;
+        if (isNew)
+            known = &makeChannel(channel, channel.number);
+        bool const isNumbered = !isNew && isOfKnown(channel.group);
+        putInto(list, channel, *known, isNumbered ? numberIn(list, channel) : ++counts_[list]);
     }
 
-    /// A channel that stands elsewhere in the list, too, is one service.
+    /// A group of the name of a list that is made anyway says what number each channel has there.
+    void addToOwnList(Channel const& channel, Id list) {
+        Id const number = numberIn(list, channel);
+        KnownService* known = find(channel, list);
+        if (known == nullptr)
+            known = &makeChannel(channel, number);
+        auto const item = items_.find({list, known->service});
+        if (item == items_.end())
+            putInto(list, channel, *known, number);
+        else
+            item->second.deleted(channel.hidden).set("ChannelNum", number);
+        used_.insert({list, known->service});
+    }
+
     void addFavourite(Channel const& channel) {
-        if (services_.count(channelId(channel)) == 0) {
-            if (channel.isReference)
-                return;  // to a service that the list does not have
-            Channel shown = channel;
-            shown.hidden = false;
-            addChannel(shown);
-        }
         int const index = favIndexOf(channel);
         Id const fav = lists_.at("fav" + std::to_string(index));
-        Service& service = services_.at(channelId(channel));
-        Id const number = channel.mark != 0 ? channel.mark : counts_[fav] + 1;
-        if (!channel.hidden)
-            counts_[fav] = number;
-        put(channel, fav, service, number).original(deliveryList(channel));
-        service.favTag(index);
+        KnownService* known = find(channel, fav);
+        if (known == nullptr && channel.isReference)
+            return;  // to a service that the list does not have
+        if (known == nullptr) {
+            shown_.push_back(channel);
+            shown_.back().hidden = false;
+            known = &makeChannel(shown_.back(), channel.number);
+        }
+        putInto(fav, channel, *known, numberIn(fav, channel));
+        known->service.favTag(index);
     }
 
     /// A group of references shows services that stand elsewhere.
     void addReference(Channel const& channel) {
-        auto const known = services_.find(channelId(channel));
-        if (known != services_.end())
-            addToGroup(channel, known->second, deliveryList(channel));
+        if (channel.group < 0 || services_.count(channel.id()) == 0)
+            return;
+        Id const list = userList(channel);
+        if (KnownService* const known = find(channel, list))
+            putInto(list, channel, *known, ++counts_[list]);
+    }
+
+    KnownService& makeChannel(Channel const& channel, Id number) {
+        auto& known = services_[channel.id()];
+        ++madeServices_;
+        known.push_back({makeService(channel), &channel, transponderText(channel)});
+        Service const& service = known.back().service;
+        Id const delivery = deliveryList(channel);
+        put(channel, delivery, service, number);
+        put(channel, all_, service, number).original(delivery);
+        if (channel.orbitalPosition() == kAstraPosition)
+            put(channel, astraList(), service, number);
+        return known.back();
+    }
+
+    /// The service that a channel of `list` names: one of the same ids and transponder that the
+    /// list does not have yet, first of all one whose line is the same; null without one.
+    KnownService* find(Channel const& channel, Id list) {
+        auto const same = services_.find(channel.id());
+        if (same == services_.end())
+            return nullptr;
+        KnownService* best = nullptr;
+        int bestFit = -1;
+        std::string const transponder = transponderText(channel);
+        for (KnownService& each : same->second) {
+            bool const isThere = each.transponder == transponder;
+            if (used_.count({list, each.service}) != 0 || !(isThere || isLoose(channel)))
+                continue;
+            int const fit = (isThere ? 2 : 0) + (each.channel->name == channel.name ? 1 : 0);
+            if (fit > bestFit) {
+                best = &each;
+                bestFit = fit;
+            }
+        }
+        return best;
+    }
+
+    /// Favourites and references are found on a transponder that has changed, too.
+    bool isLoose(Channel const& channel) const {
+        return channel.isReference || favIndexOf(channel) != 0;
+    }
+
+    /// Whether all channels of the group stand in front of all groups, as when a database is
+    /// exported: such a group counts by itself.
+    bool isOfKnown(int group) {
+        if (inFront_.empty()) {
+            inFront_.assign(list_.groups.size(), true);
+            std::set<std::string> ids;
+            for (Channel const& each : list_.channels)
+                if (each.group < 0)
+                    ids.insert(each.id());
+                else if (ids.count(each.id()) == 0)
+                    inFront_[static_cast<std::size_t>(each.group)] = false;
+        }
+        return inFront_[static_cast<std::size_t>(group)];
+    }
+
+    Id numberIn(Id list, Channel const& channel) {
+        Id const number = channel.mark != 0 ? channel.mark : counts_[list] + 1;
+        if (!channel.hidden)
+            counts_[list] = number;
+        return number;
+    }
+
+    void putInto(Id list, Channel const& channel, KnownService const& known, Id number) {
+        used_.insert({list, known.service});
+        put(channel, list, known.service, number).original(deliveryList(channel));
     }
 
     Item put(Channel const& channel, Id list, Service const& service, Id number) {
         Item item = database_.put(list, service, number);
         if (channel.hidden)
             item.deleted();
+        items_.emplace(Place(list, service), item);
         return item;
     }
 
@@ -137,22 +240,34 @@ class Importer {
     }
 
     Id deliveryList(Channel const& channel) {
-        switch (channel.source[0]) {
-            case 'T':
-                return listOf("servicelist://tamun.dvbt", "DVB-T", "dvbt");
-            case 'C':
-                return listOf("servicelist://tamun.dvbc", "DVB-C", "dvbc");
-            default:
-                return listOf("servicelist://tamun.dvbs", "DVB-S", "dvbs");
-        }
+        for (DeliveryList const& each : kDeliveryLists)
+            if (each.source == channel.source[0])
+                return listOf(each.creator, each.name, each.uuid);
+        return all_;  // a source has no other letter
     }
 
-    void addToGroup(Channel const& channel, Service& service, Id delivery) {
+    Id astraList() {
+        return listOf("servicelist://tamun.Astra 19.2°E", kAstraName, "astra-19.2e", kAstraNetwork);
+    }
+
+    std::optional<Id> ownList(Channel const& channel) {
+        if (channel.group < 0)
+            return std::nullopt;
+        std::string const& group = groupOf(channel);
+        for (DeliveryList const& each : kDeliveryLists)
+            if (group == each.name)
+                return listOf(each.creator, each.name, each.uuid);
+        return group == kAstraName ? std::optional<Id>(astraList()) : std::nullopt;
+    }
+
+    /// Groups of one name are one; of the channels of a group, TV and radio have a list each.
+    Id userList(Channel const& channel) {
         std::string const kind = channel.isRadio() ? "radio" : "tv";
-        std::string const number = std::to_string(channel.group + 1);
-        Id const user =
-            listOf("User." + kind + "." + number, groupOf(channel), "user-" + kind + "-" + number);
-        put(channel, user, service, ++counts_[user]).original(delivery);
+        auto const count = static_cast<int>(userGroups_.size());
+        int const index = userGroups_.emplace(groupOf(channel), count + 1).first->second;
+        std::string const number = std::to_string(index);
+        return listOf("User." + kind + "." + number, groupOf(channel),
+                      "user-" + kind + "-" + number);
     }
 
     std::string const& groupOf(Channel const& channel) const {
@@ -174,7 +289,7 @@ class Importer {
             service.radio();
         if (channel.isEncrypted())
             service.encrypted();
-        if (isHighDefinition(channel))
+        if (channel.isHighDefinition())
             service.hdtv();
         if (!channel.shortName.empty())
             service.shortName(channel.shortName).serviceName(channel.name);  // lists show the name
@@ -253,31 +368,25 @@ class Importer {
         }
     }
 
-    static std::string channelId(Channel const& channel) {
-        // Lists without ids know a transponder by its frequency alone.
-        bool const hasIds = channel.networkId != 0 || channel.transportStreamId != 0;
-        int const transponder =
-            hasIds ? channel.transportStreamId : channel.frequencyInKHz() / 1000;
-        std::string id = channel.source + "-" + std::to_string(channel.networkId) + "-" +
-                         std::to_string(transponder) + "-" + std::to_string(channel.serviceId);
-        if (channel.radioId != 0)
-            id += "-" + std::to_string(channel.radioId);
-        return id;
-    }
-
     /// The channel id; "#2" and so on behind it when the list names the channel again.
     std::string newUuid(Channel const& channel) {
-        std::string const id = channelId(channel);
+        std::string const id = channel.id();
         int const occurrence = ++uuids_[id];
         return occurrence == 1 ? id : id + "#" + std::to_string(occurrence);
     }
 
     ChannelDatabase& database_;
     ChannelsConf const& list_;
-    std::map<std::string, Id> lists_;          // by uuid
-    std::map<std::string, Id> tuners_;         // by transponder
-    std::map<std::string, Service> services_;  // by channel id, the first of each
+    std::map<std::string, Id> lists_;                            // by uuid
+    std::map<std::string, Id> tuners_;                           // by transponder
+    std::map<std::string, std::vector<KnownService>> services_;  // by channel id
+    std::set<Place> used_;                                       // what stands in a list by now
+    std::map<Place, Item> items_;
+    std::deque<Channel> shown_;  // of services that only a FAV list has
+    std::map<std::string, int> userGroups_;
+    std::vector<bool> inFront_;  // by group
     std::map<std::string, int> uuids_;
+    std::size_t madeServices_ = 0;
     std::map<Id, Id> counts_;  // of the items of the lists that count from 1
     Id all_;
     Id av_;
@@ -285,8 +394,8 @@ class Importer {
 
 }  // namespace
 
-void importChannels(ChannelDatabase& database, ChannelsConf const& list,
-                    ImportProgress const& progress) {
+std::size_t importChannels(ChannelDatabase& database, ChannelsConf const& list,
+                           ImportProgress const& progress) {
     Transaction transaction(database);
     if (database.value("SELECT count(*) FROM FavoriteList") != "0")
         throw std::runtime_error("the database holds lists already");
@@ -304,6 +413,7 @@ void importChannels(ChannelDatabase& database, ChannelsConf const& list,
     }
     importer.finish();
     transaction.commit();
+    return importer.services();
 }
 
 }  // namespace channel_database

@@ -114,8 +114,9 @@ void setProviderAndAccess(std::string_view text, Channel& channel) {
         if (part.substr(0, 2) == "p:")
             channel.provider = shownText(part.substr(2));
         else if (part.substr(0, 2) == "C:")
-            if (int const id = hexadecimalNumber(part.substr(2)).value_or(0); id != 0)
-                channel.conditionalAccess.push_back(id & 0xFFFF);
+            // 0 names no system, but is only there where one is in use.
+            if (auto const id = hexadecimalNumber(part.substr(2)))
+                channel.conditionalAccess.push_back(*id != 0 ? *id & 0xFFFF : kUnknownAccess);
         text.remove_prefix(std::min(text.size(), part.size() + 1));
     }
 }
@@ -197,18 +198,20 @@ class LamedbReader {
                     int at) {
         auto const numbers = hexadecimalFields(ids, 4);
         if (!numbers) {
-            list.rejected.push_back({at, "a service that cannot be read: " + ids});
+            list.rejected.push_back({at, "a service that cannot be read", ids});
             return;
         }
         int const type = typeOf(ids);
         auto const transponder =
             transponders_.find(transponderKey((*numbers)[1], (*numbers)[2], (*numbers)[3]));
         std::string const shown = shownText(name);
-        if (isData(type) || transponder == transponders_.end()) {
-            list.rejected.push_back(
-                {at, isData(type)
-                         ? "service type " + std::to_string(type) + " is no TV or radio: " + shown
-                         : "no transponder of the list carries it: " + shown});
+        if (!isWatched(type)) {
+            list.rejected.push_back({at, "a service type that is no TV or radio",
+                                     "type " + std::to_string(type) + ": " + shown});
+            return;
+        }
+        if (transponder == transponders_.end()) {
+            list.rejected.push_back({at, "no transponder of the list carries it", shown});
             return;
         }
         Channel channel = transponder->second;
@@ -217,7 +220,9 @@ class LamedbReader {
         channel.networkId = static_cast<int>((*numbers)[3] & 0xFFFF);
         channel.name = shown.empty() ? tripletText(channel) : shown;
         channel.videoPid = isRadioType(type) ? "0" : "8191";
-        channel.highDefinition = isHighDefinitionType(type);
+        if (isHighDefinitionType(type))
+            channel.highDefinition = true;
+        channel.place = (*numbers)[1];
         channel.audioPids = channel.teletextPid = "0";
         setProviderAndAccess(details, channel);
         channel.line = at;

@@ -89,7 +89,7 @@ class LamedbWriter {
                      std::to_string(serviceType(channel)) + ":0:0\n" + channel.name +
                      "\np:" + channel.provider;
         for (int const id : channel.conditionalAccess)
-            services_ += ",C:" + hexadecimal(id);
+            services_ += ",C:" + hexadecimal(id == kUnknownAccess ? 0 : id);
         services_ += "\n";
     }
 

@@ -40,7 +40,8 @@ bool readArguments(int argc, char** argv, Arguments& arguments) {
 
 void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
     for (RejectedLine const& rejected : list.rejected)
-        std::cerr << path << ":" << rejected.line << ": skipped: " << rejected.reason << "\n";
+        std::cerr << path << ":" << rejected.line << ": skipped: " << rejected.reason
+                  << (rejected.text.empty() ? "" : ": ") << rejected.text << "\n";
 }
 
 }  // namespace
@@ -54,10 +55,9 @@ int main(int argc, char** argv) {
     try {
         ChannelsConf const list = readChannelList(arguments.list);
         reportRejectedLines(list, arguments.list);
-        makeDatabaseFile(list, arguments.database, arguments.force);
-        std::cout << arguments.database << ": " << list.channels.size() << " channels, "
-                  << list.groups.size() << " groups, " << list.rejected.size()
-                  << " lines skipped\n";
+        std::size_t const services = makeDatabaseFile(list, arguments.database, arguments.force);
+        std::cout << arguments.database << ": " << services << " channels, " << list.groups.size()
+                  << " groups, " << list.rejected.size() << " lines skipped\n";
         return 0;
     } catch (std::exception const& error) {
         std::cerr << "make-channel-database: " << error.what() << "\n";

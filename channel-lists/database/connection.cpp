@@ -36,23 +36,25 @@ void openConnection(std::string const& path, int flags, sqlite3*& connection) {
     guard(connection);
 }
 
-sqlite3* copyInMemory(sqlite3* source) {
+sqlite3* copyInMemory(sqlite3* source, int attempts) {
     sqlite3* copy = nullptr;
     try {
         openConnection(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, copy);
-        waitWhileLocked([&] {
-            sqlite3_backup* const backup = sqlite3_backup_init(copy, "main", source, "main");
-            if (backup != nullptr)
-                sqlite3_backup_step(backup, -1);
-            int const code =
-                backup == nullptr ? sqlite3_errcode(copy) : sqlite3_backup_finish(backup);
-            std::string const sentence =
-                std::string("the database cannot be read: ") + sqlite3_errstr(code);
-            if (code == SQLITE_BUSY)
-                throw Locked(sentence);
-            if (code != SQLITE_OK)
-                throw Failure(sentence);
-        });
+        waitWhileLocked(
+            [&] {
+                sqlite3_backup* const backup = sqlite3_backup_init(copy, "main", source, "main");
+                if (backup != nullptr)
+                    sqlite3_backup_step(backup, -1);
+                int const code =
+                    backup == nullptr ? sqlite3_errcode(copy) : sqlite3_backup_finish(backup);
+                std::string const sentence =
+                    std::string("the database cannot be read: ") + sqlite3_errstr(code);
+                if (code == SQLITE_BUSY)
+                    throw Locked(sentence);
+                if (code != SQLITE_OK)
+                    throw Failure(sentence);
+            },
+            attempts);
     } catch (...) {
         sqlite3_close(copy);
         throw;

@@ -8,7 +8,7 @@
 
 namespace channel_lists {
 
-FrozenDatabase::FrozenDatabase() : file_(db) { db = copyInMemory(file_); }
+FrozenDatabase::FrozenDatabase(int attempts) : file_(db) { db = copyInMemory(file_, attempts); }
 FrozenDatabase::~FrozenDatabase() { sqlite3_close(std::exchange(db, file_)); }
 
 }  // namespace channel_lists

@@ -3,6 +3,8 @@
 
 #include <sqlite3.h>
 
+#include "database/query.h"
+
 namespace channel_lists {
 
 // While the object lives, the library and every query read a copy in memory: the database as it was
@@ -10,7 +12,8 @@ namespace channel_lists {
 // own, so that one around all reads is no way. Throws Failure when the database cannot be read.
 class FrozenDatabase {
   public:
-    FrozenDatabase();
+    // Waits that often for a database that is locked.
+    explicit FrozenDatabase(int attempts = kPatience);
     ~FrozenDatabase();
     FrozenDatabase(FrozenDatabase const&) = delete;
     FrozenDatabase& operator=(FrozenDatabase const&) = delete;

@@ -51,17 +51,18 @@ class Query {
 // The first column of the first row.
 std::int64_t queryNumber(sqlite3* connection, std::string const& sql);
 
-// What `read` gives, as soon as no other process keeps it from reading; waits as long as the
-// library's reads do.
+// The attempts of the library's reads.
+constexpr int kPatience = 50;
+
+// What `read` gives, as soon as no other process keeps it from reading.
 template <class Read>
-auto waitWhileLocked(Read read) {
-    constexpr int kMostAttempts = 50;
+auto waitWhileLocked(Read read, int attempts = kPatience) {
     constexpr int kPauseMilliseconds = 100;
     for (int attempt = 1;; ++attempt) {
         try {
             return read();
         } catch (Locked const&) {
-            if (attempt == kMostAttempts)
+            if (attempt >= attempts)
                 throw;
         }
         sqlite3_sleep(kPauseMilliseconds);

@@ -18,8 +18,9 @@
 namespace channel_lists {
 namespace {
 
-constexpr int kMostTries = 20;     // of an edit beside others of the list
+constexpr int kMostTries = 50;     // of an edit beside others of the list
 constexpr int kMostCommits = 100;  // beside writers of anything else
+constexpr int kReadAgain = 3;      // what is written already: nobody waits for long
 
 // Others that wait for their turn, too, wait for another time.
 void giveWay(int attempt) {
@@ -46,11 +47,15 @@ std::vector<std::string> requestFor(SeenList const& seen, WantedList const& want
                : otherListRequest(seen.list, seen.entries, wanted.entries, wanted.renumber);
 }
 
+bool stillStands(SeenList const& seen) {
+    return waitWhileLocked([&] { return storedState(seen.list.uuid); }) == seen.stored;
+}
+
 // False when the list is another one by now. What others write elsewhere in the file makes SQLite
 // refuse the commit, too; then the list is looked at again.
 bool commitIfUnchanged(SeenList const& seen, std::vector<std::string> const& request) {
     for (int attempt = 1; attempt <= kMostCommits; ++attempt) {
-        if (waitWhileLocked([&] { return storedState(seen.list.uuid); }) != seen.stored)
+        if (!stillStands(seen))
             return false;
         CommitGuard const guard;
         try {
@@ -59,7 +64,7 @@ bool commitIfUnchanged(SeenList const& seen, std::vector<std::string> const& req
         } catch (Failure const&) {
             if (isMoved(db))
                 throw Failure("the database was replaced or renamed meanwhile; nothing is written");
-            if (!guard.hasRefused())
+            if (!guard.hasRefused() && stillStands(seen))
                 throw;
         }
         forgetMessages();
@@ -91,7 +96,7 @@ void hideJoined(List const& list, std::vector<Entry> const& joined) {
         std::vector<Entry> entries = seen.entries;
         for (Entry const& each : joined)
             for (Entry& entry : entries)
-                if (entry.serviceId == each.serviceId && entry.number == each.number)
+                if (entry.serviceId == each.serviceId)  // others may have moved it
                     entry.deleted = true;
         if (entries == seen.entries || commitIfUnchanged(seen, favListRequest(list, entries)))
             return;
@@ -124,7 +129,7 @@ Snapshot writtenLists(Snapshot const& expected) {
     auto const version = fileVersion(file);
     Snapshot lists;
     try {
-        FrozenDatabase const frozen;
+        FrozenDatabase const frozen(kReadAgain);
         if (!version || fileVersion(file) != version)
             return expected;
         for (ListEntries const& list : expected)

@@ -53,7 +53,7 @@ Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping);
 Snapshot expectedLists(ListEdit const& edit);
 
 // Sees the list, asks what is wanted of it and writes that: again, with the list as it is then, as
-// often as somebody changed it in between, some twenty times. Throws Failure when that does not
+// often as somebody changed it in between, some fifty times. Throws Failure when that does not
 // suffice.
 Written writeAgainAndAgain(std::function<SeenList()> const& see,
                            std::function<WantedList(SeenList const&)> const& want,

@@ -19,7 +19,7 @@ std::string summary(ChannelsConf const& list) {
              << (c.isEncrypted() ? "encrypted " : "") << c.networkId << '-' << c.transportStreamId
              << '-' << c.serviceId << '\n';
     for (RejectedLine const& rejected : list.rejected)
-        text << rejected.line << ": " << rejected.reason << '\n';
+        text << rejected.line << ": " << rejected.reason << ": " << rejected.text << '\n';
     return text.str();
 }
 
@@ -60,7 +60,7 @@ TEST(Lamedb, IsReadInEveryVersion) {
         "eeee0000:0101:2114\n\tt 474000000:0:5:5:3:2:4:4:2:0:1:7\n/\n"
         "ffff0000:0801:0600\n\tc 682750:6900000:2:0:0:0:0\n/\nend\nservices\n"
         "283d:00c00000:03fb:0001:25:0:0\nDas Erste HD\np:ARD\n"
-        "2ee3:00c00000:0441:0001:1:0:0\nRTL\np:CBC,C:1837\n"
+        "2ee3:00c00000:0441:0001:1:0:0\nRTL\np:CBC,C:1837,C:0000\n"
         "0001:0e080000:0001:0002:2:0:0\nS\xC3\xBC"
         "d\np:\n"
         "0002:ffff0000:0441:0085:1:0:0\n133-1089-2\np:\n"
@@ -78,8 +78,8 @@ TEST(Lamedb, IsReadInEveryVersion) {
             summary(parsed(parseLamedb, "eDVB services /" + std::string(version) + "/\n" + older));
         text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
         EXPECT_EQ(text, expected +
-                            "21: a transponder that cannot be read\n"
-                            "44: service type 12 is no TV or radio: Data\n"
+                            "21: a transponder that cannot be read: \n"
+                            "44: a service type that is no TV or radio: type 12: Data\n"
                             "47: no transponder of the list carries it: Lost\n"
                             "50: a service that cannot be read: foul\n");
     }
@@ -97,7 +97,7 @@ TEST(Lamedb, IsReadInEveryVersion) {
     EXPECT_EQ(fifth,
               "5 Das Erste HD/ARD S19.2E 11362000 HHC23M5S1 22000 tv 1-1019-10301\n"
               "6 T2, \"again\"/ T 474000 B8P7S1 0 tv 8468-257-3\n"
-              "7: the file ends in the midst of a line\n");
+              "7: the file ends in the midst of a line: \n");
 }
 
 TEST(Bouquet, NamesServicesByTheirIds) {
@@ -117,7 +117,7 @@ TEST(Bouquet, NamesServicesByTheirIds) {
               "8: no DVB service: 4097:0:1:0:0:0:0:0:0:0:stream\n");
     EXPECT_THAT(list.groups, testing::ElementsAre("Favourites (TV)"));
     char const* const entries[] = {
-        "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:", "#SERVICE 1:0:2:1:1:2:E080000:0:0:0:",
+        "#SERVICE 1:0:19:283D:3FB:1:C02CE5:0:0:0:", "#SERVICE 1:0:2:1:1:2:E080000:0:0:0:",
         "#SERVICE 1:0:1:2:441:85:FFFF0000:0:0:0:"};
     for (std::size_t i = 0; i < std::size(entries); ++i)
         EXPECT_EQ(formatBouquetEntry(list.channels[i]), entries[i]);

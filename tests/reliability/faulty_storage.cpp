@@ -118,9 +118,10 @@ int openFile(sqlite3_vfs*, char const* name, sqlite3_file* file, int flags, int*
     return code;
 }
 
-int deleteFile(sqlite3_vfs*, char const* name, int) {
+int deleteFile(sqlite3_vfs*, char const* name, int flushDirectory) {
     killIfStruck();
-    return errorStrikes() ? SQLITE_IOERR_DELETE : real->xDelete(real, name, 0);
+    return errorStrikes() ? SQLITE_IOERR_DELETE
+                          : real->xDelete(real, name, flushes ? flushDirectory : 0);
 }
 
 int accessFile(sqlite3_vfs*, char const* name, int flags, int* result) {

@@ -45,4 +45,8 @@ extern "C" int usleep(useconds_t microseconds) {
     return platform::sleepsTakeTime ? nanosleep(&time, nullptr) : 0;
 }
 
-extern "C" int system(char const*) { return 0; }
+extern "C" int system(char const* command) {
+    if (platform::flushes && std::strcmp(command, "sync") == 0)
+        sync();
+    return 0;
+}

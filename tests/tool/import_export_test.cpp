@@ -3,7 +3,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <fstream>
 #include <set>
+#include <sstream>
 
 #include "tool_process.h"
 
@@ -21,7 +24,7 @@ TEST_F(ToolTest, ImportsAChannelListAndNamesSkippedLines) {
     write("list", "A:410:M64:C:6900:1:1:0:0:1:1:1:0\nfoul\n");
     EXPECT_EQ(run("import list new.db"), 0);
     EXPECT_EQ(out, "new.db: 1 channels, 0 groups, 1 lines skipped\n");
-    EXPECT_EQ(err, "channellist: list:2: skipped: a channel has 9 to 13 fields, this line 1\n");
+    EXPECT_EQ(err, "channellist: skipped 1: a channel has 9 to 13 fields, this line 1\n  list:2\n");
     EXPECT_EQ(rows("SELECT Name FROM Service WHERE Type = 3", "new.db"), "A");
     EXPECT_EQ(run("import list new.db"), 1);
     EXPECT_THAT(err, HasSubstr("new.db exists; --force replaces its content"));
@@ -172,17 +175,18 @@ TEST_F(ToolTest, WritesGroupsGapsAndMarksOfAList) {
     change(
         "UPDATE Service SET Name = 'A, B: C' WHERE Pid = 1;"
         "UPDATE Service SET Visible = 1, Name = 'Ja' || char(27, 10, 0x9B) || 'zz' WHERE Pid = 5");
-    EXPECT_EQ(output("export FAV1 FAV2 av"),
-              ":FAV1\n"
-              "A, B| C,:12604:HC34M2S0:S19.2E:27500:8191:0:0:0:10301:1:1019:0\n"
-              "ZDF HD:11494:HC23M5S1:S19.2E:22000:8191:0:0:0:11110:1:1011:0\n"
-              "VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
-              ":@5\n"
-              "Ja\\x1b\\x0a\\x9bzz:394000:M256:C:6900:0:0:0:0:10:3:8:0\n"
-              ":FAV2\n"
-              "#channellist 1 hidden VOX:11954:HC34M2S0:S19.2E:27500:8191:0:0:FFFF:12060:1:1089:0\n"
-              ":inputs\n"
-              "#channellist 1  shown   HDMI 1  -  id:7\n");
+    EXPECT_EQ(
+        output("export FAV1 FAV2 av"),
+        ":FAV1\n"
+        "A, B| C,:12604:HC34M2S0:S19.2E:27500:8191=2:0:0:0:10301:1:1019:0\n"
+        "ZDF HD:11494:HC23M5S1:S19.2E:22000:8191=27:0:0:0:11110:1:1011:0\n"
+        "VOX:11954:HC34M2S0:S19.2E:27500:8191=2:0:0:FFFF:12060:1:1089:0\n"
+        ":@5\n"
+        "Ja\\x1b\\x0a\\x9bzz:394000:M256:C:6900:0:0:0:0:10:3:8:0\n"
+        ":FAV2\n"
+        ":#channellist 1 hidden VOX:11954:HC34M2S0:S19.2E:27500:8191=2:0:0:FFFF:12060:1:1089:0\n"
+        ":inputs\n"
+        ":#channellist 1  shown   HDMI 1  -  id:7\n");
     for (char const* command : {"export FAV1 --format enigma2", "export FAV1 --format lamedb",
                                 "export FAV1 --format csv", "services FAV1 --json", "list FAV1"}) {
         EXPECT_THAT(output(command), HasSubstr("zz")) << command;
@@ -223,19 +227,45 @@ TEST_F(ToolTest, BringsBackEveryListThatItExported) {
     EXPECT_EQ(fav(1), kept);
 }
 
-// What was one service in several lists is one again, with its numbers and marks.
-TEST_F(ToolTest, MakesADatabaseOfItsOwnExport) {
-    write("list", output("export FAV1 FAV2 all"));
-    ASSERT_EQ(run("import list new.db"), 0);
-    for (char const* creator : {"User.tvFAV1", "User.tvFAV2", "tamun.sl2.servicelist$all"}) {
-        std::string const entries =
-            "SELECT ChannelNum, s.Name, Encrypted, isDeleted FROM FavoriteItem JOIN Service s ON"
-            " s.Pid = ServiceId WHERE FavoriteId = (SELECT Pid FROM FavoriteList WHERE Creator ="
-            " '" +
-            std::string(creator) + "') ORDER BY 1, 2";
-        EXPECT_EQ(rows(entries, "new.db"), rows(entries)) << creator;
-    }
-    ASSERT_EQ(run("services FAV1 --db new.db"), 0) << err;
+// All lists of a database make the same one: services, numbers, hidden entries.
+TEST_F(ToolTest, MakesTheSameDatabaseOfItsOwnExport) {
+    constexpr char kLists[] = "SELECT Uuid FROM FavoriteList WHERE Uuid <> 'av' ORDER BY Pid";
+    constexpr char const* kContent[] = {
+        "SELECT Uuid, Name, ShortName, ServiceName, Type, MediaType, Encrypted, Hdtv, FavTag,"
+        " FavTag2, Oid, Tid, Sid FROM Service LEFT JOIN DvbService ON ServiceId = Pid ORDER BY 1",
+        "SELECT Uuid, Name, Creator, NetworkId, MaxChannelNumber FROM FavoriteList ORDER BY 1",
+        "SELECT l.Uuid, s.Uuid, ChannelNum, isDeleted, o.Uuid FROM FavoriteItem JOIN FavoriteList l"
+        " ON l.Pid = FavoriteId JOIN FavoriteList o ON o.Pid = OriginalFavoriteId JOIN Service s"
+        " ON s.Pid = ServiceId ORDER BY 1, 2, 3",
+        "SELECT TunerUuid, Frontend FROM Tuner ORDER BY 1"};
+    std::ifstream sample(SAMPLE_CHANNELS);
+    std::stringstream text;
+    text << "Free:410: :C:6900:8191:0:0:0:1:0:0:0\n"
+         << sample.rdbuf() << ":Kino\n ;x:394000: :C:6900:0:0:0:0:8:3:8:0\n"
+         << "T2, FHD,:474:B8M256P7S1:T:0:5=36:0:0:0:9:8:7:0\n"
+         << ":FAV2\nT2:474:B8M256P7S1:T:0:5:0:0:0:9:8:7:0\n";
+    write("list", text.str());
+    ASSERT_EQ(run("import list first.db"), 0) << err;
+    change(
+        "UPDATE Service SET Name = 'A;B' WHERE Pid = 40; UPDATE Service SET Name = '' WHERE Pid = "
+        "41;"
+        "UPDATE FavoriteItem SET isDeleted = 1 WHERE Id % 9 = 0 AND FavoriteId <> 2;"
+        "UPDATE FavoriteItem SET ChannelNum = ChannelNum + 1 WHERE ChannelNum > 1 AND FavoriteId ="
+        " (SELECT Pid FROM FavoriteList WHERE Uuid = 'user-tv-1');"
+        "UPDATE FavoriteList SET MaxChannelNumber = ifnull((SELECT max(ChannelNum) FROM "
+        "FavoriteItem"
+        " WHERE FavoriteId = FavoriteList.Pid AND isDeleted = 0), 0)",
+        "first.db");
+    std::string uuids = " " + rows(kLists, "first.db");
+    std::replace(uuids.begin(), uuids.end(), ';', ' ');
+    output("export --db first.db" + uuids);
+    EXPECT_THAT(err, HasSubstr("no place for a | or ; in a name: 4 channels"));
+    EXPECT_THAT(out, Not(testing::AnyOf(HasSubstr("::"), HasSubstr("\n#"))));
+    write("again", out);
+    ASSERT_EQ(run("import again second.db"), 0) << err;
+    change("UPDATE Service SET Name = 'A,B' WHERE Pid = 40", "first.db");
+    for (char const* content : kContent)
+        EXPECT_EQ(rows(content, "first.db"), rows(content, "second.db"));
 }
 
 TEST_F(ToolTest, FindsFavouritesAgainInANewScan) {
@@ -296,7 +326,9 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
           "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:\n");
     ASSERT_EQ(run("import e2/lamedb new.db"), 0);
     EXPECT_EQ(out, "new.db: 2 channels, 0 groups, 1 lines skipped\n");
-    EXPECT_EQ(err, "channellist: e2/lamedb:17: skipped: service type 12 is no TV or radio: Data\n");
+    EXPECT_EQ(err,
+              "channellist: skipped 1: a service type that is no TV or radio\n"
+              "  e2/lamedb:17: type 12: Data\n");
     write("lamedb", output("export --db new.db --format lamedb all"));
     ASSERT_EQ(run("import lamedb again.db"), 0) << err;
     EXPECT_TRUE(content("again.db") == content("new.db")) << "the same list, the same database";
@@ -304,7 +336,7 @@ TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
     EXPECT_EQ(out, "new.db: 2 channels, 1 groups, 1 lines skipped\n");
     write("cut", "eDVB services /4/\ntransponders\n00c00000:03fb:0001\n");
     EXPECT_EQ(run("import cut cut.db"), 1);
-    EXPECT_THAT(err, HasSubstr("channellist: cut:3: skipped: the file ends in the midst of its "));
+    EXPECT_THAT(err, HasSubstr("the file ends in the midst of its transponders\n  cut:3\n"));
     ASSERT_EQ(run("services --db new.db Mine --json"), 1) << "TV and radio are lists of their own";
     EXPECT_EQ(rows("SELECT count(*) FROM Service WHERE Type <> 0", "new.db"), "2");
     EXPECT_EQ(run("import e2/userbouquet.a.tv other.db"), 1);

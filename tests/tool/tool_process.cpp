@@ -89,8 +89,8 @@ void ToolTest::expect(Invocation const& expected) {
     check(expected.err, err);
 }
 
-void ToolTest::change(std::string const& sql) {
-    ChannelDatabase database((folder / "set.db").string(), Indexes::PrimaryKeysOnly);
+void ToolTest::change(std::string const& sql, std::string const& file) {
+    ChannelDatabase database((folder / file).string(), Indexes::PrimaryKeysOnly);
     sqlite3_exec(database.connection(), sql.c_str(), nullptr, nullptr, nullptr);
     ASSERT_EQ(sqlite3_errcode(database.connection()), SQLITE_OK)
         << sql << ": " << sqlite3_errmsg(database.connection());

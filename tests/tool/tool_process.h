@@ -38,7 +38,7 @@ class ToolTest : public testing::Test {
     void expect(Invocation const& expected);
 
     // Runs SQL on the database.
-    void change(std::string const& sql);
+    void change(std::string const& sql, std::string const& file = "set.db");
     // Rows of the database, "a|b;c|d".
     std::string rows(std::string const& sql, std::string const& file = "set.db");
     std::string fav(int index);  // "number service deleted;..." of the list

@@ -9,22 +9,28 @@
 /// goes on counting the channels at n. A `|` in a name stands for a colon. Older lists leave out
 /// the ids at the end, and even the teletext pid. An empty line is nothing, and a line that
 /// begins with `#` and is no channel is a comment. Two comments of our own carry what the format
-/// has no line for: a hidden channel, and an entry that is no DVB service:
+/// has no line for: a hidden channel, and an entry that is no DVB service. VDR starts with no line
+/// that it does not know, so they look like groups:
 ///
-///     #channellist 5 hidden Jazz:394000:M256:C:6900:0:0:0:0:10:3:8:0
-///     #channellist 7 shown HDMI 1  -  id:7
+///     :#channellist 5 hidden Jazz:394000:M256:C:6900:0:0:0:0:10:3:8:0
+///     :#channellist 7 shown HDMI 1  -  id:7
 #pragma once
 
 #include <channel-database/builder.h>
 
+#include <cstdint>
 #include <istream>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace channel_database {
+
+/// Stands for an access system that is in use but not named.
+constexpr int kUnknownAccess = 0xFFFF;
 
 /// A line of a channel list that is a channel.
 struct Channel {
@@ -48,10 +54,11 @@ struct Channel {
     int number = 0;  ///< position in the whole list
     int mark = 0;    ///< the n of the `:@n` in front of it, or of a hidden one's comment; 0 without
     bool hidden = false;
-    bool highDefinition = false;  ///< where more is known than the name says
-    bool isReference = false;     ///< names a service by its ids: without frequency and parameters
-    int group = -1;               ///< index in ChannelsConf::groups; -1 in front of the first
-    int line = 0;                 ///< counted from 1
+    std::optional<bool> highDefinition;  ///< where more is known than the name says
+    std::optional<std::uint32_t> place;  ///< the namespace of an Enigma2 receiver
+    bool isReference = false;  ///< names a service by its ids: without frequency and parameters
+    int group = -1;            ///< index in ChannelsConf::groups; -1 in front of the first
+    int line = 0;              ///< counted from 1
 
     Delivery delivery() const;
     /// In kHz: the frequency times 1000 until it is no smaller than a satellite's in kHz, any
@@ -60,6 +67,11 @@ struct Channel {
     /// Tenths of a degree, west negative; 0 for cable and terrestrial channels.
     int orbitalPosition() const;
     bool isRadio() const;
+    /// From `highDefinition`, else where the name has the word: "ZDF HD", "Ultra UHD", not "AHD".
+    bool isHighDefinition() const;
+    /// What makes it one channel for VDR, which drops all but the first of each:
+    /// "S19.2E-1-1019-10301".
+    std::string id() const;
     /// Access numbers below 16 only name the receiving device.
     bool isEncrypted() const;
     /// The parameter's value; 0 when the line leaves it out or to the receiver.
@@ -76,7 +88,9 @@ struct LineError : std::runtime_error {
 /// A line that could not be read.
 struct RejectedLine {
     int line;
-    std::string reason;
+    std::string reason;     ///< the same for all lines that are alike
+    std::string text = {};  ///< what the line is about
+    std::string file = {};  ///< within a folder or an archive
 };
 
 /// An entry of a group that is no channel: the text of its comment.
@@ -92,6 +106,7 @@ struct ChannelsConf {
     std::vector<OtherEntry> others;
     std::vector<std::string> groups;
     std::vector<RejectedLine> rejected;
+    std::vector<std::string> notes;  ///< what a person should know of the whole
 };
 
 /// Reads one channel line; throws LineError.
@@ -100,7 +115,8 @@ Channel parseChannel(std::string const& line);
 bool isChannelsConf(std::string_view text);
 /// Reads a whole list. Lines that are not UTF-8 are taken as Latin-1.
 ChannelsConf parseChannelsConf(std::istream& text);
-/// The channel's line, with all thirteen fields.
+/// The channel's line, with all thirteen fields, none of them empty. A colon in a name becomes a
+/// bar, a semicolon a comma.
 std::string formatChannel(Channel const& channel);
 /// The line that begins a group.
 std::string formatGroup(std::string const& name);

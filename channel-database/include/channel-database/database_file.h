@@ -12,9 +12,9 @@ namespace channel_database {
 /// database_content.h): a new file appears whole, and with `replace` the content of an existing
 /// database is replaced as a whole. A failure (a list without channels, too) throws
 /// std::runtime_error and leaves everything as it was. `beforeReplacing` is called when all is
-/// ready to replace a content.
-void makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
-                      ImportProgress const& progress = {},
-                      std::function<void()> const& beforeReplacing = {});
+/// ready to replace a content. Gives the number of services.
+std::size_t makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
+                             ImportProgress const& progress = {},
+                             std::function<void()> const& beforeReplacing = {});
 
 }  // namespace channel_database

@@ -7,7 +7,10 @@
 
 #include <channel-database/channels_conf.h>
 
+#include <cstdint>
 #include <istream>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +36,22 @@ ChannelsConf readEnigma2Folder(std::string const& folder);
 /// What it has no place for is left to the receiver (pids, hierarchy); DVB-C2 it does not know, so
 /// such channels are not in it.
 std::string formatLamedb(std::vector<Channel> const& channels);
+
+/// The namespaces of a receiver's own lamedb, by which its bouquets name services.
+class Namespaces {
+  public:
+    explicit Namespaces(std::vector<Channel> const& lamedb);
+    /// Of the service with these ids from this source, else of a transponder with these ids; where
+    /// several have them, of that with the nearest frequency. Nothing without one.
+    std::optional<std::uint32_t> of(Channel const& channel) const;
+
+  private:
+    struct Carrier {
+        int kHz;
+        std::uint32_t place;
+    };
+    std::multimap<std::string, Carrier> services_, transponders_;
+};
 
 /// The line of a bouquet for a DVB channel, and its first line.
 std::string formatBouquetEntry(Channel const& channel);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <map>
 
 #include "commands/commands.h"
 #include "database/frozen_database.h"
@@ -31,6 +32,7 @@ struct Options {
     bool favourites = false;
     bool dryRun = false;
     bool noUndo = false;
+    bool verbose = false;
 };
 
 // Shows how far a long import is.
@@ -47,10 +49,32 @@ class Progress {
     }
 };
 
-void reportRejectedLines(ChannelsConf const& list, std::string const& path) {
-    for (RejectedLine const& rejected : list.rejected)
-        std::cerr << "channellist: " << displayText(path) << ":" << rejected.line
-                  << ": skipped: " << displayText(rejected.reason) << "\n";
+// By reason, each with its first lines.
+void reportRejectedLines(ChannelsConf const& list, Options const& options) {
+    std::size_t const most = options.verbose ? list.rejected.size() : 3;
+    std::vector<std::string> reasons;  // in the order in which they come up
+    std::map<std::string, std::vector<RejectedLine const*>> lines;
+    for (RejectedLine const& rejected : list.rejected) {
+        auto& same = lines[rejected.reason];
+        if (same.empty())
+            reasons.push_back(rejected.reason);
+        same.push_back(&rejected);
+    }
+    for (std::string const& reason : reasons) {
+        auto const& same = lines[reason];
+        std::cerr << "channellist: skipped " << same.size() << ": " << displayText(reason) << "\n";
+        for (std::size_t i = 0; i < std::min(most, same.size()); ++i) {
+            std::string const& file = same[i]->file.empty() ? options.list : same[i]->file;
+            std::cerr << "  " << displayText(file);
+            if (same[i]->line != 0)
+                std::cerr << ":" << same[i]->line;
+            std::cerr << (same[i]->text.empty() ? "" : ": ") << displayText(same[i]->text) << "\n";
+        }
+        if (same.size() > most)
+            std::cerr << "  and " << same.size() - most << " more; --verbose names them\n";
+    }
+    for (std::string const& note : list.notes)
+        std::cerr << "channellist: " << displayText(note) << "\n";
 }
 
 void makeDatabase(ChannelsConf const& list, Options const& options) {
@@ -59,17 +83,14 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
                   << ": skipped: no DVB service; only --favourites finds it again\n";
     tellWaitsFor(options.database);
     UndoStore undo(options.database, options.force && !options.noUndo);
+    std::size_t services = 0;
     {
         Progress progress;
-        makeDatabaseFile(list, options.database, options.force, std::ref(progress),
-                         [&] { undo.keepDatabase("import --force"); });
+        services = makeDatabaseFile(list, options.database, options.force, std::ref(progress),
+                                    [&] { undo.keepDatabase("import --force"); });
     }
     undo.confirm();
-    auto const references =
-        std::count_if(list.channels.begin(), list.channels.end(),
-                      [](Channel const& channel) { return channel.isReference; });
-    std::cout << displayText(options.database) << ": "
-              << list.channels.size() - static_cast<std::size_t>(references) << " channels, "
+    std::cout << displayText(options.database) << ": " << services << " channels, "
               << list.groups.size() << " groups, " << list.rejected.size() + list.others.size()
               << " lines skipped\n";
 }
@@ -129,7 +150,7 @@ int run(std::string const& setDatabase, Options options) {
         options.database = setDatabase;
     }
     ChannelsConf const list = readChannelList(options.list);
-    reportRejectedLines(list, options.list);
+    reportRejectedLines(list, options);
     (options.favourites ? writeFavourites : makeDatabase)(list, options);
     return kSuccess;
 }
@@ -151,11 +172,13 @@ void addImportCommand(CommandLine& line) {
         .excludes("--force", "--favourites")
         .flag("-n,--dry-run", options->dryRun, "show what --favourites would change")
         .needs("--dry-run", "--favourites")
+        .flag("--verbose", options->verbose, "name every line that is skipped")
         .noUndo(options->noUndo)
         .footer(
             "The format is told from the content. Of Enigma2, lamedb makes a database, a bouquet\n"
             "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv both.\n"
-            "Lines that cannot be read are named and skipped. The groups FAV1 to FAV4 become "
+            "Lines that cannot be read are counted by reason and skipped. The groups FAV1 to FAV4 "
+            "become "
             "these\n"
             "lists, other groups lists of their own names. --favourites writes to an existing\n"
             "database, that of --db when none is named, and finds each channel there by its DVB\n"

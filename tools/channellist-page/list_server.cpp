@@ -1,0 +1,302 @@
+#include "list_server.h"
+
+#include <channellist-access/db_access.h>
+#include <channellist-access/field_ids.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
+
+#include "database/frozen_database.h"
+#include "database/list_naming.h"
+#include "database/session.h"
+#include "database/time_limit.h"
+#include "edit/write_list.h"
+#include "failure.h"
+#include "library_messages/library_messages.h"
+#include "lists/reserved_numbers.h"
+#include "services/item_counts.h"
+#include "services/service_reader.h"
+#include "services/service_words.h"
+#include "text/display_text.h"
+
+namespace page {
+namespace {
+
+using namespace channel_lists;
+
+// A change of the content is meant to be seen, not to be proven: FNV-1a.
+std::string versionOf(std::string const& stored) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (char const byte : stored)
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+    return std::to_string(hash);
+}
+
+List listOf(std::string const& uuid) {
+    for (List const& list : allLists())
+        if (list.uuid == uuid && !uuid.empty())
+            return list;
+    throw Failure("the database has no such list any more");
+}
+
+std::string placeOf(ResultRow const& service) {
+    std::string const satellite = service[SERVICE_FIELD_SATELLITE];
+    std::string const delivery = deliveryOf(service);
+    return delivery == "satellite" && !satellite.empty() ? delivery + " " + satellite : delivery;
+}
+
+// In the order of `columns` in the answer.
+Json rowOf(ResultRow const& service) {
+    Entry const entry = entryOf(service);
+    unsigned int const attributes = attributesOf(service);
+    return Json::array({entry.serviceId, entry.number ? Json(*entry.number) : Json(),
+                        entry.deleted ? 1 : 0, entry.name, kindOf(service), placeOf(service),
+                        (attributes & kHighDefinition) != 0 ? 1 : 0,
+                        (attributes & kScrambled) != 0 ? 1 : 0});
+}
+
+// One list as the page wants it. A FAV list may take in any service; in the others, nothing joins
+// or leaves.
+std::vector<Entry> wantedEntries(Json const& rows, SeenList const& seen,
+                                 std::map<unsigned int, Entry> const& services) {
+    std::vector<Entry> entries;
+    for (Json const& row : rows) {
+        auto const known = services.find(row.at(0).get<unsigned int>());
+        if (known == services.end())
+            throw Failure("the database has a service of " + displayName(seen.list) +
+                          " no more; nothing is written");
+        Entry entry = known->second;
+        entry.number =
+            row.at(1).is_null() ? std::nullopt : std::optional(row.at(1).get<std::int64_t>());
+        entry.deleted = row.at(2).get<int>() != 0;
+        if (entry.number && (*entry.number < INT32_MIN || *entry.number > INT32_MAX))
+            throw Malformed("a channel number is out of range");
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+// As the list stands now, with what the page wants of each entry.
+std::vector<Entry> inStoredOrder(std::vector<Entry> wanted, SeenList const& seen) {
+    std::multimap<unsigned int, Entry> byService;
+    for (Entry& entry : wanted)
+        byService.emplace(entry.serviceId, std::move(entry));
+    std::vector<Entry> entries;
+    for (Entry const& stored : seen.entries) {
+        auto const found = byService.find(stored.serviceId);
+        if (found == byService.end())
+            throw Malformed("an entry of " + displayName(seen.list) + " is missing");
+        entries.push_back(found->second);
+        byService.erase(found);
+    }
+    if (!byService.empty())
+        throw Malformed("nothing joins " + displayName(seen.list));
+    return entries;
+}
+
+std::map<unsigned int, Entry> knownServices(std::vector<SeenList> const& lists) {
+    std::map<unsigned int, Entry> services;
+    for (Entry const& entry : readEntries(allServicesList().uuid).entries)
+        services.emplace(entry.serviceId, entry);
+    for (SeenList const& seen : lists)
+        for (Entry const& entry : seen.entries)
+            services.emplace(entry.serviceId, entry);
+    return services;
+}
+
+struct Task {
+    std::vector<ListEdit> others, favLists;
+    Json overtaken = Json::array();
+    Snapshot before;
+};
+
+void addMissing(Snapshot const& lists, Snapshot& all) {
+    for (ListEntries const& list : lists)
+        if (std::none_of(all.begin(), all.end(),
+                         [&](ListEntries const& each) { return each.uuid == list.uuid; }))
+            all.push_back(list);
+}
+
+Task taskOf(Json const& request) {
+    Task task;
+    FrozenDatabase const frozen;
+    std::vector<SeenList> seen;
+    for (Json const& each : request.at("lists")) {
+        seen.push_back(seeList(listOf(each.at("uuid"))));
+        if (versionOf(seen.back().stored) != each.at("version").get<std::string>())
+            task.overtaken.push_back(seen.back().list.uuid);
+    }
+    if (!task.overtaken.empty())
+        return task;
+    auto const services = knownServices(seen);
+    std::size_t at = 0;
+    for (Json const& each : request.at("lists")) {
+        SeenList const& list = seen[at++];
+        addMissing(list.reached, task.before);
+        std::vector<Entry> wanted = wantedEntries(each.at("entries"), list, services);
+        if (list.list.favIndex != 0)
+            task.favLists.push_back({list, {std::move(wanted), false}});
+        else
+            task.others.push_back({list, {inStoredOrder(std::move(wanted), list), false}});
+    }
+    return task;
+}
+
+// An edit of another list copies the marks of what it changes to the FAV lists: they are seen
+// again, and have to be as before but for that.
+bool seeAgain(Task& task) {
+    std::map<unsigned int, bool> copied;
+    for (ListEdit const& edit : task.others)
+        for (std::size_t i = 0; i < edit.wanted.entries.size(); ++i)
+            if (!(edit.wanted.entries[i] == edit.seen.entries[i]))
+                copied[edit.wanted.entries[i].serviceId] = edit.wanted.entries[i].deleted;
+    FrozenDatabase const frozen;
+    for (ListEdit& edit : task.favLists) {
+        for (Entry& entry : edit.seen.entries)
+            if (auto const found = copied.find(entry.serviceId); found != copied.end())
+                entry.deleted = found->second;
+        SeenList now = seeList(edit.seen.list);
+        if (now.entries != edit.seen.entries) {
+            task.overtaken.push_back(edit.seen.list.uuid);
+            return false;
+        }
+        edit.seen = std::move(now);
+    }
+    return true;
+}
+
+// The other lists first. What is written by then stays, also when a later list is overtaken.
+void write(Task& task) {
+    UndoStore off("", false);
+    auto const writeAll = [&](std::vector<ListEdit> const& edits) {
+        for (ListEdit const& edit : edits) {
+            if (writeLists({edit}, {off, ""}).ending != Ending::Overtaken)
+                continue;
+            task.overtaken.push_back(edit.seen.list.uuid);
+            return false;
+        }
+        return true;
+    };
+    if (writeAll(task.others) && (task.others.empty() || seeAgain(task)))
+        writeAll(task.favLists);
+}
+
+Snapshot read(Snapshot const& lists) {
+    FrozenDatabase const frozen;
+    Snapshot now;
+    for (ListEntries const& list : lists)
+        now.push_back({list.uuid, list.listName, readEntries(list.uuid).entries, list.isFav});
+    return now;
+}
+
+std::string namesOf(Task const& task) {
+    std::vector<std::string> names;
+    for (auto const* edits : {&task.others, &task.favLists})
+        for (ListEdit const& edit : *edits)
+            if (edit.wanted.entries != edit.seen.entries)
+                names.push_back(displayName(edit.seen.list));
+    return joined(names);
+}
+
+// What must be so before each piece of work.
+void begin(std::string const& task) {
+    forgetMessages();
+    TimeLimit::restart(task);
+}
+
+}  // namespace
+
+ListServer::ListServer(std::string database, bool isReadOnly)
+    : database_(std::move(database)), isReadOnly_(isReadOnly) {
+    setListener(this);
+    Session const session(database_);  // throws for what is no channel database
+}
+
+ListServer::~ListServer() { setListener(nullptr); }
+
+std::string ListServer::mark() const {
+    std::string text;
+    for (char const* ending : {"", "-wal"}) {
+        struct stat file;
+        if (stat((database_ + ending).c_str(), &file) == 0)
+            text += std::to_string(file.st_ino) + "." + std::to_string(file.st_size) + "." +
+                    std::to_string(file.st_mtim.tv_sec) + "." +
+                    std::to_string(file.st_mtim.tv_nsec) + ";";
+    }
+    return text;
+}
+
+Json ListServer::overview() {
+    std::lock_guard const lock(mutex_);
+    begin("reading the lists");
+    std::string const seenMark = mark();
+    Session const session(database_);
+    auto const counts = itemCounts();
+    Json lists = Json::array();
+    for (List const& list : allLists()) {
+        if (list.uuid.empty())
+            continue;
+        auto const count = counts.find(list.pid);
+        lists.push_back({{"uuid", list.uuid},
+                         {"name", displayName(list)},
+                         {"fav", list.favIndex},
+                         {"all", isAllList(list)},
+                         {"count", count == counts.end() ? 0 : count->second},
+                         {"reserved", reservedNumbers(list)}});
+    }
+    bool const isWritable = !isReadOnly_ && access(database_.c_str(), W_OK) == 0;
+    return {
+        {"database", database_}, {"mark", seenMark}, {"readOnly", !isWritable}, {"lists", lists}};
+}
+
+Json ListServer::lists(std::vector<std::string> const& uuids) {
+    std::lock_guard const lock(mutex_);
+    begin("reading lists");
+    Session const session(database_);
+    FrozenDatabase const frozen;
+    Json lists = Json::array();
+    for (std::string const& uuid : uuids) {
+        listOf(uuid);
+        Rows const services = readServices(uuid);
+        if (!services.complete)
+            throw Failure(
+                "not all services of a list could be read; \"channellist check\" tells why");
+        Json rows = Json::array();
+        for (ResultRow const& service : services.rows)
+            rows.push_back(rowOf(service));
+        lists.push_back(
+            {{"uuid", uuid}, {"version", versionOf(storedState(uuid))}, {"rows", rows}});
+    }
+    return {{"columns", {"id", "number", "hidden", "name", "kind", "place", "hd", "scrambled"}},
+            {"lists", lists}};
+}
+
+Json ListServer::save(Json const& request) {
+    std::lock_guard const lock(mutex_);
+    if (isReadOnly_)
+        throw Failure("this page was started with --read-only: nothing is written");
+    begin("saving");
+    notes_.clear();
+    Session const session(database_, Access::Write);
+    Task task = taskOf(request);
+    std::string const names = namesOf(task);
+    bool isWritten = false;
+    if (task.overtaken.empty() && !names.empty()) {
+        UndoStore undo(database_);
+        undo.keepLists("page: " + names, task.before);
+        try {
+            write(task);
+        } catch (...) {
+            undo.keepOnlyChanged(read(task.before));
+            throw;
+        }
+        Snapshot const after = read(task.before);
+        isWritten = !differences(task.before, after).empty();
+        undo.keepOnlyChanged(after);
+    }
+    return {{"written", isWritten}, {"overtaken", task.overtaken}, {"notes", notes_}};
+}
+
+}  // namespace page

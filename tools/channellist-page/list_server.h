@@ -1,0 +1,47 @@
+// What the page asks of the lists: reading them and saving what became of them.
+#pragma once
+
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "listener.h"
+#include "text/json_text.h"
+
+namespace page {
+
+using channel_lists::Json;
+
+// A request that no page of ours makes.
+struct Malformed : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+// All calls but `mark` wait for each other: the library works on one database of the process.
+class ListServer : private channel_lists::Listener {
+  public:
+    ListServer(std::string database, bool isReadOnly);
+    ~ListServer() override;
+    ListServer(ListServer const&) = delete;
+    ListServer& operator=(ListServer const&) = delete;
+
+    // Differs once the file was written to, replaced or removed; reads nothing of it.
+    std::string mark() const;
+    // The lists, without what they hold.
+    Json overview();
+    // What the lists hold, of one moment, each with its version.
+    Json lists(std::vector<std::string> const& uuids);
+    // Brings the lists to what the request says, if each still has the version that it was read at.
+    Json save(Json const& request);
+
+  private:
+    void note(std::string const& sentence) override { notes_.push_back(sentence); }
+
+    std::string database_;
+    bool isReadOnly_;
+    std::mutex mutex_;
+    std::vector<std::string> notes_;  // of the request at work
+};
+
+}  // namespace page

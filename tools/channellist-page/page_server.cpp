@@ -1,0 +1,169 @@
+#include "page_server.h"
+
+#include <httplib.h>
+
+#include <functional>
+
+#include "database/time_limit.h"
+#include "failure.h"
+#include "library_messages/library_messages.h"
+#include "text/display_text.h"
+#include "web_files.h"
+
+namespace page {
+namespace {
+
+using channel_lists::Failure;
+
+constexpr std::size_t kMostBytes = 8 << 20;  // of a request: five lists of 20,000 are 2 MB
+constexpr int kConnections = 64;             // at once; more wait
+constexpr int kPatience = 5;                 // seconds, with a client that says nothing
+constexpr char kJson[] = "application/json";
+
+httplib::Headers const kHeaders = {
+    {"Cache-Control", "no-store"},
+    {"Content-Security-Policy",
+     "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src 'self';"
+     " base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
+    {"Cross-Origin-Opener-Policy", "same-origin"},
+    {"Cross-Origin-Resource-Policy", "same-origin"},
+    {"Referrer-Policy", "no-referrer"},
+    {"X-Content-Type-Options", "nosniff"},
+    {"X-Frame-Options", "DENY"},
+};
+
+// The browser takes the cookie, and goes to the page by itself: a Strict cookie does not come along
+// where a foreign page or file sent it here.
+constexpr char kEntrance[] =
+    "<!doctype html><meta charset=utf-8><link rel=icon href=/icon.svg>"
+    "<meta http-equiv=refresh content='0;url=/'>"
+    "<title>Channels</title>";
+
+Caller callerOf(httplib::Request const& request) {
+    return {request.get_header_value("Host"), request.get_header_value("Origin"),
+            request.get_header_value("Sec-Fetch-Site"), request.get_header_value("Cookie"),
+            request.method != "GET"};
+}
+
+void refuse(httplib::Response& response, int status, std::string const& sentence) {
+    response.status = status;
+    response.set_content(channel_lists::dumpJson({{"error", sentence}}, -1), kJson);
+}
+
+std::string reasonOf(std::exception const& error) {
+    if (channel_lists::TimeLimit::isReached())
+        return channel_lists::TimeLimit::sentence();
+    std::string sentence = error.what();
+    for (std::string const& reason : channel_lists::messageReasons())
+        sentence += "; " + reason;
+    return channel_lists::displayLines(sentence);
+}
+
+void answer(httplib::Response& response, std::function<Json()> const& work) {
+    try {
+        response.set_content(channel_lists::dumpJson(work(), -1), kJson);
+    } catch (Malformed const& error) {
+        refuse(response, 400, error.what());
+    } catch (Json::exception const&) {
+        refuse(response, 400, "this is no request of the page");
+    } catch (std::exception const& error) {
+        refuse(response, 503, reasonOf(error));
+    }
+}
+
+}  // namespace
+
+PageServer::PageServer(ListServer& lists, int port)
+    : lists_(lists),
+      server_(std::make_unique<httplib::Server>()),
+      lastAsked_(std::chrono::steady_clock::now()) {
+    server_->new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
+    server_->set_payload_max_length(kMostBytes);
+    server_->set_read_timeout(kPatience);
+    server_->set_write_timeout(kPatience);
+    server_->set_keep_alive_max_count(1);
+    server_->set_default_headers(kHeaders);
+    // A second server must not share a port with the first.
+    server_->set_socket_options([](auto socket) {
+        int const yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+    if (!server_->bind_to_port("127.0.0.1", port))
+        port = server_->bind_to_any_port("127.0.0.1");
+    if (port <= 0)
+        throw Failure("no port of this machine is free");
+    gate_ = std::make_unique<Gate>(port);
+    addFiles();
+    addRequests();
+}
+
+PageServer::~PageServer() = default;
+
+void PageServer::run() { server_->listen_after_bind(); }
+void PageServer::stop() { server_->stop(); }
+
+std::chrono::seconds PageServer::idleTime() const {
+    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() -
+                                                            lastAsked_.load());
+}
+
+// Before anything of a request but its head is read.
+void PageServer::addFiles() {
+    server_->set_pre_routing_handler([this](auto const& request, auto& response) {
+        Caller const caller = callerOf(request);
+        bool const bringsKey = request.method == "GET" && request.path == "/" &&
+                               gate_->isKey(request.get_param_value("key"));
+        Caller entering = caller;  // a link to the first address may stand anywhere
+        if (bringsKey)
+            entering.fetchSite.clear();
+        if (!gate_->isAtHome(entering) || (!bringsKey && !gate_->hasSession(caller))) {
+            refuse(response, 403, "open the address that \"channellist page\" has printed");
+            return httplib::Server::HandlerResponse::Handled;
+        }
+        lastAsked_ = std::chrono::steady_clock::now();
+        if (!bringsKey)
+            return httplib::Server::HandlerResponse::Unhandled;
+        response.set_header("Set-Cookie", gate_->cookie());
+        response.set_content(kEntrance, "text/html");
+        return httplib::Server::HandlerResponse::Handled;
+    });
+    for (WebFile const& file : kWebFiles)
+        server_->Get(file.path, [&file](auto const&, auto& response) {
+            response.set_content(reinterpret_cast<char const*>(file.bytes), file.size, file.type);
+        });
+}
+
+void PageServer::addRequests() {
+    server_->Get(
+        "/api/mark",
+        [this](auto const&, auto& response) {
+            answer(
+                response,
+                [&] {
+                    return Json{{"mark", lists_.mark()}};
+                });
+        });
+    server_->Get(
+        "/api/overview",
+        [this](auto const&, auto& response) {
+            answer(
+                response, [&] { return lists_.overview(); });
+        });
+    server_->Get(
+        "/api/lists",
+        [this](auto const& request, auto& response) {
+            std::vector<std::string> uuids;
+            for (auto const& [name, value] : request.params)
+                if (name == "uuid")
+                    uuids.push_back(value);
+            answer(
+                response, [&] { return lists_.lists(uuids); });
+        });
+    server_->Post("/api/save", [this](auto const& request, auto& response) {
+        if (request.get_header_value("Content-Type") != kJson)
+            return refuse(response, 400, "this is no request of the page");
+        answer(response, [&] { return lists_.save(Json::parse(request.body)); });
+    });
+}
+
+}  // namespace page

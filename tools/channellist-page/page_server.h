@@ -1,0 +1,43 @@
+// The page's files and requests over HTTP, to this machine alone.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "gate.h"
+#include "list_server.h"
+
+namespace httplib {
+class Server;
+}
+
+namespace page {
+
+class PageServer {
+  public:
+    // Takes `port`, or any free one where that is taken. Throws channel_lists::Failure.
+    PageServer(ListServer& lists, int port);
+    ~PageServer();
+    PageServer(PageServer const&) = delete;
+    PageServer& operator=(PageServer const&) = delete;
+
+    std::string address() const { return gate_->address(); }
+    // Until `stop`; answers that are on their way are given first.
+    void run();
+    void stop();
+    // How long no page has asked anything.
+    std::chrono::seconds idleTime() const;
+
+  private:
+    void addFiles();
+    void addRequests();
+
+    ListServer& lists_;
+    std::unique_ptr<httplib::Server> server_;
+    std::unique_ptr<Gate> gate_;
+    std::atomic<std::chrono::steady_clock::time_point> lastAsked_;
+};
+
+}  // namespace page

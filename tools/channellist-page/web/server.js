@@ -1,0 +1,27 @@
+// The talk with the server.
+
+export class Refused extends Error {}      // it answered, and did not do it
+export class Unreachable extends Error {}  // it did not answer
+
+async function ask(path, options = {}) {
+    let response;
+    try {
+        response = await fetch(path, {cache: "no-store", ...options});
+    } catch {
+        throw new Unreachable("the server of this page does not answer");
+    }
+    const answer = await response.json().catch(() => ({error: "the server broke off"}));
+    if (!response.ok)
+        throw new Refused(answer.error ?? response.statusText);
+    return answer;
+}
+
+export const mark = async () => (await ask("/api/mark")).mark;
+export const overview = () => ask("/api/overview");
+export const lists = (uuids) =>
+    ask("/api/lists?" + uuids.map((uuid) => "uuid=" + encodeURIComponent(uuid)).join("&"));
+export const save = (lists) => ask("/api/save", {
+    method: "POST",
+    headers: {"Content-Type": "application/json"},
+    body: JSON.stringify({lists}),
+});

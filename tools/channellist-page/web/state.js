@@ -1,0 +1,164 @@
+// The state: what the lists held when they were read (the base), what was done to them since, and
+// what was taken back. All of it are values; every function gives a new one.
+import {append, closeGaps, hasNoGaps, insert, moveBefore, moveToNumber, restore, sorted}
+    from "./numbers.js";
+
+// `rows` as the server sends them, with the entry's key: its service and, where a list names one
+// again, which of them it is. A list that is not in the order of its numbers is so by kind first.
+export function entriesOf(rows) {
+    const seen = new Map();
+    const isByKind = rows.some((row, i) => i > 0 && row[1] !== null && row[1] < (rows[i - 1][1] ?? 0));
+    const kinds = [];
+    return rows.map(([id, number, hidden, , kind]) => {
+        const times = seen.get(id) ?? 0;
+        seen.set(id, times + 1);
+        if (!kinds.includes(kind))
+            kinds.push(kind);
+        const entry = {key: times ? `${id}.${times}` : `${id}`, id, number, hidden: hidden !== 0};
+        return isByKind ? {...entry, group: kinds.indexOf(kind)} : entry;
+    });
+}
+
+const newEntry = (id) => ({key: `${id}`, id, number: null, hidden: false});
+
+const pick = (entries, keys) => {
+    const byKey = new Map(entries.map((entry) => [entry.key, entry]));
+    return keys.map((key) => byKey.get(key)).filter(Boolean);
+};
+
+// Steps up or down among the shown entries, the block as a whole.
+function step(entries, block, by) {
+    const moving = new Set(block.map((entry) => entry.key));
+    const shown = entries.filter((entry) => !entry.hidden);
+    const places = shown.flatMap((entry, i) => moving.has(entry.key) ? [i] : []);
+    if (places.length === 0)
+        return entries;
+    const others = shown.filter((entry) => !moving.has(entry.key));
+    const before = shown.slice(0, places[0]).filter((entry) => !moving.has(entry.key)).length;
+    const target = others[Math.max(0, Math.min(others.length, before + by))];
+    return moveBefore(entries, block, target?.key ?? null);
+}
+
+const operations = {
+    move(entries, op, list) {
+        const block = pick(entries, op.keys);
+        if (op.number !== undefined)
+            return moveToNumber(entries, block, op.number, list.reserved);
+        return op.by ? step(entries, block, op.by) : moveBefore(entries, block, op.before);
+    },
+    add(entries, op, list) {
+        const held = new Set(entries.map((entry) => entry.id));
+        const block = [...new Set(op.ids)].filter((id) => !held.has(id)).map(newEntry);
+        const shown = entries.slice(Math.max(0, entries.findIndex((e) => e.key === op.before)))
+            .find((entry) => !entry.hidden);
+        if (op.before == null || !shown)
+            return append(entries, block, list.reserved);
+        return insert(entries, block, shown.number ?? 1, list.reserved);
+    },
+    remove(entries, op) {
+        const keys = new Set(op.keys);
+        return entries.filter((entry) => !keys.has(entry.key));
+    },
+    hide(entries, op) {
+        const keys = new Set(op.keys);
+        return entries.map((entry) => keys.has(entry.key) ? {...entry, hidden: true} : entry);
+    },
+    show(entries, op, list) {
+        return restore(entries, pick(entries, op.keys).filter((entry) => entry.hidden), list.reserved);
+    },
+    // The selected ones, in the order of `keys`, on the places that they hold.
+    order(entries, op) {
+        const block = pick(entries, op.keys);
+        const numbers = block.map((entry) => entry.number).sort((a, b) => (a ?? 0) - (b ?? 0));
+        const given = new Map(block.map((entry, i) => [entry.key, numbers[i]]));
+        return entries.map((entry) =>
+            given.has(entry.key) ? {...entry, number: given.get(entry.key)} : entry);
+    },
+    close: (entries, op, list) => closeGaps(entries, list.reserved),
+};
+
+// `doc` holds the entries of lists by uuid, `lists` what else is known of them: {fav, reserved}.
+// A FAV list without gaps stays without. What happens to an entry of another list shows or hides
+// it in the FAV lists, too.
+export function apply(doc, op, lists) {
+    const before = doc[op.list];
+    const next = {...doc, [op.list]: sorted(operations[op.what](before, op, lists[op.list]))};
+    if (lists[op.list].fav === 0) {
+        const old = new Map(before.map((entry) => [entry.key, entry]));
+        const marks = new Map(next[op.list].filter((entry) => entry !== old.get(entry.key))
+            .map((entry) => [entry.id, entry.hidden]));
+        for (const uuid of Object.keys(doc))
+            if (lists[uuid].fav && doc[uuid].some((e) => marks.has(e.id) && marks.get(e.id) !== e.hidden))
+                next[uuid] = doc[uuid].map((e) => marks.has(e.id) ? {...e, hidden: marks.get(e.id)} : e);
+    }
+    for (const uuid of Object.keys(doc)) {
+        const {fav, reserved} = lists[uuid];
+        if (fav && next[uuid] !== doc[uuid] && hasNoGaps(doc[uuid], reserved))
+            next[uuid] = closeGaps(next[uuid], reserved);
+    }
+    return next;
+}
+
+const docOf = (base) =>
+    Object.fromEntries(Object.entries(base).map(([uuid, list]) => [uuid, list.entries]));
+
+// `base`: {uuid: {version, entries}}.
+export const start = (base) => ({base, past: [], future: [], docs: [docOf(base)]});
+export const current = (state) => state.docs[state.docs.length - 1];
+
+export function perform(state, op, lists) {
+    const doc = apply(current(state), op, lists);
+    return {...state, past: [...state.past, op], future: [], docs: [...state.docs, doc]};
+}
+
+export function undo(state) {
+    if (state.past.length === 0)
+        return state;
+    const op = state.past[state.past.length - 1];
+    return {...state, past: state.past.slice(0, -1), future: [op, ...state.future],
+            docs: state.docs.slice(0, -1)};
+}
+
+export function redo(state, lists) {
+    if (state.future.length === 0)
+        return state;
+    const [op, ...future] = state.future;
+    return {...perform(state, op, lists), future};
+}
+
+// The same was done to other lists: what others wrote meanwhile, or more lists than before.
+export function rebase(state, base, lists) {
+    let next = start({...state.base, ...base});
+    for (const op of state.past)
+        if (next.base[op.list])
+            next = perform(next, op, lists);
+    return {...next, future: state.future};
+}
+
+export const isSame = (a, b) => a === b || (a.length === b.length && a.every((entry, i) =>
+    entry.id === b[i].id && entry.number === b[i].number && entry.hidden === b[i].hidden));
+
+// The lists that hold something else than the base.
+export function changedLists(state) {
+    const doc = current(state);
+    return Object.keys(doc).filter((uuid) => !isSame(doc[uuid], state.base[uuid].entries));
+}
+
+// A line for each entry that differs, as the command "diff" tells it.
+export function changes(before, after) {
+    const old = new Map(before.map((entry) => [entry.key, entry]));
+    const kept = new Map(after.map((entry) => [entry.key, entry]));
+    const lines = before.filter((entry) => !kept.has(entry.key))
+        .map((entry) => ({what: ["removed"], id: entry.id, before: entry.number, after: null}));
+    for (const entry of after) {
+        const was = old.get(entry.key);
+        const what = was ? [] : ["added"];
+        if (was && was.number !== entry.number)
+            what.push("moved");
+        if (entry.hidden !== (was?.hidden ?? false))
+            what.push(entry.hidden ? "hidden" : "restored");
+        if (what.length > 0)
+            lines.push({what, id: entry.id, before: was?.number ?? null, after: entry.number});
+    }
+    return lines;
+}
