@@ -3,7 +3,6 @@
 #include <channellist-access/db_access.h>
 
 #include "database/query.h"
-#include "failure.h"
 
 namespace channel_lists {
 namespace {
@@ -26,9 +25,7 @@ class Transaction {
     }
     Transaction(Transaction const&) = delete;
     Transaction& operator=(Transaction const&) = delete;
-    static void commit() {
-        waitWhileLocked([] { Query(db, "COMMIT TRANSACTION").next(); });
-    }
+    static void commit() { Query(db, "COMMIT TRANSACTION").next(); }
 };
 
 std::string numbersOf(List const& list) {
@@ -44,7 +41,7 @@ std::string numbersOf(List const& list) {
 
 bool renumber(List const& favList) {
     ResultLock const lock;
-    return waitWhileLocked([&] {
+    return waitWhileLocked([&] {  // begin or commit: all of it is done again then
         Transaction const transaction;
         std::string const before = numbersOf(favList);
         dbaccess::renumberFAVList(favList.pid, static_cast<unsigned char>(favList.favIndex));

@@ -197,26 +197,35 @@ unsigned Table::turns() const { return shared_->turns; }
 
 }  // namespace turns
 
-extern "C" int fcntl(int file, int command, ...) {
-    va_list arguments;
-    va_start(arguments, command);
-    void* const argument = va_arg(arguments, void*);
-    va_end(arguments);
+namespace {
+
+using Fcntl = int(int, int, ...);
+
+// A lock takes a turn, whichever name the C library's function has.
+int lockInTurn(Fcntl* real, int file, int command, va_list arguments) {
     if (turns::isLock(command))
         turns::endTurn();
-    static auto* const real = turns::real<int(int, int, ...)>("fcntl");
-    return real(file, command, argument);
+    return real(file, command, va_arg(arguments, void*));
+}
+
+}  // namespace
+
+extern "C" int fcntl(int file, int command, ...) {
+    static auto* const real = turns::real<Fcntl>("fcntl");
+    va_list arguments;
+    va_start(arguments, command);
+    int const result = lockInTurn(real, file, command, arguments);
+    va_end(arguments);
+    return result;
 }
 
 extern "C" int fcntl64(int file, int command, ...) {
+    static auto* const real = turns::real<Fcntl>("fcntl64");
     va_list arguments;
     va_start(arguments, command);
-    void* const argument = va_arg(arguments, void*);
+    int const result = lockInTurn(real, file, command, arguments);
     va_end(arguments);
-    if (turns::isLock(command))
-        turns::endTurn();
-    static auto* const real = turns::real<int(int, int, ...)>("fcntl64");
-    return real(file, command, argument);
+    return result;
 }
 
 // Weak: a test program may have its own, which comes to nanosleep.
