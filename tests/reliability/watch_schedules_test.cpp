@@ -167,7 +167,7 @@ class WatchTest : public testing::TestWithParam<Journal> {
         Lists shown = reader.lists();
         int seen = reader.version();
         std::ofstream(notes_) << "watching\n";
-        for (;; rest()) {
+        for (; !HasFailure(); rest()) {
             if (reader.version() == seen)
                 continue;
             Lists const now = reader.lists();
