@@ -96,22 +96,24 @@ constexpr Rule kRules[] = {
      " FROM FavoriteList WHERE typeof(MaxChannelNumber) <> 'integer' AND MaxChannelNumber NOT NULL"
      " OR MaxChannelNumber NOT BETWEEN 0 AND 2147483647"},
 
-    {"dangling-item", Severity::Seen, Mend::Statement,
+    {"dangling-item", Severity::Seen, Mend::Decision,
      "SELECT 'FavoriteItem ' || group_concat(Id, ', '), 'names service ' || quote(i.ServiceId)"
      " || ', which does not exist'"
      ", ifnull(l.Name, 'a list') || ' lacks number ' || ifnull(min(ChannelNum), 'NULL')"
      " || CASE WHEN i.ServiceId IS NULL THEN '; edits of a FAV list pass the entry over' ELSE '' END"
-     ", 'DELETE FROM FavoriteItem WHERE ServiceId IS ' || quote(i.ServiceId)"
+     ", 'whether a scan brings the service back, or: DELETE FROM FavoriteItem WHERE ServiceId IS '"
+     " || quote(i.ServiceId)"
      " || ' AND FavoriteId IS ' || quote(i.FavoriteId)"
      " FROM FavoriteItem i LEFT JOIN Service s ON s.Pid = i.ServiceId"
      " LEFT JOIN FavoriteList l ON l.Pid = i.FavoriteId"
      " WHERE s.Pid IS NULL GROUP BY i.FavoriteId, i.ServiceId ORDER BY min(Id)"},
 
-    {"dangling-item", Severity::Odd, Mend::Statement,
+    {"dangling-item", Severity::Odd, Mend::Decision,
      "SELECT 'FavoriteItem ' || group_concat(Id, ', '), 'belongs to list ' || quote(FavoriteId)"
      " || ', which does not exist'"
      ", 'no list shows the entry'"
-     ", 'DELETE FROM FavoriteItem WHERE FavoriteId IS ' || quote(FavoriteId)"
+     ", 'whether the list comes back, or: DELETE FROM FavoriteItem WHERE FavoriteId IS '"
+     " || quote(FavoriteId)"
      " FROM FavoriteItem LEFT JOIN FavoriteList l ON l.Pid = FavoriteId"
      " WHERE l.Pid IS NULL GROUP BY FavoriteId"},
 

@@ -12,7 +12,7 @@
 namespace channel_lists {
 namespace {
 
-constexpr int kMostTrials = 40;  // each is a check
+constexpr int kMostTrials = 24;  // each is a check
 
 using Look = std::function<Findings()>;
 using Tried = std::vector<Finding*>;
@@ -94,13 +94,21 @@ void refuse(Finding& finding, std::string const& why) {
         decision("a person has to decide; \"" + finding.mend.sql + "\" is no way out: " + why);
 }
 
-void tryOneByOne(Findings& findings, Tried const& tried, Look const& look, int& trials) {
-    for (Finding* finding : tried) {
-        std::string const why = ++trials > kMostTrials ? "it was not tried, after so many others"
-                                                       : whyNot(findings, {finding}, look);
-        if (!why.empty())
-            refuse(*finding, why);
+// All together first, which mostly is enough, and what does not go together by halves.
+void tryTogether(Findings const& findings, Tried const& tried, Look const& look, int& trials) {
+    bool const isTried = ++trials <= kMostTrials;
+    std::string const why =
+        isTried ? whyNot(findings, tried, look) : "it was not tried, after so many others";
+    if (why.empty())
+        return;
+    if (isTried && tried.size() > 1) {
+        auto const half = tried.begin() + static_cast<std::ptrdiff_t>(tried.size() / 2);
+        tryTogether(findings, {tried.begin(), half}, look, trials);
+        tryTogether(findings, {half, tried.end()}, look, trials);
+        return;
     }
+    for (Finding* finding : tried)
+        refuse(*finding, why);
 }
 
 }  // namespace
@@ -112,22 +120,17 @@ std::string WayOut::text() const {
 }
 
 void tryWaysOut(Findings& findings, Look const& look) {
-    std::map<std::string, Tried> byRule;
+    Tried tried;
     for (Finding& finding : findings)
         if (!finding.cause.empty())
             finding.mend = decision("mend " + finding.cause + " first, and check again");
         else if (!finding.mend.sql.empty())
-            byRule[finding.rule].push_back(&finding);
+            tried.push_back(&finding);
+    std::stable_sort(tried.begin(), tried.end(),
+                     [](Finding const* a, Finding const* b) { return a->rule < b->rule; });
     int trials = 0;
-    for (auto const& [rule, tried] : byRule) {
-        std::string const why = ++trials > kMostTrials ? "too many" : whyNot(findings, tried, look);
-        if (why.empty())
-            continue;
-        if (tried.size() == 1)
-            refuse(*tried.front(), why);
-        else
-            tryOneByOne(findings, tried, look, trials);
-    }
+    if (!tried.empty())
+        tryTogether(findings, tried, look, trials);
 }
 
 std::vector<std::string> certainStatements(Findings const& findings, Look const& look) {

@@ -196,7 +196,7 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
          "DROP TRIGGER \"t\""},
         {"CREATE TRIGGER t AFTER UPDATE OF ChannelNum ON FavoriteItem BEGIN UPDATE FavoriteItem "
          "SET ChannelNum = ChannelNum + 1 WHERE FavoriteId = new.FavoriteId AND ServiceId = 5; END",
-         "an edit that swaps two entries did not write what it was told", "stand elsewhere",
+         "an edit that writes entries as they are did not write what it was told", "elsewhere",
          "DROP TRIGGER \"t\""},
         {"CREATE INDEX i ON Service (Name); PRAGMA writable_schema = 1; UPDATE sqlite_master SET "
          "sql = 'CREATE INDEX i ON Service (Uuid)' WHERE name = 'i'",
