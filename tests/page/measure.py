@@ -20,7 +20,7 @@ def main():
         for _ in range(5):
             page.driver.get(f"http://127.0.0.1:{world.port}/")
             first.append(page.wait(lambda: page.run("return window.firstList")))
-        page.wait(lambda: len(page.rows(1)) > 5, 60)
+            page.wait(lambda: len(page.rows(1)) > 5, 60)
         time.sleep(1)
         page.run("""
             window.tasks = [];

@@ -158,7 +158,7 @@ class Page:
     def rows(self, pane):
         """(number, name) of the rows in the document, in their order."""
         return self.run("""
-            return [...document.querySelectorAll('.pane')[arguments[0]].querySelectorAll('.row')]
+            return [...document.querySelectorAll('.pane')[arguments[0]]?.querySelectorAll('.row') ?? []]
                 .filter((row) => !row.hidden)
                 .sort((a, b) => a.getAttribute('aria-posinset') - b.getAttribute('aria-posinset'))
                 .map((row) => [row.querySelector('.number').textContent,

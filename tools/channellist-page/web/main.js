@@ -2,15 +2,15 @@
 import * as server from "./server.js";
 import * as st from "./state.js";
 import * as work from "./work.js";
+import {drawBar, drawConflict, showChanges} from "./changes.js";
+import {beginDrag, command, drop, moveTo} from "./commands.js";
 import {folded} from "./search.js";
 import {Pane} from "./pane.js";
 import {enableDragging} from "./drag.js";
 import {enableKeys} from "./keyboard.js";
 
 const POLL = 1500;       // milliseconds
-const MOST_LINES = 1000; // of a table of changes
 const $ = (id) => document.getElementById(id);
-const many = (count, word) => `${count} ${word}${count === 1 ? "" : "s"}`;
 
 // Control characters and those that turn the direction of a text are seen as what they are.
 const shown = (name) => name.replace(/[\p{Cc}\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/gu, "\ufffd");
@@ -24,6 +24,7 @@ const app = {
     saved: null,          // what a save replaced, until the next change
     conflict: null,       // lists as others left them: {uuid: {version, entries}}
     isReadOnly: false,
+    isBegun: false,       // until then, the work of before a reload stays kept as it is
     isDragging: () => false,
     panes: [],
 
@@ -42,6 +43,13 @@ const app = {
 
     say(text) { $("said").textContent = text; },
 
+    trouble(text) {
+        $("trouble").textContent = text;
+        $("trouble").hidden = !text;
+    },
+
+    command: (pane, what) => command(app, pane, what),
+
     activate(pane) {
         app.active = pane;
         for (const each of app.panes)
@@ -59,7 +67,7 @@ const app = {
 
     act(op, told) {
         if (app.isReadOnly)
-            return trouble("This database is read-only: nothing can be changed here.");
+            return app.trouble("This database is read-only: nothing can be changed here.");
         app.state = st.perform(app.state, op, app.lists);
         app.saved = null;
         changed();
@@ -85,51 +93,11 @@ const app = {
         dialog.onclose = () => {
             const number = Number($("number").value);
             if (dialog.returnValue === "yes" && number >= 1 && number <= 2147483647)
-                moveTo(pane, {number});
+                moveTo(app, pane, {number});
             pane.scroller.focus();
         };
         dialog.showModal();
         $("number").setSelectionRange(digits.length, digits.length);
-    },
-
-    command(pane, what) {
-        const block = chosen(pane);
-        const uuid = pane.uuid;
-        const keys = block.map((entry) => entry.key);
-        const told = many(block.length, "channel");
-        const all = app.uuidOfAll();
-        const everywhere = () => {
-            const ids = new Set(block.map((entry) => entry.id));
-            return app.entries(all).filter((entry) => ids.has(entry.id)).map((entry) => entry.key);
-        };
-        const other = app.other(pane);
-        const commands = {
-            all: () => pane.selectAll(),
-            top: () => moveTo(pane, {before: app.entries(uuid)[0]?.key}),
-            up: () => moveTo(pane, {by: -1}),
-            down: () => moveTo(pane, {by: 1}),
-            end: () => moveTo(pane, {before: null}),
-            number: () => app.askNumber(pane),
-            remove: () => app.lists[uuid].fav
-                && app.act({what: "remove", list: uuid, keys}, `${told} removed`),
-            hide: () => app.act({what: "hide", list: uuid, keys}, `${told} hidden`),
-            show: () => app.act({what: "show", list: uuid, keys}, `${told} shown`),
-            "hide-everywhere": () => app.act({what: "hide", list: all, keys: everywhere()}, `${told} hidden`),
-            "show-everywhere": () => app.act({what: "show", list: all, keys: everywhere()}, `${told} shown`),
-            "by-name": () => order(pane, block, (entry) => app.services.get(entry.id).folded),
-            "by-number": () => {
-                const numbers = new Map(app.entries(all).map((entry) => [entry.id, entry.number]));
-                order(pane, block, (entry) => numbers.get(entry.id) ?? Infinity);
-            },
-            close: () => app.act({what: "close", list: uuid}, "the gaps are closed"),
-            copy: () => add(other.uuid, pane.entries.filter((entry) => !entry.hidden)),
-            "add-other": () => add(other.uuid, block),
-        };
-        for (const n of [1, 2, 3, 4])
-            commands[`add-${n}`] = () => add(app.uuidOfFav(n), block);
-        const isForSome = !["all", "close", "copy"].includes(what);
-        if (!isForSome || block.length > 0)
-            commands[what]();
     },
 
     async save() {
@@ -150,71 +118,11 @@ const app = {
         await attempt(reload);
         if (answer.overtaken.length === 0) {
             app.saved = before;
-            drawBar(`Written, and flushed to the disk. ${answer.notes.join(" ")}`);
+            drawBar(app, `Written, and flushed to the disk. ${answer.notes.join(" ")}`);
             app.say("Written, and flushed to the disk.");
         }
     },
 };
-
-// The selected ones, else the one with the focus.
-function chosen(pane) {
-    const block = pane.selection();
-    return block.length > 0 ? block : pane.entries.filter((entry) => entry.key === pane.focus);
-}
-
-function moveTo(pane, place) {
-    const block = chosen(pane);
-    if (block.length === 0)
-        return;
-    const reserved = app.lists[pane.uuid].reserved;
-    if (place.number !== undefined && reserved.has(place.number))
-        return trouble(`Number ${place.number} belongs to an OTT channel.`);
-    const key = block.some((entry) => entry.key === pane.focus) ? pane.focus : block[0].key;
-    app.act({what: "move", list: pane.uuid, keys: block.map((entry) => entry.key), ...place}, "");
-    pane.follow(key);
-    const now = app.entries(pane.uuid).find((entry) => entry.key === key);
-    app.say(`${app.services.get(now.id).shown} is number ${now.number} now`);
-}
-
-function order(pane, block, value) {
-    const keys = block.map((entry) => [value(entry), entry.key])
-        .sort(([a], [b]) => a < b ? -1 : a > b ? 1 : 0).map(([, key]) => key);
-    app.act({what: "order", list: pane.uuid, keys}, "sorted");
-}
-
-function add(uuid, block, before = null) {
-    if (!app.lists[uuid]?.fav)
-        return trouble("Channels are added to FAV1 to FAV4 only.");
-    const held = new Set(app.entries(uuid).map((entry) => entry.id));
-    const ids = block.map((entry) => entry.id).filter((id) => !held.has(id));
-    if (ids.length > 0)
-        app.act({what: "add", list: uuid, ids, before}, `${many(ids.length, "channel")} added to ${app.nameOf(uuid)}`);
-    else
-        app.say(`${app.nameOf(uuid)} holds them already`);
-}
-
-function drop(from, to, gap) {
-    const block = chosen(from);
-    const before = to.keyAtGap(gap);
-    if (from.uuid === to.uuid)
-        return moveTo(from, {before});
-    add(to.uuid, block, before);
-}
-
-// What a dragged row takes along; null where nothing may be changed.
-function beginDrag(pane, key) {
-    if (!key || app.isReadOnly)
-        return null;
-    if (!pane.selected.has(key))
-        pane.click(key, false, false);
-    const block = pane.selection();
-    return block.length === 1 ? app.services.get(block[0].id).shown : many(block.length, "channel");
-}
-
-function trouble(text) {
-    $("trouble").textContent = text;
-    $("trouble").hidden = !text;
-}
 
 // After every change of the state.
 function changed() {
@@ -222,8 +130,8 @@ function changed() {
         app.state = st.start({...app.state.base, ...app.conflict});
         app.conflict = null;
     }
-    if (!work.keep(app.database, app.state))
-        trouble("The browser has no room to keep this over a reload: save it soon.");
+    if (app.isBegun && !work.keep(app.database, app.state))
+        app.trouble("The browser has no room to keep this over a reload: save it soon.");
     draw();
 }
 
@@ -235,8 +143,8 @@ function draw() {
     for (const pane of app.panes)
         pane.refresh();
     drawLists();
-    drawBar();
-    drawConflict();
+    drawBar(app);
+    drawConflict(app);
 }
 
 function drawLists() {
@@ -255,58 +163,6 @@ function drawLists() {
         item.append(button);
         return item;
     }));
-}
-
-const linesOf = (from, to) => Object.keys(to).flatMap((uuid) =>
-    from[uuid] && to[uuid] !== from[uuid]
-        ? st.changes(from[uuid], to[uuid]).map((line) => ({list: app.nameOf(uuid), ...line})) : []);
-
-const baseDoc = (base) => Object.fromEntries(Object.entries(base).map(([uuid, {entries}]) => [uuid, entries]));
-const myLines = () => linesOf(baseDoc(app.state.base), st.current(app.state));
-
-function drawBar(text) {
-    const count = myLines().length;
-    $("undo").disabled = app.state.past.length === 0;
-    $("redo").disabled = app.state.future.length === 0;
-    $("bar").hidden = count === 0 && !app.saved && !text;
-    $("count").textContent = text ?? (count ? many(count, "change") : app.saved ? "Saved." : "");
-    $("take-back").hidden = !app.saved || count > 0;
-    for (const id of ["show-changes", "discard", "save"])
-        $(id).hidden = count === 0;
-    $("save").disabled = Boolean(app.conflict) || app.isReadOnly;
-    document.title = count ? `(${count}) Channels` : "Channels";
-}
-
-const sentence = (line) => `${line.list}: ${app.services.get(line.id)?.shown ?? line.id} ${line.what.join(", ")}`
-    + (line.before !== null && line.after !== null && line.before !== line.after
-        ? ` from ${line.before} to ${line.after}` : "");
-
-function drawConflict() {
-    $("conflict").hidden = !app.conflict;
-    if (!app.conflict)
-        return;
-    const theirs = linesOf(baseDoc(app.state.base), baseDoc(app.conflict));
-    for (const [id, lines] of [["theirs", theirs], ["mine", myLines()]])
-        $(id).replaceChildren(...lines.slice(0, 100).map((line) => {
-            const item = document.createElement("li");
-            item.textContent = sentence(line);
-            return item;
-        }));
-}
-
-function showChanges() {
-    const lines = myLines();
-    const cells = (line) => [line.list, line.what.join(", "), line.before ?? "", line.after ?? "",
-                             app.services.get(line.id).shown];
-    $("changes").querySelector("tbody").replaceChildren(...lines.slice(0, MOST_LINES).map((line) => {
-        const row = document.createElement("tr");
-        for (const text of cells(line))
-            row.append(Object.assign(document.createElement("td"), {textContent: text}));
-        return row;
-    }));
-    $("changes-title").textContent = lines.length > MOST_LINES
-        ? `The first ${MOST_LINES} of ${lines.length} changes` : many(lines.length, "change");
-    $("changes").showModal();
 }
 
 // Lists as the server sent them, as a base.
@@ -376,7 +232,7 @@ async function reload() {
 async function attempt(talk) {
     try {
         const result = await talk();
-        trouble(app.isReadOnly ? "Read-only: look around, nothing can be saved." : "");
+        app.trouble(app.isReadOnly ? "Read-only: look around, nothing can be saved." : "");
         $("connection").textContent = "";
         return result ?? true;
     } catch (error) {
@@ -384,7 +240,7 @@ async function attempt(talk) {
             throw error;
         const isGone = error instanceof server.Unreachable;
         $("connection").textContent = isGone ? "not connected" : "";
-        trouble(isGone
+        app.trouble(isGone
             ? "The server of this page does not answer. Your work stays here; start \"channellist page\" again and open its address in this tab."
             : `${error.message}. Your work stays here.`);
         return undefined;
@@ -399,7 +255,7 @@ async function busy(text, talk) {
         return await attempt(talk);
     } finally {
         app.isBusy = false;
-        drawBar();
+        drawBar(app);
     }
 }
 
@@ -408,9 +264,8 @@ async function poll() {
     if (!app.isBusy && !app.isDragging()) {
         try {
             const mark = await server.mark();
-            if (mark !== app.mark || $("connection").textContent) {
-                await attempt(reload);
-            }
+            if (!app.isBegun || mark !== app.mark || $("connection").textContent)
+                await (app.isBegun ? attempt(reload) : start());
         } catch {
             if (!isTroubled || !$("connection").textContent)
                 await attempt(server.mark);
@@ -426,13 +281,35 @@ function resume(kept) {
     const fits = Object.entries(kept.versions).every(([uuid, version]) =>
         !app.state.base[uuid] || app.state.base[uuid].version === version);
     try {
-        app.state = st.rebase({...app.state, past: kept.past, future: kept.future ?? []}, {}, app.lists);
+        app.state = st.rebase({...app.state, past: [...kept.past, ...app.state.past],
+                               future: kept.future ?? []}, {}, app.lists);
         changed();
         if (!fits)
-            trouble("The lists have changed since: this is your work on top of them. Look at it before you save.");
+            app.trouble("The lists have changed since: this is your work on top of them. Look at it before you save.");
     } catch {
-        trouble("Unsaved work of before could not be read.");
+        app.trouble("Unsaved work of before could not be read.");
     }
+}
+
+// What the page begins with.
+async function load() {
+    await readOverview();
+    const favs = [1, 2, 3, 4].map(app.uuidOfFav).filter(Boolean);
+    const all = [app.uuidOfAll()].filter(Boolean);
+    app.panes[0].setList(favs[0]);
+    app.panes[1].setList(all[0]);
+    app.activate(app.panes[0]);
+    take(await server.lists(favs));
+    requestAnimationFrame(() => window.firstList = performance.now());
+    take(await server.lists(all));
+}
+
+// Again until it succeeds: work of before a reload waits for it.
+async function start() {
+    if (!await attempt(load))
+        return;
+    app.isBegun = true;
+    resume(work.kept(app.database));
 }
 
 async function begin() {
@@ -440,10 +317,13 @@ async function begin() {
     document.querySelector("main").append(...app.panes.map((pane) => pane.root));
     app.active = app.panes[0];
     app.favs = new Map();
-    app.isDragging = enableDragging(app.panes, {begin: beginDrag, drop});
+    app.isDragging = enableDragging(app.panes, {
+        begin: (...words) => beginDrag(app, ...words),
+        drop: (...words) => drop(app, ...words),
+    });
     enableKeys(app);
     for (const [id, action] of Object.entries({
-        undo: app.undo, redo: app.redo, save: app.save, "show-changes": showChanges,
+        undo: app.undo, redo: app.redo, save: app.save, "show-changes": () => showChanges(app),
         help: () => $("keys").showModal(),
         switch: () => {
             const isSecond = document.body.classList.toggle("second");
@@ -478,7 +358,7 @@ async function begin() {
                 return;
             app.saved = null;
             await attempt(reload);
-            drawBar(answer.overtaken.length ? "Others have written since: it was not taken back."
+            drawBar(app, answer.overtaken.length ? "Others have written since: it was not taken back."
                 : "Taken back, and flushed to the disk.");
         },
     }))
@@ -491,19 +371,7 @@ async function begin() {
     });
     addEventListener("afterprint", () => $("print").replaceChildren());
 
-    let kept = null;
-    await attempt(async () => {
-        await readOverview();
-        kept = work.kept(app.database);
-        const favs = [1, 2, 3, 4].map(app.uuidOfFav).filter(Boolean);
-        app.panes[0].setList(favs[0]);
-        app.panes[1].setList(app.uuidOfAll());
-        app.activate(app.panes[0]);
-        take(await server.lists(favs));
-        requestAnimationFrame(() => window.firstList = performance.now());
-        take(await server.lists([app.uuidOfAll()]));
-    });
-    resume(kept);
+    await start();
     setTimeout(poll, POLL);
 }
 
