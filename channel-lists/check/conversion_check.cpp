@@ -3,6 +3,7 @@
 
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <map>
+#include <set>
 
 #include "check/finding.h"
 #include "database/list_naming.h"
@@ -85,13 +86,21 @@ std::string itemIds(List const& list, std::string const& servicePid) {
     return ids.text(0);
 }
 
-// A service stands in many lists: one finding names them all.
+// A service stands in many lists: one finding names them all. A missing row of a transponder is
+// told once, with all services that need it.
 class ServiceFindings {
   public:
     void add(Finding const& finding, List const& list, ResultRow const& row) {
-        auto const [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
+        std::string const cause =
+            finding.what.find("Tuner has no row") != std::string::npos ? "" : finding.row;
+        auto const [known, isNew] = known_.emplace(cause + finding.what, findings_.size());
         if (isNew)
             findings_.push_back(finding);
+        if (!isNew && cause.empty() && findings_[known->second].row != finding.row) {
+            if (services_.insert(row[kPid]).second)
+                also_[known->second] += ", " + row[kPid];
+            return;
+        }
         constexpr int kMostLists = 5;
         int const lists = ++lists_[known->second];
         if (lists <= kMostLists)
@@ -100,10 +109,17 @@ class ServiceFindings {
         else if (lists == kMostLists + 1)
             findings_[known->second].viewer += " and others";
     }
-    Findings const& findings() const { return findings_; }
+    Findings findings() const {
+        Findings all = findings_;
+        for (auto const& [index, services] : also_)
+            all[index].row += services;
+        return all;
+    }
 
   private:
     Findings findings_;
+    std::set<std::string> services_;           // that others speak for
+    std::map<std::size_t, std::string> also_;  // their keys, by the finding
     std::map<std::string, std::size_t> known_;
     std::map<std::size_t, int> lists_;
 };
@@ -212,7 +228,8 @@ void checkServiceRows(Findings& findings) {
                 nameFoulColumns(list, rows, row, found);
         }
     }
-    findings.insert(findings.end(), found.findings().begin(), found.findings().end());
+    Findings const all = found.findings();
+    findings.insert(findings.end(), all.begin(), all.end());
 }
 
 void checkFolders(Findings& findings) {

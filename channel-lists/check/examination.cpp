@@ -40,7 +40,10 @@ constexpr Consequence kConsequences[] = {
     {"list-uuid", "edit"},
     {"stale-index", "edit"},
     {"stale-index", "unread"},
+    {"no-service", "dangling-item"},
+    {"no-service", "lcn"},
     {"fav-lists", "fav-order"},
+    {"fav-lists", "dangling-item"},
     {"fav-lists", "fav-tag"},
     {"fav-order", "fav-tag"},
     {"endless", "unread"},
@@ -67,7 +70,6 @@ constexpr Consequence kConsequences[] = {
     {"view-for-table", "unread"},
     {"view-for-table", "service-query"},
     {"service-query", "edit"},
-    {"tuner-row", "no-locator"},
 };
 
 void nameCauses(Findings& findings) {

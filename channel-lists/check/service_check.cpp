@@ -18,6 +18,11 @@ namespace {
 #define EVERY_SATELLITE_TUNER                                                                \
     "(SELECT 'DvbSTuner' AS Kind, TunerId, Satellite, Polarization FROM DvbSTuner UNION ALL" \
     " SELECT 'DvbS2Tuner', TunerId, Satellite, Polarization FROM DvbS2Tuner)"
+// Which kinds of delivery a transponder's row is there for.
+#define EVERY_KIND                                                                            \
+    "(SELECT 2 AS Kind, TunerId FROM DvbTTuner UNION ALL SELECT 3, TunerId FROM DvbCTuner"    \
+    " UNION ALL SELECT 4, TunerId FROM DvbSTuner UNION ALL SELECT 6, TunerId FROM DvbT2Tuner" \
+    " UNION ALL SELECT 7, TunerId FROM DvbC2Tuner UNION ALL SELECT 8, TunerId FROM DvbS2Tuner)"
 
 // clang-format off
 constexpr Rule kRules[] = {
@@ -41,6 +46,12 @@ constexpr Rule kRules[] = {
      ", 'UPDATE Service SET Name = ... WHERE Pid = ' || Pid"
      " FROM Service WHERE why_foul_text(coalesce(nullif(ServiceName, ''), nullif(ShortName, ''),"
      " Name)) IS NOT NULL"},
+
+    {"no-service", Severity::Seen, Mend::Decision,
+     "SELECT 'Service', 'holds no row, and ' || count(*) || ' entries of lists name services'"
+     ", 'no list shows anything'"
+     ", 'bring a backup back, or scan'"
+     " FROM FavoriteItem WHERE NOT EXISTS (SELECT 1 FROM Service) HAVING count(*) > 0"},
 
     {"service-in-no-list", Severity::Seen, Mend::Decision,
      "SELECT 'Service ' || Pid, quote(Name) || ' stands in no list'"
@@ -101,12 +112,12 @@ constexpr Rule kRules[] = {
      " FROM DvbService JOIN Service ON Pid = ServiceId WHERE Sid = 0 AND Type IN (2, 3, 4, 6, 7, 8)"},
 
     {"frequency", Severity::Tuning, Mend::Decision,
-     "SELECT 'Tuner ' || t.TunerId, 'Frequency is ' || quote(Frequency) || ', no frequency in kHz'"
+     "SELECT 'Tuner ' || t.TunerId, 'Frequency is ' || quote(Frequency) || ', no frequency'"
      ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
      ", 'scan the transponder anew'"
      " FROM " EVERY_TUNER " t JOIN DvbService d USING (TunerId) JOIN Service ON Pid = ServiceId"
      " WHERE Frequency NOT NULL AND (typeof(Frequency) <> 'integer' OR Frequency NOT BETWEEN 1 AND"
-     " 2147483647) GROUP BY t.TunerId"},
+     " 31000000000) GROUP BY t.TunerId"},
 
     {"satellite", Severity::Tuning, Mend::Decision,
      "SELECT Kind || ' ' || t.TunerId, 'Satellite is ' || quote(Satellite)"
@@ -172,6 +183,7 @@ constexpr Rule kFrontends[] = {
      ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
      ", 'UPDATE Tuner SET Frontend = ' || min(Type) || ' WHERE TunerId = ' || t.TunerId"
      " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
+     " JOIN " EVERY_KIND " k ON k.TunerId = t.TunerId AND Kind = Type"
      " WHERE Type IN (2, 3, 4, 6, 7, 8) AND Frontend BETWEEN 1 AND 8"
      " GROUP BY t.TunerId HAVING min(Type) = max(Type)"
      " AND Frontend NOT IN (min(Type), CASE WHEN min(Type) < 5 THEN min(Type) + 4 ELSE min(Type) - 4 END)"},

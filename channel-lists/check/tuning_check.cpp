@@ -2,6 +2,7 @@
 // number their modulations, polarizations and bands how is theirs.
 #include <channellist-access/db_access.h>
 
+#include <algorithm>
 #include <array>
 #include <map>
 
@@ -102,19 +103,32 @@ std::string conversion(Quantity const& quantity, Value const& value, int unit) {
            std::to_string(value.value);
 }
 
-// What most rows of all tables use: one program wrote them.
+// What most rows of all tables use, because one program wrote them; the library's where as many use
+// another.
 int usualUnit(std::map<int, std::int64_t> const& services) {
+    constexpr int kKilo = 1;
     int usual = kNone;
     for (auto const& [unit, count] : services)
-        if (unit != kNone && (usual == kNone || count > services.at(usual)))
+        if (unit != kNone && (usual == kNone || count > services.at(usual) ||
+                              (count == services.at(usual) && unit == kKilo)))
             usual = unit;
     return usual;
 }
 
+// A program may write one kind of delivery in another unit than the next.
+bool agree(std::vector<Value> const& values) {
+    return values.size() > 1 && std::all_of(
+                                    values.begin(), values.end(),
+                                    [&](Value const& value) {
+                                        return value.unit != kNone &&
+                                               value.unit == values.front().unit;
+                                    });
+}
+
 void judge(Quantity const& quantity, Value const& value, int usual, Findings& findings) {
-    // A frequency of 0 is another rule's.
+    // A frequency of 0, or beyond all that there is, is another rule's.
     bool const isFrequency = quantity.column[0] == 'F';
-    if (value.unit == usual || (isFrequency && (value.value <= 0 || value.value > 2147483647)))
+    if (value.unit == usual || (isFrequency && (value.value <= 0 || value.value > 31000000000)))
         return;
     std::string const stored = std::string(quantity.column) + " is " + std::to_string(value.value);
     Finding finding{isFrequency ? "frequency" : "symbol-rate",
@@ -145,7 +159,8 @@ void checkColumn(std::string const& column, Findings& findings) {
     int const usual = usualUnit(services);
     for (auto const& [quantity, values] : all)
         for (Value const& value : values)
-            judge(*quantity, value, usual, findings);
+            if (!agree(values))
+                judge(*quantity, value, usual, findings);
 }
 
 }  // namespace

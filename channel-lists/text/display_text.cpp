@@ -35,6 +35,12 @@ bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
+// Turns the direction of all that follows, beyond the end of its own text.
+bool isTurning(utf8proc_int32_t character) {
+    return (character >= 0x202A && character <= 0x202E) ||
+           (character >= 0x2066 && character <= 0x2069);
+}
+
 // Each part keeps what stands of the separator before its blank.
 std::vector<std::string> split(std::string const& text, std::string const& separator) {
     std::vector<std::string> parts;
@@ -107,10 +113,10 @@ std::string displayText(std::string const& text) {
     forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
         if (character < 0) {
             shown += kReplacement;
-        } else if (isControl(character)) {
+        } else if (isControl(character) || isTurning(character)) {
             char escape[16];
-            std::snprintf(escape, sizeof escape, "\\x%02x",
-                          static_cast<unsigned int>(character) & 0xFFU);
+            std::snprintf(escape, sizeof escape, isTurning(character) ? "\\u%04x" : "\\x%02x",
+                          static_cast<unsigned int>(character) & 0xFFFFU);
             shown += escape;
         } else {
             shown.append(bytes, length);
