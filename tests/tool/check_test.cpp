@@ -347,7 +347,7 @@ TEST_F(ToolTest, ExaminesTheOttDatabase) {
 
 TEST_F(ToolTest, ReportsDamagedFiles) {
     std::string pages = content("set.db");
-    for (std::size_t const part : {2, 9}) {
+    for (std::size_t const part : {2U, 9U}) {
         write("set.db", pages.substr(0, pages.size() * part / (part + 1)));
         expect({"check --json", 1, "\"rule\": \"damage\"", nullptr});
         EXPECT_THAT(out, HasSubstr("rows that can be read: AnalogService"));
