@@ -35,6 +35,21 @@ bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
+// What no reader sees but the terminal obeys: other directions, breaks, ends of lines, tags.
+// Joiners are letters to some scripts.
+bool isInvisible(utf8proc_int32_t character) {
+    return character == 0x200B || character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2060 && character <= 0x206F) || character == 0x061C ||
+           character == 0xFEFF || (character >= 0xE0000 && character <= 0xE007F);
+}
+
+void appendEscape(std::string& text, char const* format, utf8proc_int32_t character) {
+    char escape[16];
+    std::snprintf(escape, sizeof escape, format, static_cast<unsigned int>(character));
+    text += escape;
+}
+
 // Each part keeps what stands of the separator before its blank.
 std::vector<std::string> split(std::string const& text, std::string const& separator) {
     std::vector<std::string> parts;
@@ -108,10 +123,9 @@ std::string displayText(std::string const& text) {
         if (character < 0) {
             shown += kReplacement;
         } else if (isControl(character)) {
-            char escape[16];
-            std::snprintf(escape, sizeof escape, "\\x%02x",
-                          static_cast<unsigned int>(character) & 0xFFU);
-            shown += escape;
+            appendEscape(shown, "\\x%02x", character);
+        } else if (isInvisible(character)) {
+            appendEscape(shown, "\\u%04x", character);
         } else {
             shown.append(bytes, length);
         }
