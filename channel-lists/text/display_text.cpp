@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "text/invisible.h"
+
 namespace channel_lists {
 namespace {
 
@@ -33,15 +35,6 @@ std::size_t widthOf(utf8proc_int32_t character) {
 
 bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
-}
-
-// What no reader sees but the terminal obeys: other directions, breaks, ends of lines, tags.
-// Joiners are letters to some scripts.
-bool isInvisible(utf8proc_int32_t character) {
-    return character == 0x200B || character == 0x200E || character == 0x200F ||
-           (character >= 0x2028 && character <= 0x202E) ||
-           (character >= 0x2060 && character <= 0x206F) || character == 0x061C ||
-           character == 0xFEFF || (character >= 0xE0000 && character <= 0xE007F);
 }
 
 void appendEscape(std::string& text, char const* format, utf8proc_int32_t character) {
@@ -82,6 +75,13 @@ void addPiece(std::vector<std::string>& lines, std::string const& piece, std::si
 }
 
 }  // namespace
+
+bool isInvisible(std::int32_t character) {
+    return character == 0x200B || character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2060 && character <= 0x206F) || character == 0x061C ||
+           character == 0xFEFF || (character >= 0xE0000 && character <= 0xE007F);
+}
 
 std::size_t displayWidth(std::string const& text) {
     std::size_t width = 0;
