@@ -41,7 +41,8 @@ std::string didYouMean(std::string const& word, std::vector<std::string> const& 
     for (std::string const& name : names) {
         std::string const called = folded(name);
         bool const isHeld = part.size() > 1 && bare(called).find(part) != std::string::npos;
-        std::size_t const distance = isHeld ? 1 : distanceTo(called, meant);
+        std::size_t const whole = distanceTo(called, meant);
+        std::size_t const distance = isHeld ? std::min<std::size_t>(whole, 1) : whole;
         if (distance <= slips && name != word && !name.empty())
             near.emplace(distance, name);
     }
