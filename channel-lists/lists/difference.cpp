@@ -49,8 +49,13 @@ void compare(std::string const& listName, std::vector<Entry> const& before,
                 words.emplace_back("hidden");
             changes.push_back({listName, words, "", number, entry->name, entry->serviceId, {}});
         } else if (!(*old->second == *entry)) {
-            changes.push_back({listName, wordsFor(*old->second, *entry), numberText(*old->second),
-                               number, entry->name, entry->serviceId, {}});
+            changes.push_back({listName,
+                               wordsFor(*old->second, *entry),
+                               numberText(*old->second),
+                               number,
+                               entry->name,
+                               entry->serviceId,
+                               {}});
         }
     }
 }
@@ -110,9 +115,9 @@ void findCauses(std::vector<Change>& changes) {
         if (!stays[i])
             movers.push_back(steps[i].change);
     for (std::size_t i = 0; i < steps.size(); ++i) {
-        auto const cause =
-            std::find_if(movers.begin(), movers.end(),
-                         [&](Change const* mover) { return follows(steps[i], *mover); });
+        auto const cause = std::find_if(movers.begin(), movers.end(), [&](Change const* mover) {
+            return follows(steps[i], *mover);
+        });
         if (stays[i] && cause != movers.end())
             steps[i].change->cause = (*cause)->serviceId;
     }

@@ -58,7 +58,7 @@ void dropLast(std::string& text, std::string const& word) {
 }
 
 std::optional<bool> hiddenBy(std::string const& mark) {
-    return mark == "hidden" ? std::optional(true)
+    return mark == "hidden"  ? std::optional(true)
            : mark == "shown" ? std::optional(false)
                              : std::nullopt;
 }

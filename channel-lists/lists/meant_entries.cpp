@@ -50,9 +50,8 @@ Places placesOf(std::vector<Entry> const& entries, std::function<bool(Entry cons
 Places placesMeantBy(std::vector<Entry> const& entries, std::string const& word) {
     if (isDigits(word)) {
         auto const number = wholeNumber(word);
-        return placesOf(entries, [&](Entry const& each) {
-            return number && each.number == *number;
-        });
+        return placesOf(entries,
+                        [&](Entry const& each) { return number && each.number == *number; });
     }
     if (word.compare(0, 3, "id:") == 0 && isDigits(word.substr(3))) {
         auto const id = wholeNumber(word.substr(3));
@@ -70,9 +69,11 @@ Places placesMeantBy(std::vector<Entry> const& entries, std::string const& word)
 
 Places placesInBlock(std::vector<Entry> const& entries, std::string const& word) {
     if (auto const range = rangeOf(word)) {
-        return placesOf(entries, [&](Entry const& each) {
-            return each.number && *each.number >= range->first && *each.number <= range->second;
-        });
+        return placesOf(
+            entries,
+            [&](Entry const& each) {
+                return each.number && *each.number >= range->first && *each.number <= range->second;
+            });
     }
     std::string const pattern = folded(word);
     return placesOf(entries, [&](Entry const& each) {

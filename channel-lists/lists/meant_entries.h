@@ -11,10 +11,10 @@ namespace channel_lists {
 // Whether the word can mean several: "200-209", "30-" or a name with * and ?.
 bool isBlock(std::string const& word);
 
-// Those at the numbers of "200-209" or "30-", or whose name "RTL*" fits, case aside, in the order of
-// their numbers. Of hidden and shown ones it is the hidden ones if `hidden`, else the shown ones.
-// An entry whose name is the word itself is meant alone; of any other word see findEntry. Throws
-// Failure when there is none.
+// Those at the numbers of "200-209" or "30-", or whose name "RTL*" fits, case aside, in the order
+// of their numbers. Of hidden and shown ones it is the hidden ones if `hidden`, else the shown
+// ones. An entry whose name is the word itself is meant alone; of any other word see findEntry.
+// Throws Failure when there is none.
 std::vector<std::size_t> findEntries(std::vector<Entry> const& entries, std::string const& word,
                                      std::string const& listName, bool hidden = false);
 

@@ -20,10 +20,14 @@ struct Word {
     char const* preposition;  // in front of a number; null without one
 };
 
-constexpr Word kWords[] = {{"add", Verb::Add, "at"},         {"remove", Verb::Remove, nullptr},
-                           {"move", Verb::Move, "to"},       {"hide", Verb::Hide, nullptr},
-                           {"restore", Verb::Restore, nullptr}, {"swap", Verb::Swap, nullptr},
-                           {"sort", Verb::Sort, nullptr},    {"copy", Verb::Copy, "at"}};
+constexpr Word kWords[] = {{"add", Verb::Add, "at"},
+                           {"remove", Verb::Remove, nullptr},
+                           {"move", Verb::Move, "to"},
+                           {"hide", Verb::Hide, nullptr},
+                           {"restore", Verb::Restore, nullptr},
+                           {"swap", Verb::Swap, nullptr},
+                           {"sort", Verb::Sort, nullptr},
+                           {"copy", Verb::Copy, "at"}};
 
 [[noreturn]] void refuse(std::string const& sentence) {
     throw Failure(sentence + "; \"channellist edit --help\" shows examples", kUsage);
@@ -44,10 +48,9 @@ class Parser {
 
   private:
     Word const* verbAt(std::size_t place) const {
-        auto const* const verb =
-            std::find_if(std::begin(kWords), std::end(kWords), [&](Word const& each) {
-                return place < words_.size() && words_[place] == each.text;
-            });
+        auto const* const verb = std::find_if(
+            std::begin(kWords), std::end(kWords),
+            [&](Word const& each) { return place < words_.size() && words_[place] == each.text; });
         return verb == std::end(kWords) ? nullptr : verb;
     }
 
@@ -210,14 +213,13 @@ void applyToBlock(Operation const& operation, ListContent& content) {
         content.moveAll(places, *operation.number);
     if (operation.verb == Verb::Remove)
         std::sort(places.begin(), places.end(), std::greater<>());
-    for (std::size_t const place : places) {
+    for (std::size_t const place : places)
         if (operation.verb == Verb::Remove)
             content.remove(place);
         else if (operation.verb == Verb::Hide)
             content.hide(place);
         else if (operation.verb == Verb::Restore)
             content.restore(place);
-    }
 }
 
 void applyOne(Operation const& operation, Material const& material, ListContent& content) {

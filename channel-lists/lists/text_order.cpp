@@ -103,10 +103,9 @@ class Ordering {
         bool const isFound = !line.key && line.triplet.empty();
         if (given.empty() || given == name || isFound || line.service == serviceText(placed.entry))
             return;
-        bool const hasMore =
-            given.size() > name.size() && (name.empty() || given.compare(given.size() - name.size() - 1,
-                                                                         std::string::npos,
-                                                                         " " + name) == 0);
+        bool const hasMore = given.size() > name.size() &&
+                             (name.empty() || given.compare(given.size() - name.size() - 1,
+                                                            std::string::npos, " " + name) == 0);
         std::string const first = given.substr(0, given.find(' '));
         std::string const more =
             hasMore && !name.empty() ? given.substr(0, given.size() - name.size() - 1) : first;
@@ -129,9 +128,9 @@ class Ordering {
             return;
         std::size_t const more = renamed_.size() - std::min(renamed_.size(), kMost);
         renamed_.resize(renamed_.size() - more);
-        result_.notes.push_back("names are the broadcaster's, and nothing is renamed: " +
-                                joined(renamed_) +
-                                (more == 0 ? "" : " and " + std::to_string(more) + " more"));
+        result_.notes.push_back(
+            "names are the broadcaster's, and nothing is renamed: " + joined(renamed_) +
+            (more == 0 ? "" : " and " + std::to_string(more) + " more"));
     }
 
     // Those that the text itself gives.
@@ -194,8 +193,8 @@ class Ordering {
         }
         if (!numbersHold_)
             std::stable_sort(kept.begin(), kept.end(), [joins](Placed const* a, Placed const* b) {
-            return joins ? *a->line->number < *b->line->number : *a->stored < *b->stored;
-        });
+                return joins ? *a->line->number < *b->line->number : *a->stored < *b->stored;
+            });
         std::vector<std::int64_t> numbers;
         numbers.reserve(kept.size());
         for (Placed const* each : kept)

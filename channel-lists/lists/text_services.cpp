@@ -109,9 +109,8 @@ Entry const* TextServices::find(TextLine const& line, std::string& error) const 
     if (named.size() == 1)
         return named[0];
     Found const& candidates = named.empty() ? tripled : named;
-    error = candidates.empty()
-                ? none(line, keyed)
-                : several(line.name.empty() ? line.triplet : line.name, candidates);
+    error = candidates.empty() ? none(line, keyed)
+                               : several(line.name.empty() ? line.triplet : line.name, candidates);
     return nullptr;
 }
 

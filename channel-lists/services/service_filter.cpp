@@ -47,8 +47,8 @@ bool fits(ResultRow const& service, ServiceFilter const& filter) {
             (filter.radio && kind == "radio")) &&
            (!filter.hd || (attributes & kHighDefinition) != 0) &&
            (!filter.free || (attributes & kScrambled) == 0) &&
-           (!filter.scrambled || (attributes & kScrambled) != 0) &&
-           (!filter.hidden || isHidden) && isReceivedBy(service, filter) &&
+           (!filter.scrambled || (attributes & kScrambled) != 0) && (!filter.hidden || isHidden) &&
+           isReceivedBy(service, filter) &&
            (filter.match.empty() ||
             folded(service[SERVICE_FIELD_CAPTION]).find(folded(filter.match)) != std::string::npos);
 }
@@ -101,8 +101,8 @@ void checkNumber(char const* option, std::string const& word) {
 void keepProvider(std::vector<ResultRow>& services, std::string const& provider) {
     std::map<unsigned int, std::string> const providers = readProviders();
     auto const isOther = [&](ResultRow const& row) {
-        auto const found = providers.find(
-            static_cast<unsigned int>(numberIn(row, SERVICE_FIELD_PID)));
+        auto const found =
+            providers.find(static_cast<unsigned int>(numberIn(row, SERVICE_FIELD_PID)));
         return found == providers.end() ||
                folded(found->second).find(folded(provider)) == std::string::npos;
     };

@@ -10,12 +10,12 @@ namespace channel_lists {
 
 struct ServiceFilter {
     bool tv = false, radio = false, hd = false, free = false, scrambled = false, hidden = false;
-    std::string delivery;  // "satellite", ...; "" for every
+    std::string delivery;            // "satellite", ...; "" for every
     std::string satellite, network;  // their numbers
     std::string frequency;           // in MHz
     std::string provider;            // a part of its name
-    std::string match;     // a part of the name, whatever its case
-    std::string sort;      // "number", "name" or "triplet"; "" keeps the set's order
+    std::string match;               // a part of the name, whatever its case
+    std::string sort;                // "number", "name" or "triplet"; "" keeps the set's order
 
     bool isSet() const;
 };

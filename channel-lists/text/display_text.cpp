@@ -120,15 +120,14 @@ std::vector<std::string> wrapText(std::string const& text, std::size_t width) {
 std::string displayText(std::string const& text) {
     std::string shown;
     forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
-        if (character < 0) {
+        if (character < 0)
             shown += kReplacement;
-        } else if (isControl(character)) {
+        else if (isControl(character))
             appendEscape(shown, "\\x%02x", character);
-        } else if (isInvisible(character)) {
+        else if (isInvisible(character))
             appendEscape(shown, "\\u%04x", character);
-        } else {
+        else
             shown.append(bytes, length);
-        }
     });
     return shown;
 }

@@ -32,8 +32,7 @@ std::string dumpJson(Json const& value, int indent) {
         auto const bits = [&](std::size_t behind) {
             return static_cast<unsigned int>(text[at + behind]) & 0x3FU;
         };
-        unsigned int const character =
-            isLong ? 0x2000U | bits(1) << 6U | bits(2) : 0x80U | bits(1);
+        unsigned int const character = isLong ? 0x2000U | bits(1) << 6U | bits(2) : 0x80U | bits(1);
         if (isLong ? !isInvisible(static_cast<std::int32_t>(character)) : character >= 0xA0)
             continue;
         char escape[8];

@@ -44,7 +44,7 @@ TEST_F(ToolTest, BringsAFavListToItsText) {
         {one + two + three + "4 id:4\n" + five, "1 1;2 2;3 3;4 4;5 5"},         // by key
         {one + "2 hidden ZDF HD id:2\r\n" + three + five, "1 1;2 2 deleted;3 3;5 5"},
         {"VOX\nJazz\n", "1 3;2 5"},
-        {"\xEF\xBB\xBFzdf hd\n", "1 2"},  // of a Windows editor, in whatever case
+        {"\xEF\xBB\xBFvox\n", "1 3"},  // of a Windows editor, in whatever case
         {one + two + "3 shown Other 1-1089-12060 id:3\n" + five, "1 1;2 2;3 3;5 5"},
         // A table's numbers hold, and so does what it does not tell.
         {"Number,Key\n5,5\n1,1\n3,3\n2,2\n", "1 1;2 2;3 3;5 5"},
@@ -70,11 +70,15 @@ TEST_F(ToolTest, BringsAFavListToItsText) {
 // Names, triplets and numbers of any kind stay as they are.
 TEST_F(ToolTest, TakesFoulListsBackUnchanged) {
     char const* const cases[] = {
-        "UPDATE DvbService SET Oid = -5", "UPDATE DvbService SET Tid = 99999999999",
-        "UPDATE Service SET Name = '   '", "UPDATE Service SET Name = ''",
+        "UPDATE DvbService SET Oid = -5",
+        "UPDATE DvbService SET Tid = 99999999999",
+        "UPDATE Service SET Name = '   '",
+        "UPDATE Service SET Name = ''",
         "UPDATE Service SET Name = 'shown 5 x' || char(8238) || char(9) || '  -  id:3'",
-        "UPDATE Service SET Name = '1-2-3'", "UPDATE FavoriteItem SET ChannelNum = NULL",
-        "UPDATE FavoriteItem SET ChannelNum = 'x'", "UPDATE FavoriteItem SET ChannelNum = -7"};
+        "UPDATE Service SET Name = '1-2-3'",
+        "UPDATE FavoriteItem SET ChannelNum = NULL",
+        "UPDATE FavoriteItem SET ChannelNum = 'x'",
+        "UPDATE FavoriteItem SET ChannelNum = -7"};
     std::string const before = content("set.db");
     for (char const* sql : cases) {
         change(sql);
@@ -104,13 +108,14 @@ TEST_F(ToolTest, KeepsEntriesOfOtherListsThatHaveNoLine) {
 TEST_F(ToolTest, TellsEverythingWrongInATextAtOnce) {
     write("text",
           "1 CNN\n2 ZDF HD\n3 id:3\n4 VOX\n8 id:1\n8 id:5\n99999999999 id:2\nid:77\n0 id:2\n"
-          "9 hiden Jazz 3-8-10\n7\n12\nJaz\n");
+          "9 hiden テレビ東京 2-7-9\n7\n12\nJaz\n");
     std::string const before = content("set.db");
     output("edit FAV1 --from text", 1);
     EXPECT_EQ(err,
               "channellist: nothing is written:\n"
               "text:1: no service fits 'CNN'\n"
-              "text:2: several services are meant by 'ZDF HD': id:2 (ZDF HD, satellite 4, 12604 MHz, 1-1011-11110, number 2), id:6 (ZDF HD, cable, 4-8-11110, number 6)\n"
+              "text:2: several services are meant by 'ZDF HD': id:2 (ZDF HD, satellite 4, 11493 "
+              "MHz, 1-1011-11110, number 2), id:6 (ZDF HD, cable, 394 MHz, 4-8-11110, number 6)\n"
               "text:4: VOX stands in line 3 already\n"
               "text:6: number 8 is given in line 5, too\n"
               "text:7: the channel number is too large\n"

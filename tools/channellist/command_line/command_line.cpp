@@ -76,16 +76,6 @@ CLI::Validator withoutMark() {
 
 constexpr char kHelp[] = "help";
 
-// "help edit" is "edit --help", and "help" alone "--help".
-void turnHelpAround(std::vector<std::string>& words) {
-    if (words.empty() || words.back() != kHelp)
-        return;
-    words.pop_back();
-    if (words.size() > 1)
-        words.erase(words.begin(), words.end() - 1);
-    words.insert(words.begin(), "--help");
-}
-
 CommandWords wordsOf(CLI::App const& app, std::string const& name) {
     CommandWords command = {name, {}};
     for (CLI::Option const* option : app.get_options())
@@ -116,6 +106,23 @@ CommandWords::Option const* optionOf(CommandWords const& common, CommandWords co
                 if (option.name == name)
                     return &option;
     return nullptr;
+}
+
+// "help edit" is "edit --help", and "help" alone "--help"; options for all commands may stand in
+// front.
+void turnHelpAround(CommandWords const& common, std::vector<std::string>& reversed) {
+    auto word = reversed.rbegin();
+    while (word != reversed.rend() && word->compare(0, 2, "--") == 0) {
+        CommandWords::Option const* const option = optionOf(common, nullptr, *word++);
+        if (option != nullptr && option->takesValue && word != reversed.rend())
+            ++word;
+    }
+    if (word == reversed.rend() || *word != kHelp)
+        return;
+    std::vector<std::string> help = {"--help"};
+    if (++word != reversed.rend())
+        help.push_back(*word);
+    reversed = std::move(help);
 }
 
 }  // namespace
@@ -257,7 +264,7 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
         return kSuccess;
     }
     std::vector<std::string> words = markedWords(argc, argv);
-    turnHelpAround(words);
+    turnHelpAround(wordsOf(*app_, ""), words);
     std::string const slip = slipIn(words);
     try {
         if (!slip.empty())

@@ -119,8 +119,7 @@ Words serviceWords(std::string const& list, std::size_t field) {
 
 // The operations of an edit, and the services behind them.
 Words editWords(Words const& arguments) {
-    static Words const verbs = {"add",     "remove", "move", "hide",
-                                "restore", "swap",   "sort", "copy"};
+    static Words const verbs = {"add", "remove", "move", "hide", "restore", "swap", "sort", "copy"};
     std::string const& last = arguments.back();
     bool const isFirst = arguments.size() == 1;  // the list
     if (!isFirst && last == "copy")

@@ -20,8 +20,7 @@ namespace {
 class CleanedOutput {
   public:
     CleanedOutput() : printed_(std::tmpfile(), std::fclose), terminal_(dup(STDOUT_FILENO)) {
-        if (printed_ == nullptr || terminal_ < 0 ||
-            dup2(fileno(printed_.get()), STDOUT_FILENO) < 0)
+        if (printed_ == nullptr || terminal_ < 0 || dup2(fileno(printed_.get()), STDOUT_FILENO) < 0)
             throw Failure(std::string("cannot make a temporary file: ") + std::strerror(errno));
     }
     ~CleanedOutput() { restore(); }

@@ -130,8 +130,7 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
 void takeFile(Options const& options, std::string const& text, Keeping const& keeping) {
     Sight const sight = look(options.list);
     std::vector<Entry> const after =
-        contentOf(sight, text, options.from == "-" ? "input" : options.from,
-                  options.mayBeEmpty);
+        contentOf(sight, text, options.from == "-" ? "input" : options.from, options.mayBeEmpty);
     Written const written = writeLists({{sight.seen, {after, options.renumber}}}, keeping);
     if (written.ending == Ending::Overtaken) {
         throw Failure(
@@ -257,7 +256,8 @@ void addEditCommand(CommandLine& line) {
             "  sort by ORDER [RANGE]    by name, number in all or provider\n"
             "  copy LIST [at NUMBER]    adds what is shown in another list to FAV1 to FAV4\n"
             "A SERVICE is its channel number in the list, its name or uuid, or id:N for the\n"
-            "database key. Several at once, but for swap: 200-209, 30- for all from there on, or a\n"
+            "database key. Several at once, but for swap: 200-209, 30- for all from there on, or "
+            "a\n"
             "name with * and ?. --everywhere hides or restores in every list that holds the\n"
             "service. --renumber closes the gaps in the list when it is FAV1 to FAV4, else in\n"
             "those of them that hold a service that is hidden or restored.\n"

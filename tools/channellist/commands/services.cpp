@@ -124,7 +124,8 @@ void addServicesCommand(CommandLine& line) {
         .json(options->format.json)
         .flag("--raw", options->format.raw, kRawHelp);
     addFilterOptions(command, options->filter);
-    command.footer(
+    command
+        .footer(
             narrowHelp(tableColumns()) +
             "Examples:\n"
             "  channellist services FAV1\n"

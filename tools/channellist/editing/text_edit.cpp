@@ -108,12 +108,13 @@ std::string readText(std::string const& file) {
     return text.str();
 }
 
-std::vector<Entry> contentOf(Sight const& sight, std::string const& text,
-                             std::string const& source, bool mayBeEmpty) {
+std::vector<Entry> contentOf(Sight const& sight, std::string const& text, std::string const& source,
+                             bool mayBeEmpty) {
     ListText const lines = parsed(text);
     if (lines.lines.empty() && lines.errors.empty() && !sight.seen.entries.empty() && !mayBeEmpty) {
-        throw Failure("the " + source +
-                      " names no service; nothing is written (--empty takes all out of FAV1 to FAV4)");
+        throw Failure(
+            "the " + source +
+            " names no service; nothing is written (--empty takes all out of FAV1 to FAV4)");
     }
     TextOrder order = orderOf(sight, lines);
     if (!order.errors.empty())
