@@ -161,9 +161,9 @@ constexpr Rule kRules[] = {
      " JOIN Service s ON s.Pid = i.ServiceId"
      " GROUP BY FavoriteId, i.ServiceId HAVING count(*) > 1"},
 
-    {"deleted-in-all", Severity::Odd, Mend::Decision,
+    {"hidden-in-all", Severity::Odd, Mend::Decision,
      "SELECT 'FavoriteItem ' || group_concat(f.Id, ', '), 'service ' || f.ServiceId"
-     " || ' is deleted in the All list, and shown in ' || group_concat(ifnull(l.Name, l.Uuid), ', ')"
+     " || ' is hidden in the All list, and shown in ' || group_concat(ifnull(l.Name, l.Uuid), ', ')"
      ", 'the service is gone from the list of all services, but not from the favourites'"
      ", 'whether it is to be shown: restore it in the All list, or hide it in the other'"
      " FROM FavoriteItem f JOIN FavoriteList l ON l.Pid = f.FavoriteId AND l.Creator LIKE"
@@ -173,7 +173,7 @@ constexpr Rule kRules[] = {
 
     {"hidden-list", Severity::Odd, Mend::Decision,
      "SELECT 'FavoriteList ' || l.Pid, 'all ' || count(*) || ' entries of ' || ifnull(l.Name, l.Uuid)"
-     " || ' are deleted'"
+     " || ' are hidden'"
      ", 'the list looks empty'"
      ", 'whether they are to be shown: channellist edit ' || quote(l.Uuid) || ' restore ...'"
      " FROM FavoriteList l JOIN FavoriteItem i ON i.FavoriteId = l.Pid WHERE Creator LIKE"

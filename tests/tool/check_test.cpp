@@ -227,10 +227,10 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
         {"UPDATE Service SET Name = ' ' || char(160) WHERE Pid = 2", "Service 2: its name is blank",
          "", nullptr},
         {"UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 2 AND FavoriteId = 1",
-         "FavoriteItem 8: service 2 is deleted in the All list, and shown in Mine", "favourites",
+         "FavoriteItem 8: service 2 is hidden in the All list, and shown in Mine", "favourites",
          nullptr},
         {"UPDATE FavoriteItem SET isDeleted = 1 WHERE FavoriteId = 11",
-         "FavoriteList 11: all 4 entries of Mine are deleted", "looks empty", nullptr},
+         "FavoriteList 11: all 4 entries of Mine are hidden", "looks empty", nullptr},
     };
     std::filesystem::remove(folder / "bin/sync");  // after each edit that is tried
     std::filesystem::create_symlink("/bin/true", folder / "bin/sync");
