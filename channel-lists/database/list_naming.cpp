@@ -3,14 +3,13 @@
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
-#include <set>
-#include <sstream>
 #include <utility>
 
 #include "database/query.h"
 #include "failure.h"
 #include "text/display_text.h"
 #include "text/folded_text.h"
+#include "text/near_names.h"
 
 namespace channel_lists {
 namespace {
@@ -83,34 +82,14 @@ std::string candidates(std::vector<List> const& lists) {
     return text;
 }
 
-// From the name or, unless that says little, the nearest of its words.
-std::size_t distanceTo(std::string const& name, std::string const& word) {
-    constexpr std::size_t kTelling = 4;
-    std::size_t distance = editDistance(folded(name), folded(word));
-    std::istringstream parts(name);
-    for (std::string part; word.size() >= kTelling && parts >> part;)
-        distance = std::min(distance, editDistance(folded(part), folded(word)));
-    return distance;
-}
-
-// The names that a slip of the fingers is away, the nearest first.
-std::string didYouMean(std::string const& word, std::vector<List> const& lists) {
-    constexpr std::size_t kMost = 4;
-    std::size_t const slips = word.size() <= 4 ? 1 : std::max<std::size_t>(2, word.size() / 4);
-    std::set<std::pair<std::size_t, std::string>> near;
+std::string suggestion(std::string const& word, std::vector<List> const& lists) {
+    std::vector<std::string> names;
     for (List const& list : lists) {
-        for (std::string const& name : {displayText(displayName(list)), displayText(list.name)}) {
-            std::size_t const distance = distanceTo(name, word);
-            if (distance <= slips && name != word && !name.empty())
-                near.emplace(distance, name);
-        }
+        names.push_back(displayText(displayName(list)));
+        names.push_back(displayText(list.name));
     }
-    std::string text;
-    std::size_t count = 0;
-    for (auto const& [distance, name] : near)
-        if (count++ < kMost)
-            text += (text.empty() ? "; did you mean '" : " or '") + name + "'";
-    return text.empty() ? "; \"channellist folders\" shows the lists" : text + "?";
+    std::string const near = didYouMean(word, names);
+    return near.empty() ? "; \"channellist folders\" shows the lists" : near;
 }
 
 }  // namespace
@@ -138,7 +117,7 @@ List findList(std::string const& word) {
     std::vector<List> const lists = allLists();
     std::vector<List> const called = listsMeantBy(word, lists);
     if (called.empty())
-        throw Failure("no list has the uuid or name '" + word + "'" + didYouMean(word, lists));
+        throw Failure("no list has the uuid or name '" + word + "'" + suggestion(word, lists));
     if (called.size() > 1 && called[0].uuid != word) {  // of those with one uuid: the set's choice
         throw Failure("several lists are meant by '" + word +
                       "', name one by its uuid: " + candidates(called));

@@ -68,7 +68,7 @@ class Collector {
         }
         Entry entry = *found;
         entry.number = text.lines[0].number;
-        entry.deleted = text.lines[0].hidden;
+        entry.deleted = text.lines[0].hidden.value_or(false);
         if (take(entry.serviceId))
             entries().push_back(entry);
     }

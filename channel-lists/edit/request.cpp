@@ -3,6 +3,7 @@
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 
 #include "database/query.h"
@@ -23,6 +24,8 @@ void append(std::vector<std::string>& request, unsigned int flags, Entry const& 
         throw Failure("id:" + std::to_string(entry.serviceId) + " (" + entry.name +
                       ") has no channel number that could be written back; move it to one");
     }
+    if (*entry.number > std::numeric_limits<std::int32_t>::max())
+        throw Failure("no channel number is left for " + entry.name + "; nothing is written");
     request.push_back(std::to_string(flags));
     request.push_back(numberText(entry));
     request.push_back(std::to_string(entry.serviceId));

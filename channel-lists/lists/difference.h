@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,9 +30,16 @@ struct Change {
     std::string before, after;      // channel numbers, "" where there is none
     std::string name;
     unsigned int serviceId;
+    // Of an entry that moved because another one came, went or was moved past it: the key of that
+    // one's service.
+    std::optional<unsigned int> cause;
 };
 
 std::vector<Change> differences(Snapshot const& before, Snapshot const& after);
+
+// As a person is told of them: where three and more follow one entry, that one alone, with "those
+// between follow".
+std::vector<Change> told(std::vector<Change> const& changes);
 
 Json differencesJson(std::vector<Change> const& changes);
 

@@ -6,6 +6,7 @@
 #include "failure.h"
 #include "services/service_reader.h"
 #include "services/service_words.h"
+#include "text/display_text.h"
 #include "text/json_text.h"
 
 namespace channel_lists {
@@ -30,6 +31,18 @@ std::string numberText(Entry const& entry) {
     return entry.number ? std::to_string(*entry.number) : std::string();
 }
 
+std::string described(Entry const& entry) {
+    std::vector<std::string> words = {entry.name};
+    for (std::string const& word : {entry.tuning, entry.triplet})
+        if (!word.empty())
+            words.push_back(word);
+    if (entry.number)
+        words.push_back("number " + numberText(entry));
+    if (entry.deleted)
+        words.emplace_back("hidden");
+    return "id:" + std::to_string(entry.serviceId) + " (" + joined(words) + ")";
+}
+
 Entry entryOf(ResultRow const& service) {
     auto const id = wholeNumber(service[SERVICE_FIELD_PID]).value_or(0);
     return {channelNumber(service[SERVICE_FIELD_CHANNEL_NUMBER]),
@@ -37,7 +50,8 @@ Entry entryOf(ResultRow const& service) {
             isDeleted(service),
             service[SERVICE_FIELD_CAPTION],
             service[SERVICE_FIELD_UUID],
-            tripletOf(service)};
+            tripletOf(service),
+            tuningOf(service)};
 }
 
 Entries readEntries(std::string const& listUuid) {
@@ -72,6 +86,36 @@ void ListContent::move(std::size_t index, std::int64_t number) {
     if (!closeUp(entries_[index], number))
         makeRoomAt(number);
     entries_[index].number = number;
+}
+
+// Those in front of their place go there from the last on, those behind it from the first on: so
+// none of the block is between the old and the new place of another.
+void ListContent::moveAll(std::vector<std::size_t> const& block, std::int64_t number) {
+    std::vector<std::pair<std::size_t, std::int64_t>> moves;
+    for (std::size_t const index : block) {
+        moves.emplace_back(index, number);
+        number = index == block.back() ? number : numberAfter(number);
+    }
+    auto const isInFront = [&](auto const& each) {
+        return entries_[each.first].number.value_or(kSmallest) < each.second;
+    };
+    auto const behind = std::stable_partition(moves.begin(), moves.end(), isInFront);
+    std::reverse(moves.begin(), behind);
+    for (auto const& [index, place] : moves)
+        move(index, place);
+}
+
+void ListContent::swap(std::size_t one, std::size_t other) {
+    std::swap(entries_[one].number, entries_[other].number);
+}
+
+void ListContent::order(std::vector<std::size_t> const& indices) {
+    std::vector<std::optional<std::int64_t>> numbers;
+    for (std::size_t const index : indices)
+        numbers.push_back(entries_[index].number);
+    std::sort(numbers.begin(), numbers.end());
+    for (std::size_t i = 0; i < indices.size(); ++i)
+        entries_[indices[i]].number = numbers[i];
 }
 
 void ListContent::hide(std::size_t index) { entries_[index].deleted = true; }
@@ -120,6 +164,8 @@ std::int64_t ListContent::numberAfter(std::int64_t number) const {
     do {
         ++number;
     } while (reserved_.count(number) != 0);
+    if (number > kLargest)
+        throw Failure("no channel number of " + listName_ + " is left behind the last one");
     return number;
 }
 

@@ -17,7 +17,6 @@
 namespace channel_lists {
 namespace {
 
-constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 constexpr char const* kColumns[] = {"Number", "State", "Name",     "Triplet",
                                     "Key",    "Kind",  "Delivery", "Frequency"};
 
@@ -103,6 +102,9 @@ class Columns {
         for (std::string const& name : header)
             names_.push_back(folded(name));
     }
+    bool has(char const* name) const {
+        return std::count(names_.begin(), names_.end(), folded(name)) != 0;
+    }
     std::string of(std::vector<std::string> const& row, char const* name) const {
         auto const place = std::find(names_.begin(), names_.end(), folded(name));
         auto const index = static_cast<std::size_t>(place - names_.begin());
@@ -113,25 +115,28 @@ class Columns {
     std::vector<std::string> names_;
 };
 
-std::string withoutMark(std::string const& text) {
-    return text.compare(0, 3, kByteOrderMark) == 0 ? text.substr(3) : text;
-}
-
-// What the row says as a line of the text form would; false when a number is none.
-bool readRow(Columns const& columns, std::vector<std::string> const& row, TextLine& line) {
+// What the row says as a line of the text form would. Gives what is wrong in it, "" for nothing.
+std::string readRow(Columns const& columns, std::vector<std::string> const& row, TextLine& line) {
     std::string const number = columns.of(row, "Number"), key = columns.of(row, "Key");
+    std::string const state = folded(columns.of(row, "State"));
     line.number = wholeNumber(number);
+    line.isUnnumbered = number.empty() && columns.has("Number");
     line.key = wholeNumber(key.compare(0, 3, "id:") == 0 ? key.substr(3) : key);
-    line.hidden = folded(columns.of(row, "State")) == "hidden";
+    if (!state.empty())
+        line.hidden = state == "hidden";
     line.name = fromText(columns.of(row, "Name"));
     line.triplet = columns.of(row, "Triplet");
-    return (number.empty() || line.number) && (key.empty() || line.key);
+    if ((!number.empty() && !line.number) || (!key.empty() && !line.key))
+        return "the number or key is none";
+    if (!state.empty() && state != "hidden" && state != "shown")
+        return "the state '" + columns.of(row, "State") + "' is neither shown nor hidden";
+    return line.name.empty() && line.triplet.empty() && !line.key ? "the row names no service" : "";
 }
 
 // What stands behind the first column's name: spreadsheets of some languages write semicolons or
 // tabs. Nothing for a text that is no table of a list.
 std::optional<char> separatorIn(std::string const& text) {
-    std::string header = withoutMark(text.substr(0, text.find_first_of("\r\n")));
+    std::string header = withoutByteOrderMark(text.substr(0, text.find_first_of("\r\n")));
     header.erase(std::remove(header.begin(), header.end(), '"'), header.end());
     std::size_t const end = header.find_first_of(",;\t");
     std::string const first = folded(header.substr(0, end));
@@ -158,18 +163,18 @@ bool isCsv(std::string const& text) { return separatorIn(text).has_value(); }
 
 ListText parseCsv(std::string const& text) {
     ListText result;
-    CsvRows const csv(withoutMark(text), separatorIn(text).value_or(','));
+    result.numbersHold = true;
+    CsvRows const csv(withoutByteOrderMark(text), separatorIn(text).value_or(','));
     result.errors = csv.errors;
     Columns const columns(csv.rows.empty() ? std::vector<std::string>() : csv.rows[0].fields);
     for (std::size_t i = 1; i < csv.rows.size(); ++i) {
         TextLine line;
         line.line = csv.rows[i].line;
-        if (!readRow(columns, csv.rows[i].fields, line))
-            result.errors.push_back({line.line, "the number or key is none"});
-        else if (line.name.empty() && line.triplet.empty() && !line.key)
-            result.errors.push_back({line.line, "the row names no service"});
-        else
+        std::string const error = readRow(columns, csv.rows[i].fields, line);
+        if (error.empty())
             result.lines.push_back(std::move(line));
+        else
+            result.errors.push_back({line.line, error});
     }
     return result;
 }

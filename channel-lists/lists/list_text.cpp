@@ -18,6 +18,8 @@ constexpr char kExplanation[] =
     "# Write hidden for shown, or shown for hidden; in FAV1 to FAV4 also delete and add lines:\n"
     "# a key (id:21), a triplet or a name is enough for a service that it alone fits.\n";
 constexpr char kBlanks[] = " \t\r";
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+constexpr char kNone[] = "-";  // for a number or triplet
 constexpr std::size_t kMarkWidth = 6;
 
 std::string padded(std::string const& text, std::size_t width) {
@@ -55,6 +57,12 @@ void dropLast(std::string& text, std::string const& word) {
     text = trimmed(text.substr(0, text.size() - word.size()));
 }
 
+std::optional<bool> hiddenBy(std::string const& mark) {
+    return mark == "hidden"  ? std::optional(true)
+           : mark == "shown" ? std::optional(false)
+                             : std::nullopt;
+}
+
 // Takes number and mark off the beginning; false when the number is too large. A name may be a
 // number, so what stands alone is no number.
 bool takeFront(std::string& rest, TextLine& line) {
@@ -71,9 +79,12 @@ bool takeFront(std::string& rest, TextLine& line) {
         line.number = number;
         dropFirst(rest, word);
     }
+    line.isUnnumbered = word == kNone && hiddenBy(firstWord(trimmed(rest.substr(word.size()))));
+    if (line.isUnnumbered)
+        dropFirst(rest, word);
     std::string const mark = firstWord(rest);
-    line.hidden = mark == "hidden";
-    if (line.hidden || mark == "shown")
+    line.hidden = hiddenBy(mark);
+    if (line.hidden)
         dropFirst(rest, mark);
     return true;
 }
@@ -86,7 +97,8 @@ void takeBack(std::string& rest, TextLine& line) {
             return;
         dropLast(rest, word);
         word = lastWord(rest);
-        if (word == "-")  // of services without a triplet
+        line.service = squeezed(rest);
+        if (word == kNone)
             dropLast(rest, word);
     }
     if (!word.empty() && isTriplet(word)) {
@@ -100,23 +112,46 @@ struct Widths {
 };
 
 std::string formatLine(Entry const& entry, Widths const& widths) {
-    std::string const number = numberText(entry);
+    std::string const number = entry.number ? numberText(entry) : kNone;
     std::size_t const blanks = widths.number - std::min(widths.number, number.size());
     return std::string(blanks, ' ') + number + "  " +
            padded(entry.deleted ? "hidden" : "shown", kMarkWidth) + "  " +
            padded(displayText(entry.name), widths.name) + "  " +
-           padded(entry.triplet.empty() ? "-" : entry.triplet, widths.triplet) +
+           padded(entry.triplet.empty() ? kNone : displayText(entry.triplet), widths.triplet) +
            "  id:" + std::to_string(entry.serviceId);
 }
 
 }  // namespace
+
+std::string squeezed(std::string const& text) {
+    std::string words;
+    bool isApart = false;
+    for (char const c : text) {
+        bool const isBlank = std::string(kBlanks).find(c) != std::string::npos;
+        if (!isBlank)
+            words.append(isApart ? " " : "").push_back(c);
+        isApart = isBlank && !words.empty();
+    }
+    return words;
+}
+
+std::string serviceText(Entry const& entry) {
+    return squeezed(displayText(entry.name) + " " +
+                    (entry.triplet.empty() ? kNone : displayText(entry.triplet)));
+}
+
+std::string withoutByteOrderMark(std::string const& text) {
+    return text.compare(0, sizeof kByteOrderMark - 1, kByteOrderMark) == 0
+               ? text.substr(sizeof kByteOrderMark - 1)
+               : text;
+}
 
 std::string formatEntry(Entry const& entry) { return formatLine(entry, Widths()); }
 
 std::string formatList(std::string const& listName, std::vector<Entry> const& entries) {
     Widths widths;
     for (Entry const& entry : entries) {
-        widths.number = std::max(widths.number, numberText(entry).size());
+        widths.number = std::max({widths.number, numberText(entry).size(), sizeof kNone - 1});
         widths.name = std::max(widths.name, displayWidth(displayText(entry.name)));
         widths.triplet = std::max(widths.triplet, entry.triplet.size());
     }
@@ -129,7 +164,7 @@ std::string formatList(std::string const& listName, std::vector<Entry> const& en
 
 ListText parseList(std::string const& text) {
     ListText result;
-    std::istringstream lines(text);
+    std::istringstream lines(withoutByteOrderMark(text));
     int count = 0;
     for (std::string content; std::getline(lines, content);) {
         TextLine line;

@@ -7,6 +7,7 @@
 
 #include "lists/text_services.h"
 #include "text/display_text.h"
+#include "text/folded_text.h"
 
 namespace channel_lists {
 namespace {
@@ -30,10 +31,12 @@ class Ordering {
 
     TextOrder run(ListText const& text) {
         result_.errors = text.errors;
+        numbersHold_ = text.numbersHold;
         for (TextLine const& line : text.lines)
             place(line);
         checkNumbers();
         noteMissing();
+        noteRenamed();
         if (result_.errors.empty())
             dealNumbers();
         if (result_.errors.empty())
@@ -66,11 +69,18 @@ class Ordering {
             placed.stored = held->second[lines.size()];
         lines.push_back(line.line);
         checkMembership(placed);
-        bool const asPrinted = line.key && !line.name.empty();
-        placed.kept = line.number &&
-                      (placed.stored ? stored_[*placed.stored].number == line.number : asPrinted);
+        checkWords(placed);
+        bool const isPrinted = line.key && !(line.name.empty() && line.triplet.empty());
+        if (placed.stored) {
+            Entry const& stored = stored_[*placed.stored];
+            bool const isNone = line.isUnnumbered && !stored.number;
+            placed.kept = isNone || (line.number && stored.number == line.number);
+        } else {
+            placed.kept = line.number && isPrinted;
+        }
         placed.entry.number = line.number;
-        placed.entry.deleted = line.hidden;
+        bool const isHidden = placed.stored && stored_[*placed.stored].deleted;
+        placed.entry.deleted = line.hidden.value_or(isHidden);
         placed_.push_back(std::move(placed));
     }
 
@@ -81,9 +91,46 @@ class Ordering {
         if (list_.favIndex == 0) {
             fail(*placed.line, name + " is not in " + displayName(list_) +
                                    ", and services are added to FAV1 to FAV4 only");
-        } else if (placed.line->hidden) {
-            fail(*placed.line, name + " joins the list, and only what is in it can be hidden");
         }
+    }
+
+    // A line found by name alone has it; in others it may be changed, or what stands in front of it
+    // is a slip of "shown" or "hidden".
+    void checkWords(Placed const& placed) {
+        TextLine const& line = *placed.line;
+        std::string const name = squeezed(displayText(placed.entry.name));
+        std::string const given = squeezed(line.name);
+        bool const isFound = !line.key && line.triplet.empty();
+        if (given.empty() || given == name || isFound || line.service == serviceText(placed.entry))
+            return;
+        bool const hasMore = given.size() > name.size() &&
+                             (name.empty() || given.compare(given.size() - name.size() - 1,
+                                                            std::string::npos, " " + name) == 0);
+        std::string const first = given.substr(0, given.find(' '));
+        std::string const more =
+            hasMore && !name.empty() ? given.substr(0, given.size() - name.size() - 1) : first;
+        if (!line.hidden && !numbersHold_ && (hasMore || isSlipOfState(first)))
+            fail(line, "'" + more + "' is neither shown nor hidden");
+        else
+            renamed_.push_back("'" + line.name + "' (line " + std::to_string(line.line) +
+                               ") stays '" + placed.entry.name + "'");
+    }
+
+    static bool isSlipOfState(std::string const& word) {
+        constexpr std::size_t kSlips = 2;
+        return editDistance(folded(word), "shown") <= kSlips ||
+               editDistance(folded(word), "hidden") <= kSlips;
+    }
+
+    void noteRenamed() {
+        constexpr std::size_t kMost = 3;
+        if (renamed_.empty())
+            return;
+        std::size_t const more = renamed_.size() - std::min(renamed_.size(), kMost);
+        renamed_.resize(renamed_.size() - more);
+        result_.notes.push_back(
+            "names are the broadcaster's, and nothing is renamed: " + joined(renamed_) +
+            (more == 0 ? "" : " and " + std::to_string(more) + " more"));
     }
 
     // Those that the text itself gives.
@@ -98,7 +145,7 @@ class Ordering {
                 fail(*each.line, "channel numbers begin at 1");
             else if (reserved_.count(number) != 0)
                 fail(*each.line, text + " belongs to an OTT channel");
-            if (each.line->hidden)
+            if (each.entry.deleted)
                 continue;
             auto const [other, isNew] = lines.emplace(number, each.line->line);
             if (!isNew)
@@ -130,7 +177,9 @@ class Ordering {
         }
     }
 
-    static bool dealsOut(Placed const& placed) { return placed.kept && !placed.line->hidden; }
+    static bool dealsOut(Placed const& placed) {
+        return placed.kept && placed.line->number && !placed.entry.deleted;
+    }
 
     // The numbers that lines keep, in the order of the list.
     std::vector<std::int64_t> keptNumbers() const {
@@ -142,9 +191,10 @@ class Ordering {
             kept.push_back(&each);
             joins = joins || !each.stored;
         }
-        std::stable_sort(kept.begin(), kept.end(), [joins](Placed const* a, Placed const* b) {
-            return joins ? *a->line->number < *b->line->number : *a->stored < *b->stored;
-        });
+        if (!numbersHold_)
+            std::stable_sort(kept.begin(), kept.end(), [joins](Placed const* a, Placed const* b) {
+                return joins ? *a->line->number < *b->line->number : *a->stored < *b->stored;
+            });
         std::vector<std::int64_t> numbers;
         numbers.reserve(kept.size());
         for (Placed const* each : kept)
@@ -169,12 +219,14 @@ class Ordering {
         for (Placed& each : placed_) {
             if (dealsOut(each)) {
                 std::int64_t const number = *next++;
-                bool const isShared = holders[number] > 1;
-                each.entry.number =
-                    used_.count(number) == 0 || isShared ? number : freeAfter(number);
-            } else if (!each.entry.number) {
+                bool const isTaken = used_.count(number) != 0 && holders[number] < 2;
+                bool const isFree = each.stored || (number > 0 && reserved_.count(number) == 0);
+                each.entry.number = isTaken || !isFree ? freeAfter(number) : number;
+            } else if (!each.entry.number && !each.kept) {
                 each.entry.number = freeAfter(last);
             }
+            if (!each.entry.number)
+                continue;
             if (*each.entry.number > std::numeric_limits<std::int32_t>::max())
                 fail(*each.line, "no channel number is left for it");
             if (each.entry.deleted)
@@ -217,6 +269,8 @@ class Ordering {
     std::map<unsigned int, std::vector<int>> lines_;           // of a service in the text
     std::vector<Placed> placed_;
     std::set<std::int64_t> used_;
+    std::vector<std::string> renamed_;
+    bool numbersHold_ = false;
     TextOrder result_;
 };
 

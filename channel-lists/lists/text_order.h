@@ -19,7 +19,8 @@ struct TextOrder {
 
 // `stored` is the list's content, `all` what can join a FAV list. Numbers that entries keep are
 // dealt out again in the order of the lines; one that another line asks for moves on to the next
-// that is free. Hidden entries occupy no number.
+// that is free; numbers that hold are dealt to none but their own lines. Hidden entries occupy no
+// number. Names are found, and never changed.
 TextOrder orderByText(List const& list, std::vector<Entry> const& stored,
                       std::vector<Entry> const& all, std::set<std::int64_t> const& reserved,
                       ListText const& text);

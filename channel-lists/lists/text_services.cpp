@@ -1,9 +1,15 @@
 #include "lists/text_services.h"
 
+#include <algorithm>
+
 #include "text/display_text.h"
+#include "text/folded_text.h"
+#include "text/near_names.h"
 
 namespace channel_lists {
 namespace {
+
+constexpr std::size_t kMostSuggestions = 20;
 
 using Found = std::vector<Entry const*>;
 
@@ -15,23 +21,21 @@ Found found(std::multimap<std::string, Entry const*> const& places, std::string 
     return result;
 }
 
-std::string several(std::string const& word, Found const& services) {
-    std::string text = "several services are meant by '" + word + "':";
-    for (Entry const* service : services)
-        text +=
-            (service == services.front() ? " id:" : ", id:") + std::to_string(service->serviceId);
-    return text;
-}
-
 std::string keyText(TextLine const& line) { return "id:" + std::to_string(*line.key); }
+
+bool hasName(Entry const& service, std::string const& name) {
+    return squeezed(displayText(service.name)) == squeezed(name);
+}
 
 }  // namespace
 
 TextServices::TextServices(std::vector<Entry> const& stored, std::vector<Entry> const& all) {
     for (Entry const& entry : stored)
         add(entry);
-    for (Entry const& entry : all)
+    for (Entry const& entry : all) {
         add(entry);
+        inAll_.emplace(entry.serviceId, &entry);
+    }
 }
 
 void TextServices::add(Entry const& entry) {
@@ -39,12 +43,45 @@ void TextServices::add(Entry const& entry) {
         return;
     if (!entry.triplet.empty())
         byTriplet_.emplace(entry.triplet, &entry);
-    byName_.emplace(displayText(entry.name), &entry);
+    byName_.emplace(folded(entry.name), &entry);
 }
 
 Entry const* TextServices::withKey(TextLine const& line) const {
     auto const place = line.key ? byKey_.find(*line.key) : byKey_.end();
     return place == byKey_.end() ? nullptr : place->second;
+}
+
+// Those that have the name to the letter, else in whatever case.
+Found TextServices::called(std::string const& name) const {
+    Found const alike = found(byName_, folded(name));
+    Found same;
+    std::copy_if(alike.begin(), alike.end(), std::back_inserter(same),
+                 [&](Entry const* service) { return hasName(*service, name); });
+    return same.empty() ? alike : same;
+}
+
+// With the numbers of the list of all services, where it is at hand.
+std::string TextServices::several(std::string const& word, Found const& services) const {
+    std::string text = "several services are meant by '" + word + "':";
+    for (Entry const* service : services) {
+        auto const whole = inAll_.find(service->serviceId);
+        text += (service == services.front() ? " " : ", ") +
+                described(whole == inAll_.end() ? *service : *whole->second);
+    }
+    return text;
+}
+
+std::string TextServices::none(TextLine const& line, Entry const* keyed) const {
+    std::string const text =
+        "no service fits '" + (line.name.empty() ? line.triplet : line.name) + "'";
+    if (keyed != nullptr)
+        return text + "; " + keyText(line) + " is " + displayText(keyed->name) + " here";
+    if (line.name.empty() || ++suggestions_ > kMostSuggestions)
+        return text;
+    std::vector<std::string> names;
+    for (auto const& [key, service] : byKey_)
+        names.push_back(displayText(service->name));
+    return text + didYouMean(line.name, names);
 }
 
 Entry const* TextServices::find(TextLine const& line, std::string& error) const {
@@ -54,27 +91,26 @@ Entry const* TextServices::find(TextLine const& line, std::string& error) const 
             error = "no service has the key " + keyText(line);
         return keyed;
     }
+    if (keyed != nullptr && !line.service.empty() && line.service == serviceText(*keyed))
+        return keyed;
     Found const tripled = found(byTriplet_, line.triplet);
     if (keyed != nullptr && !line.triplet.empty() && keyed->triplet == line.triplet)
         return keyed;
     if (tripled.size() == 1)
         return tripled[0];
     Found named;
-    for (Entry const* service : tripled.empty() ? found(byName_, line.name) : tripled)
-        if (displayText(service->name) == line.name)
+    if (tripled.empty())
+        named = called(line.name);
+    for (Entry const* service : tripled)
+        if (hasName(*service, line.name))
             named.push_back(service);
-    if (tripled.empty() && keyed != nullptr && displayText(keyed->name) == line.name)
+    if (tripled.empty() && keyed != nullptr && hasName(*keyed, line.name))
         return keyed;
     if (named.size() == 1)
         return named[0];
-    std::string const word = line.name.empty() ? line.triplet : line.name;
     Found const& candidates = named.empty() ? tripled : named;
-    error = candidates.empty()
-                ? "no service fits '" + word + "'" +
-                      (keyed == nullptr
-                           ? ""
-                           : "; " + keyText(line) + " is " + displayText(keyed->name) + " here")
-                : several(word, candidates);
+    error = candidates.empty() ? none(line, keyed)
+                               : several(line.name.empty() ? line.triplet : line.name, candidates);
     return nullptr;
 }
 

@@ -14,10 +14,10 @@ class TextServices {
     // Entries that stand in both are those of `stored`. They have to outlive the object.
     TextServices(std::vector<Entry> const& stored, std::vector<Entry> const& all);
 
-    // By triplet, among several of them by key or name; by key when the name fits, too, or when
-    // nothing else is given; else by name. So a text finds its services again in a database of
-    // another scan, where the keys are others. Null with a sentence in `error` when no service or
-    // none alone fits.
+    // By key when the line is as it was printed; by triplet, among several of them by key or name;
+    // by key when the name fits, too, or when nothing else is given; else by name, in whatever
+    // case. So a text finds its services again in a database of another scan, where the keys are
+    // others. Null with a sentence in `error` when no service or none alone fits.
     Entry const* find(TextLine const& line, std::string& error) const;
 
   private:
@@ -25,10 +25,15 @@ class TextServices {
 
     void add(Entry const& entry);
     Entry const* withKey(TextLine const& line) const;
+    std::vector<Entry const*> called(std::string const& name) const;
+    std::string several(std::string const& word, std::vector<Entry const*> const& services) const;
+    std::string none(TextLine const& line, Entry const* keyed) const;
 
     std::map<std::int64_t, Entry const*> byKey_;
     Places byTriplet_;
-    Places byName_;  // as the text shows them
+    Places byName_;  // as the text shows them, case aside
+    std::map<unsigned int, Entry const*> inAll_;
+    mutable std::size_t suggestions_ = 0;  // they take their time in long texts
 };
 
 }  // namespace channel_lists

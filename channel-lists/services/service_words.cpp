@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 
+#include "text/json_text.h"
+
 namespace channel_lists {
 namespace {
 
@@ -47,14 +49,26 @@ std::string tripletOf(ResultRow const& service) {
     return triplet == "0-0-0" || triplet == "--" ? "" : triplet;
 }
 
+std::string tuningOf(ResultRow const& service) {
+    constexpr std::int64_t kMegahertz = 1000;  // in kHz
+    std::string text = deliveryOf(service);
+    std::string const& satellite = service[SERVICE_FIELD_SATELLITE];
+    if (!satellite.empty())
+        text += (text.empty() ? "satellite " : " ") + satellite;
+    std::int64_t const frequency = wholeNumber(service[SERVICE_FIELD_FREQUENCY]).value_or(0);
+    if (frequency > 0)
+        text += (text.empty() ? "" : ", ") + std::to_string(frequency / kMegahertz) + " MHz";
+    return text;
+}
+
 std::vector<std::string> statesOf(ResultRow const& service) {
     unsigned int const attributes = attributesOf(service);
     const struct {
         bool applies;
         char const* word;
     } states[] = {
-        {isDeleted(service), "deleted"},
-        {service[SERVICE_FIELD_VISIBLE] == "0", "hidden"},
+        {isDeleted(service), "hidden"},
+        {service[SERVICE_FIELD_VISIBLE] == "0", "invisible"},
         {service[SERVICE_FIELD_SELECTABLE] == "0", "not selectable"},
         {(attributes & kScrambled) != 0, "scrambled"},
         {(attributes & kLocked) != 0, "locked"},

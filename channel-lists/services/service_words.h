@@ -25,7 +25,9 @@ std::string kindOf(ResultRow const& service);
 std::string deliveryOf(ResultRow const& service);
 // "1-1019-10301": original network, transport stream and service id; "" without one.
 std::string tripletOf(ResultRow const& service);
-// "hidden", "deleted", "scrambled", "locked" ...
+// How it is received: "satellite 4, 11837 MHz", "cable, 394 MHz".
+std::string tuningOf(ResultRow const& service);
+// "hidden", "invisible", "scrambled", "locked" ...
 std::vector<std::string> statesOf(ResultRow const& service);
 // The FAV lists that the service says it is in, "FAV1" to "FAV4".
 std::vector<std::string> favouritesOf(ResultRow const& service);

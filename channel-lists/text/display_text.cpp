@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "text/invisible.h"
+
 namespace channel_lists {
 namespace {
 
@@ -33,6 +35,12 @@ std::size_t widthOf(utf8proc_int32_t character) {
 
 bool isControl(utf8proc_int32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
+}
+
+void appendEscape(std::string& text, char const* format, utf8proc_int32_t character) {
+    char escape[16];
+    std::snprintf(escape, sizeof escape, format, static_cast<unsigned int>(character));
+    text += escape;
 }
 
 // Each part keeps what stands of the separator before its blank.
@@ -67,6 +75,13 @@ void addPiece(std::vector<std::string>& lines, std::string const& piece, std::si
 }
 
 }  // namespace
+
+bool isInvisible(std::int32_t character) {
+    return character == 0x200B || character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2060 && character <= 0x206F) || character == 0x061C ||
+           character == 0xFEFF || (character >= 0xE0000 && character <= 0xE007F);
+}
 
 std::size_t displayWidth(std::string const& text) {
     std::size_t width = 0;
@@ -105,16 +120,14 @@ std::vector<std::string> wrapText(std::string const& text, std::size_t width) {
 std::string displayText(std::string const& text) {
     std::string shown;
     forEachCharacter(text, [&](char const* bytes, std::size_t length, utf8proc_int32_t character) {
-        if (character < 0) {
+        if (character < 0)
             shown += kReplacement;
-        } else if (isControl(character)) {
-            char escape[16];
-            std::snprintf(escape, sizeof escape, "\\x%02x",
-                          static_cast<unsigned int>(character) & 0xFFU);
-            shown += escape;
-        } else {
+        else if (isControl(character))
+            appendEscape(shown, "\\x%02x", character);
+        else if (isInvisible(character))
+            appendEscape(shown, "\\u%04x", character);
+        else
             shown.append(bytes, length);
-        }
     });
     return shown;
 }

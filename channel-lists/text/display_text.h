@@ -17,8 +17,8 @@ std::string cutText(std::string const& text, std::size_t width);
 // and within a word that is longer.
 std::vector<std::string> wrapText(std::string const& text, std::size_t width);
 
-// `text` as a terminal can show it: control characters as "\x1b", bytes that are no UTF-8 as the
-// replacement character.
+// `text` as a terminal can show it: control characters as "\x1b", those that are invisible, or turn
+// the direction of what follows, as "\u202e", bytes that are no UTF-8 as the replacement character.
 std::string displayText(std::string const& text);
 
 // Of each line of `text`.

@@ -98,7 +98,7 @@ class World:
     def content(self, name):
         """(number, name) of what a list shows, and with a "-" in front what it hides."""
         services = json.loads(self.tool("services", name, "--json"))
-        return [(each["number"], ("-" if "deleted" in each["state"] else "") + each["name"])
+        return [(each["number"], ("-" if "hidden" in each["state"] else "") + each["name"])
                 for each in services]
 
     def names(self, name):

@@ -27,6 +27,18 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
         {"hide 2 move 3 to 2 move 2 to 7", "1 1;2 2 deleted;5 5;7 3"},
         {"remove 1 remove 2 remove 3 remove 5", ""},
         {"--renumber", "1 1;2 2;3 3;4 5"},
+        {"move 2-3 to 1", "1 2;2 3;3 1;5 5"},
+        {"move 1-2 to 3", "1 3;3 1;4 2;5 5"},
+        {"move '*x*' to 1 remove 'J??z'", "1 3;2 1;3 2"},
+        {"swap Jazz 1", "1 5;2 2;3 3;5 1"},
+        {"sort by name", "1 1;2 5;3 3;5 2"},
+        {"sort by name 2-", "1 1;2 5;3 3;5 2"},
+        {"move 1 to 9 sort by number", "2 1;3 2;5 3;9 5"},
+        {"remove 2- add 'テ*' at 1", "1 4;2 1"},
+        {"remove 1- copy all at 7 hide 8-11",
+         "7 1;8 2 deleted;9 3 deleted;10 4 deleted;11 5 deleted;12 6"},
+        {"hide 2-3 restore 3-", "1 1;2 2 deleted;3 3;5 5"},
+        {"remove 'das erste'", "2 2;3 3;5 5"},
     };
     std::string const before = content("set.db");
     for (auto const& c : cases) {
@@ -54,9 +66,14 @@ TEST_F(ToolTest, ShowsWhatAnEditChanges) {
               "FAV1  moved         3      4  VOX          3\n"
               "Written, and flushed to the disk.\n");
     EXPECT_EQ(rows("SELECT Pid, FavTag FROM Service WHERE Pid IN (1, 4, 5)"), "1|1;4|1;5|0");
+    output("edit FAV1 add id:6 at 2");
+    EXPECT_THAT(out, HasSubstr("FAV1  added, those behind follow              2  ZDF HD   6\n"));
+    output("edit FAV1 remove 1 move 2 to 6");
+    output("edit FAV1 move 6 to 3 --json");
+    EXPECT_THAT(out, HasSubstr("\"id\": 2,\n      \"cause\": "));
     expect({"edit FAV1 move 3 to 9 --json", 0, "\"change\": [\n        \"moved\"\n", nullptr});
-    expect({"edit FAV1 move ZDF\\ HD to 9", 0, "Nothing to change.", nullptr});
-    expect({"edit FAV1 move ZDF\\ HD to 8", 0, "Written, and flushed to the disk.", nullptr});
+    expect({"edit FAV1 move 9 to 9", 0, "Nothing to change.", nullptr});
+    expect({"edit FAV1 move 9 to 8", 0, "Written, and flushed to the disk.", nullptr});
 }
 
 // What joins takes the column's default; an edit that follows may show it.
@@ -79,6 +96,16 @@ TEST_F(ToolTest, HidesInOtherListsAndInTheFavListsWithThem) {
               "3;1");
 }
 
+TEST_F(ToolTest, HidesInEveryListAtOnceAndTakesItBackAtOnce) {
+    std::string const marks =
+        "SELECT FavoriteId FROM FavoriteItem WHERE ServiceId = 3 AND isDeleted";
+    expect({"edit FAV1 hide VOX --everywhere", 0, "Astra  hidden", nullptr});
+    EXPECT_EQ(rows(marks), "1;11;12;21");
+    output("undo");
+    EXPECT_EQ(rows(marks), "12");
+    expect({"edit FAV1 move 1 to 2 --everywhere", 2, nullptr, "hide and restore alone"});
+}
+
 TEST_F(ToolTest, KeepsTheNumbersOfOttChannelsFree) {
     ott({4, 6});
     output("edit FAV1 add テレビ東京 add id:6 at 2");
@@ -98,9 +125,16 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV1 move 1 to 2147483648", 2, nullptr, "channel numbers go from 1"},
         {"edit all add VOX", 2, nullptr, "added to and removed from FAV1 to FAV4 only"},
         {"edit FAV1 remove CNN", 1, nullptr, "FAV1 holds no service 'CNN'"},
-        {"edit FAV1 add VOX", 1, nullptr, "FAV1 already holds id:3 (VOX, number 3)"},
+        {"edit FAV1 remove 'DasErst'", 1, nullptr, "did you mean 'Das Erste'?"},
+        {"edit FAV1 move 1-2 to 2147483647", 1, nullptr, "is left behind"},
+        {"edit FAV1 mve 5 to 2", 2, nullptr, "did you mean 'move'?"},
+        {"edit FAV1 remove 30-", 1, nullptr, "FAV1 holds no service '30-'"},
+        {"edit FAV1 copy FAV2 to FAV3", 2, nullptr, "the list that is edited, FAV1"},
+        {"edit FAV1 sort by provider", 1, nullptr, "does not tell who broadcasts"},
+        {"edit FAV1 add VOX", 1, nullptr, "FAV1 already holds id:3 (VOX, "},
         {"edit FAV2 add VOX", 1, nullptr, "number 1, hidden); restore it"},
-        {"edit FAV3 add 'ZDF HD'", 1, nullptr, "id:2 (ZDF HD, number 2), id:6 (ZDF HD, number 6)"},
+        {"edit FAV3 add 'ZDF HD'", 1, nullptr,
+         "id:2 (ZDF HD, satellite 4, 11493 MHz, 1-1011-11110, number 2), id:6 ("},
     };
     std::string const before = content("set.db");
     for (Invocation const& each : runs)

@@ -44,7 +44,11 @@ TEST_F(ToolTest, BringsAFavListToItsText) {
         {one + two + three + "4 id:4\n" + five, "1 1;2 2;3 3;4 4;5 5"},         // by key
         {one + "2 hidden ZDF HD id:2\r\n" + three + five, "1 1;2 2 deleted;3 3;5 5"},
         {"VOX\nJazz\n", "1 3;2 5"},
-        {"", ""},
+        {"\xEF\xBB\xBFvox\n", "1 3"},  // of a Windows editor, in whatever case
+        {one + two + "3 shown Other 1-1089-12060 id:3\n" + five, "1 1;2 2;3 3;5 5"},
+        // A table's numbers hold, and so does what it does not tell.
+        {"Number,Key\n5,5\n1,1\n3,3\n2,2\n", "1 1;2 2;3 3;5 5"},
+        {"Number,Key,State\n7,5,HIDDEN\n1,1,\n", "1 1;7 5 deleted"},
         // Keys of another scan: triplets and names are the same.
         {"1 shown VOX 1-1089-12060 id:1\n2 shown 新 2-7-9 id:99\n", "1 3;2 4"},
     };
@@ -63,6 +67,34 @@ TEST_F(ToolTest, BringsAFavListToItsText) {
     EXPECT_EQ(fav(1), "1 5;3 1;5 3") << "OTT channels keep their numbers";
 }
 
+// Names, triplets and numbers of any kind stay as they are.
+TEST_F(ToolTest, TakesFoulListsBackUnchanged) {
+    char const* const cases[] = {
+        "UPDATE DvbService SET Oid = -5",
+        "UPDATE DvbService SET Tid = 99999999999",
+        "UPDATE Service SET Name = '   '",
+        "UPDATE Service SET Name = ''",
+        "UPDATE Service SET Name = 'shown 5 x' || char(8238) || char(9) || '  -  id:3'",
+        "UPDATE Service SET Name = '1-2-3'",
+        "UPDATE FavoriteItem SET ChannelNum = NULL",
+        "UPDATE FavoriteItem SET ChannelNum = 'x'",
+        "UPDATE FavoriteItem SET ChannelNum = -7"};
+    std::string const before = content("set.db");
+    for (char const* sql : cases) {
+        change(sql);
+        std::string const foul = content("set.db");
+        for (std::string const print : {"list ", "export --format csv "})
+            for (std::string const list : {"FAV1", "Astra"}) {
+                write("text", output(print + list));
+                EXPECT_THAT(out, testing::Not(HasSubstr("\xE2\x80\xAE")));
+                EXPECT_EQ(run("edit --db set.db " + list + " --from text"), 0) << sql << err;
+                EXPECT_EQ(out, "Nothing to change.\n") << sql << print << list;
+            }
+        EXPECT_EQ(content("set.db"), foul) << sql;
+        write("set.db", before);
+    }
+}
+
 TEST_F(ToolTest, KeepsEntriesOfOtherListsThatHaveNoLine) {
     write("text", "VOX\n");
     output("edit Astra --from text");
@@ -76,21 +108,30 @@ TEST_F(ToolTest, KeepsEntriesOfOtherListsThatHaveNoLine) {
 TEST_F(ToolTest, TellsEverythingWrongInATextAtOnce) {
     write("text",
           "1 CNN\n2 ZDF HD\n3 id:3\n4 VOX\n8 id:1\n8 id:5\n99999999999 id:2\nid:77\n0 id:2\n"
-          "hidden テレビ東京\n7\n12\n");
+          "9 hiden テレビ東京 2-7-9\n7\n12\nJaz\n");
     std::string const before = content("set.db");
     output("edit FAV1 --from text", 1);
     EXPECT_EQ(err,
               "channellist: nothing is written:\n"
               "text:1: no service fits 'CNN'\n"
-              "text:2: several services are meant by 'ZDF HD': id:2, id:6\n"
+              "text:2: several services are meant by 'ZDF HD': id:2 (ZDF HD, satellite 4, 11493 "
+              "MHz, 1-1011-11110, number 2), id:6 (ZDF HD, cable, 394 MHz, 4-8-11110, number 6)\n"
               "text:4: VOX stands in line 3 already\n"
               "text:6: number 8 is given in line 5, too\n"
               "text:7: the channel number is too large\n"
               "text:8: no service has the key id:77\n"
               "text:9: channel numbers begin at 1\n"
-              "text:10: テレビ東京 joins the list, and only what is in it can be hidden\n"
+              "text:10: 'hiden' is neither shown nor hidden\n"
               "text:11: no service fits '7'\n"
-              "text:12: no service fits '12'\n");
+              "text:12: no service fits '12'\n"
+              "text:13: no service fits 'Jaz'; did you mean 'Jazz'?\n");
+    for (char const* text : {"", "\n \n", "# nothing\n", "Number,Key\n"}) {
+        write("text", text);
+        expect({"edit FAV1 --from text", 1, nullptr, "names no service; nothing is written"});
+    }
+    expect({"edit FAV1 --from text --empty -n", 0, "removed", nullptr});
+    write("text", "Number,Key,State\n1,1,hiden\n");
+    expect({"edit FAV1 --from text", 1, nullptr, "the state 'hiden' is neither shown nor hidden"});
     write("text", "Jazz\n");
     expect({"edit Astra --from text", 1, nullptr, "Jazz"});
     expect({"edit FAV1 --from none", 1, nullptr, "cannot read none"});

@@ -27,10 +27,10 @@ TEST_F(ToolTest, ShowsServicesWithAlignedNamesAndStatesInWords) {
         "No  LCN  Name        Kind   Delivery     ONID  TSID    SID  Id  FAV        State\n"
         "--  ---  ----------  -----  -----------  ----  ----  -----  --  ---------  ---------\n"
         " 1  101  Das Erste   TV     satellite       1  1019  10301   1  FAV1\n"
-        " 2       ZDF HD      TV     satellite       1  1011  11110   2  FAV1       deleted\n"
+        " 2       ZDF HD      TV     satellite       1  1011  11110   2  FAV1       hidden\n"
         " 3       VOX         TV     satellite       1  1089  12060   3  FAV1 FAV2  scrambled\n"
         " 4       テレビ東京  TV     terrestrial     2     7      9   4             locked\n"
-        " 5       Jazz        radio  cable           3     8     10   5  FAV1       hidden\n"
+        " 5       Jazz        radio  cable           3     8     10   5  FAV1       invisible\n"
         " 6       Bl\\x1bnk\xEF\xBF\xBD   TV     cable           4     8  11110   6\n");
 }
 

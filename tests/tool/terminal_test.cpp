@@ -37,11 +37,11 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
     change("UPDATE Service SET Name = '一二三四五六七八九十e\xCC\x81z' WHERE Pid = 1");
     Terminal const terminals[] = {
         {"NO_COLOR=1", 120, "services FAV1", "一二三四五六七八九十e\xCC\x81z  TV", "…"},
-        {"NO_COLOR=1", 85, "services FAV1", "ONID  ", "LCN"},
-        {"NO_COLOR=1", 78, "services FAV1", " 1  一二三四五六七八…  TV     satellite  ", "LCN"},
+        {"NO_COLOR=1", 87, "services FAV1", "ONID  ", "LCN"},
+        {"NO_COLOR=1", 80, "services FAV1", " 1  一二三四五六七八…  TV     satellite  ", "LCN"},
         {"NO_COLOR=1", 0, "services FAV1", "Delivery", "LCN"},
         {"NO_COLOR=1 COLUMNS=45", 0, "services FAV1", "State", "Delivery"},
-        {"NO_COLOR=1", 24, "services FAV1", " 2  ZD…", "ZDF"},
+        {"NO_COLOR=1", 26, "services FAV1", " 2  ZD…", "ZDF"},
         {"NO_COLOR=1", 18, "find zdf", "ZDF HD  all 2,\r\n        FAV1 2\r\n", "…"},
         {"NO_COLOR=1", 8, "find zdf", "ZD…  all\r\n     2,\r\n     FAV\r\n     1 2\r\n", "ZDF"},
         {"NO_COLOR=1", 20, "--wide services FAV1", "LCN", "…"},

@@ -92,7 +92,7 @@ TEST_F(WatchTest, EndsWhenNobodyReads) {
     await("code", "0\n");
     EXPECT_THAT(content("told"),
                 HasSubstr("\"list\":\"FAV1\",\"change\":[\"moved\"],\"before\":1,\"after\":9,"
-                          "\"name\":\"Das Erste\",\"id\":1}\n"));
+                          "\"name\":\"Das Erste\",\"id\":1,\"cause\":null}\n"));
     EXPECT_EQ(run("watch FAV9 --db set.db"), 1);
     EXPECT_EQ(run("watch --db none.db"), 1);
 }

@@ -1,5 +1,6 @@
 // channellist: looks into the channel database of a set, through the library.
 #include <iostream>
+#include <new>
 
 #include "commands/commands.h"
 #include "database/time_limit.h"
@@ -40,6 +41,12 @@ int main(int argc, char** argv) {
                   << "\n";
         tool::explainByMessages();
         code = failure.code();
+    } catch (std::bad_alloc const&) {
+        std::cerr << "channellist: not enough memory\n";
+        code = tool::kFailure;
+    } catch (std::ios_base::failure const&) {
+        std::cerr << "channellist: a file could not be read or written\n";
+        code = tool::kFailure;
     } catch (std::exception const& error) {
         std::cout.flush();
         std::cerr << "channellist: " << tool::displayLines(error.what()) << "\n";

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 #include "command_line/completion.h"
 #include "database/session.h"
@@ -12,6 +13,7 @@
 #include "library_messages/library_messages.h"
 #include "output/terminal.h"
 #include "text/display_text.h"
+#include "text/near_names.h"
 
 namespace tool {
 namespace {
@@ -20,7 +22,7 @@ constexpr std::size_t kPageWidth = 80;  // of help that is printed elsewhere
 
 constexpr char kExitCodes[] =
     "Exit codes: 0 success, 1 failure or findings, 2 wrong usage.\n"
-    "\"channellist COMMAND --help\" shows a command's options and examples.";
+    "\"channellist help COMMAND\" shows a command's options and examples.";
 
 bool isTraceWord(std::string const& word) {
     if (word == "*")
@@ -72,12 +74,55 @@ CLI::Validator withoutMark() {
             ""};
 }
 
+constexpr char kHelp[] = "help";
+
 CommandWords wordsOf(CLI::App const& app, std::string const& name) {
     CommandWords command = {name, {}};
     for (CLI::Option const* option : app.get_options())
         for (std::string const& word : option->get_lnames())
             command.options.push_back({"--" + word, option->get_items_expected_max() > 0});
     return command;
+}
+
+std::vector<std::string> namesOf(CommandWords const& command) {
+    std::vector<std::string> names;
+    for (CommandWords::Option const& option : command.options)
+        names.push_back(option.name);
+    return names;
+}
+
+std::vector<std::string> commandNames(std::vector<CommandWords> const& all) {
+    std::vector<std::string> names = {kHelp};
+    for (CommandWords const& each : all)
+        names.push_back(each.name);
+    return names;
+}
+
+CommandWords::Option const* optionOf(CommandWords const& common, CommandWords const* command,
+                                     std::string const& name) {
+    for (CommandWords const* each : {command, &common})
+        if (each != nullptr)
+            for (CommandWords::Option const& option : each->options)
+                if (option.name == name)
+                    return &option;
+    return nullptr;
+}
+
+// "help edit" is "edit --help", and "help" alone "--help"; options for all commands may stand in
+// front.
+void turnHelpAround(CommandWords const& common, std::vector<std::string>& reversed) {
+    auto word = reversed.rbegin();
+    while (word != reversed.rend() && word->compare(0, 2, "--") == 0) {
+        CommandWords::Option const* const option = optionOf(common, nullptr, *word++);
+        if (option != nullptr && option->takesValue && word != reversed.rend())
+            ++word;
+    }
+    if (word == reversed.rend() || *word != kHelp)
+        return;
+    std::vector<std::string> help = {"--help"};
+    if (++word != reversed.rend())
+        help.push_back(*word);
+    reversed = std::move(help);
 }
 
 }  // namespace
@@ -171,12 +216,46 @@ Command CommandLine::add(std::string const& name, std::string const& help) {
     return Command(*app_->add_subcommand(name, help), action_);
 }
 
-void CommandLine::printCompletions(std::vector<std::string> const& words) const {
+// Those for all commands first.
+std::vector<CommandWords> CommandLine::allWords() const {
     std::vector<CommandWords> commands = {wordsOf(*app_, "")};
     for (CLI::App const* command : app_->get_subcommands({}))
         commands.push_back(wordsOf(*command, command->get_name()));
-    for (std::string const& candidate : completions(commands, words))
+    return commands;
+}
+
+void CommandLine::printCompletions(std::vector<std::string> const& words) const {
+    for (std::string const& candidate : completions(allWords(), words))
         std::cout << displayText(candidate) << "\n";
+}
+
+std::string CommandLine::slipIn(std::vector<std::string> const& reversed) const {
+    std::vector<CommandWords> const all = allWords();
+    CommandWords const* command = nullptr;
+    std::vector<std::string> options = namesOf(all[0]);
+    bool isValue = false;
+    for (auto word = reversed.rbegin(); word != reversed.rend(); ++word) {
+        if (std::exchange(isValue, false) || word->empty() || (*word)[0] == kMark || *word == "-")
+            continue;
+        std::string const name = word->substr(0, word->find('='));
+        if (word->compare(0, 2, "--") == 0) {
+            CommandWords::Option const* const option = optionOf(all[0], command, name);
+            if (option == nullptr)
+                return "there is no option " + name +
+                       (command == nullptr ? "" : " of " + command->name) +
+                       didYouMean(name, options);
+            isValue = option->takesValue && name == *word;
+        } else if ((*word)[0] != '-' && command == nullptr) {
+            auto const named = std::find_if(all.begin() + 1, all.end(),
+                                            [&](auto const& each) { return each.name == *word; });
+            if (named == all.end())
+                return "there is no command '" + *word + "'" + didYouMean(*word, commandNames(all));
+            command = &*named;
+            std::vector<std::string> const own = namesOf(*command);
+            options.insert(options.end(), own.begin(), own.end());
+        }
+    }
+    return "";
 }
 
 std::optional<int> CommandLine::parse(int argc, char** argv) {
@@ -184,8 +263,13 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
         printCompletions({argv + 2, argv + argc});
         return kSuccess;
     }
+    std::vector<std::string> words = markedWords(argc, argv);
+    turnHelpAround(wordsOf(*app_, ""), words);
+    std::string const slip = slipIn(words);
     try {
-        app_->parse(markedWords(argc, argv));
+        if (!slip.empty())
+            throw CLI::ParseError(slip, kUsage);
+        app_->parse(std::move(words));
     } catch (CLI::Success const& asked) {  // help, the version
         std::ostringstream text;
         int const code = app_->exit(asked, text, text);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "command_line/completion.h"
 #include "tool.h"
 
 namespace CLI {
@@ -69,6 +70,9 @@ class CommandLine {
   private:
     // All candidates of the line that is being typed, see completion.h.
     void printCompletions(std::vector<std::string> const& words) const;
+    std::vector<CommandWords> allWords() const;
+    // What is wrong with a command or option that is none, with the nearest one; "" for nothing.
+    std::string slipIn(std::vector<std::string> const& reversed) const;
 
     std::unique_ptr<CLI::App> app_;
     std::string database_;

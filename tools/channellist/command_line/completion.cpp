@@ -119,9 +119,13 @@ Words serviceWords(std::string const& list, std::size_t field) {
 
 // The operations of an edit, and the services behind them.
 Words editWords(Words const& arguments) {
-    static Words const verbs = {"add", "remove", "move", "hide", "restore"};
+    static Words const verbs = {"add", "remove", "move", "hide", "restore", "swap", "sort", "copy"};
     std::string const& last = arguments.back();
     bool const isFirst = arguments.size() == 1;  // the list
+    if (!isFirst && last == "copy")
+        return listWords();
+    if (!isFirst && (last == "sort" || last == "by"))
+        return {"by", "name", "number", "provider"};
     if (!isFirst && std::find(verbs.begin(), verbs.end(), last) != verbs.end())
         return serviceWords(last == "add" ? "all" : arguments[0], SERVICE_FIELD_CAPTION);
     if (!isFirst && (last == "at" || last == "to"))

@@ -8,7 +8,7 @@
 #include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
-#include "lists/operations.h"
+#include "lists/meant_entries.h"
 #include "output/print_rows.h"
 #include "text/display_text.h"
 #include "text/json_text.h"

@@ -8,6 +8,7 @@
 #include "database/frozen_database.h"
 #include "database/list_naming.h"
 #include "database/session.h"
+#include "edit/everywhere.h"
 #include "edit/merge.h"
 #include "edit/write_list.h"
 #include "editing/question.h"
@@ -27,8 +28,10 @@ struct Options {
     std::string list;
     std::vector<std::string> words;
     std::string from;  // file of the text, "-" for standard input
+    bool mayBeEmpty = false;
     bool dryRun = false;
     bool renumber = false;
+    bool everywhere = false;
     bool json = false;
     bool noUndo = false;
     std::string database;
@@ -37,7 +40,9 @@ struct Options {
 // Only FAV lists gain and lose services; in the others an edit changes numbers and hides.
 void checkVerbs(List const& list, std::vector<Operation> const& operations) {
     for (Operation const& operation : operations) {
-        if (list.favIndex == 0 && (operation.verb == Verb::Add || operation.verb == Verb::Remove)) {
+        bool const isOfFavLists = operation.verb == Verb::Add || operation.verb == Verb::Copy ||
+                                  operation.verb == Verb::Remove;
+        if (list.favIndex == 0 && isOfFavLists) {
             throw Failure(
                 "services are added to and removed from FAV1 to FAV4 only; hide and"
                 " restore them in " +
@@ -65,8 +70,8 @@ void report(Options const& options, Written const& written) {
 
 std::vector<Change> changesBetween(List const& list, std::vector<Entry> const& before,
                                    std::vector<Entry> const& after) {
-    return differences({{list.uuid, displayName(list), before}},
-                       {{list.uuid, displayName(list), after}});
+    return told(differences({{list.uuid, displayName(list), before}},
+                            {{list.uuid, displayName(list), after}}));
 }
 
 std::string describe(Change const& change) {
@@ -87,28 +92,45 @@ std::string tellOthers(List const& list, std::vector<Entry> const& before,
 
 void applyOperations(Options const& options, std::vector<Operation> const& operations,
                      Keeping const& keeping) {
-    std::vector<Entry> all;
-    bool const adds = std::any_of(operations.begin(), operations.end(),
-                                  [](Operation const& each) { return each.verb == Verb::Add; });
+    Material material;
     auto const see = [&] {
         FrozenDatabase const frozen;
-        if (adds)
-            all = readEntries(allServicesList().uuid).entries;
+        material = gather(operations);
         return seeList(findList(options.list));
     };
     auto const want = [&](SeenList const& seen) {
         ListContent content(displayName(seen.list), seen.entries, seen.reserved);
-        apply(operations, all, content);
+        apply(operations, material, content);
         return WantedList{content.entries(), options.renumber};
     };
     report(options, writeAgainAndAgain(see, want, keeping));
+}
+
+// Of other lists the mark goes to FAV1 to FAV4 as well.
+void applyEverywhere(Options const& options, std::vector<Operation> const& operations,
+                     Keeping const& keeping) {
+    Written written;
+    do {
+        std::vector<ListEdit> edits;
+        {
+            FrozenDatabase const frozen;
+            edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
+        }
+        Written next = writeLists(edits, keeping);
+        if (written.before.empty())
+            written = std::move(next);
+        else
+            written.after = std::move(next.after);
+        written.overtaken = next.overtaken;
+    } while (!written.overtaken.empty());
+    report(options, written);
 }
 
 // A file says what the list is to be, whatever it was: what comes in between is told.
 void takeFile(Options const& options, std::string const& text, Keeping const& keeping) {
     Sight const sight = look(options.list);
     std::vector<Entry> const after =
-        contentOf(sight, text, options.from == "-" ? "input" : options.from);
+        contentOf(sight, text, options.from == "-" ? "input" : options.from, options.mayBeEmpty);
     Written const written = writeLists({{sight.seen, {after, options.renumber}}}, keeping);
     if (written.ending == Ending::Overtaken) {
         throw Failure(
@@ -177,10 +199,16 @@ void editInEditor(Options const& options, Keeping const& keeping) {
 void checkUsage(Options const& options, std::vector<Operation> const& operations) {
     if (!operations.empty() && !options.from.empty())
         throw Failure("edit takes operations or --from, not both", kUsage);
+    bool const marksOnly =
+        std::all_of(operations.begin(), operations.end(), [](Operation const& each) {
+            return each.verb == Verb::Hide || each.verb == Verb::Restore;
+        });
+    if (options.everywhere && (operations.empty() || !marksOnly))
+        throw Failure("--everywhere takes hide and restore alone", kUsage);
 }
 
 int run(std::string const& database, Options const& options) {
-    std::vector<Operation> const operations = parseOperations(options.words);
+    std::vector<Operation> const operations = parseOperations(options.words, options.list);
     checkUsage(options, operations);
     std::string const text = options.from.empty() ? std::string() : readText(options.from);
     Session session(database, options.dryRun ? Access::Read : Access::Write);
@@ -194,6 +222,8 @@ int run(std::string const& database, Options const& options) {
         takeFile(options, text, keeping);
     else if (operations.empty() && !options.renumber)
         editInEditor(options, keeping);
+    else if (options.everywhere)
+        applyEverywhere(options, operations, keeping);
     else
         applyOperations(options, operations, keeping);
     return kSuccess;
@@ -207,8 +237,11 @@ void addEditCommand(CommandLine& line) {
         .argument("LIST", options->list, kListHelp)
         .arguments("OPERATION", options->words, 0, kAnyNumber, "what to do, see below")
         .option("--from", options->from, "bring the list to what this file says, - for the input")
+        .flag("--empty", options->mayBeEmpty, "take a text without an entry, too")
         .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")
         .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
+        .flag("--everywhere", options->everywhere, "hide and restore in every list, see below")
+        .needs("--empty", "--from")
         .noUndo(options->noUndo)
         .json(options->json)
         .footer(
@@ -217,11 +250,17 @@ void addEditCommand(CommandLine& line) {
             "  add SERVICE [at NUMBER]  to FAV1 to FAV4, from the list of all services\n"
             "  remove SERVICE           from FAV1 to FAV4\n"
             "  move SERVICE to NUMBER   those between the old and the new number close up\n"
-            "  hide SERVICE             marks it deleted; in other lists, in FAV1 to FAV4 too\n"
-            "  restore SERVICE          takes the mark off\n"
+            "  swap SERVICE SERVICE     each takes the other's number\n"
+            "  hide SERVICE             in other lists, in FAV1 to FAV4 too\n"
+            "  restore SERVICE          shows it again\n"
+            "  sort by ORDER [RANGE]    by name, number in all or provider\n"
+            "  copy LIST [at NUMBER]    adds what is shown in another list to FAV1 to FAV4\n"
             "A SERVICE is its channel number in the list, its name or uuid, or id:N for the\n"
-            "database key. --renumber closes the gaps in the list when it is FAV1 to FAV4, else\n"
-            "in those of them that hold a service that is hidden or restored.\n"
+            "database key. Several at once, but for swap: 200-209, 30- for all from there on, or "
+            "a\n"
+            "name with * and ?. --everywhere hides or restores in every list that holds the\n"
+            "service. --renumber closes the gaps in the list when it is FAV1 to FAV4, else in\n"
+            "those of them that hold a service that is hidden or restored.\n"
             "--from takes a text as \"channellist list\" prints it, edited: its comments explain\n"
             "how; or a table as \"export --format csv\" does. Everything wrong in it is told at "
             "once, and nothing is written then.\n" +
@@ -229,6 +268,9 @@ void addEditCommand(CommandLine& line) {
             "Examples:\n"
             "  channellist edit FAV1 add 'arte HD' at 3 remove VOX --dry-run\n"
             "  channellist edit FAV2 move 7 to 1 --renumber\n"
+            "  channellist edit FAV1 move 200-209 to 20 remove 'RTL*'\n"
+            "  channellist edit FAV1 sort by name 30-\n"
+            "  channellist edit FAV2 copy FAV1 at 10\n"
             "  channellist edit all hide id:21 --renumber\n"
             "  channellist edit FAV1 -- remove '-Radio-'    (what follows -- is no option)\n"
             "  channellist edit FAV1\n"

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands/commands.h"
+#include "commands/filter_options.h"
 #include "database/list_naming.h"
 #include "database/session.h"
 #include "failure.h"
@@ -118,25 +119,18 @@ int run(std::string const& database, Options const& options) {
 
 void addServicesCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
-    line.add("services", "The services of a list, in the set's order")
-        .argument("LIST", options->list, kListHelp)
+    Command command = line.add("services", "The services of a list, in the set's order");
+    command.argument("LIST", options->list, kListHelp)
         .json(options->format.json)
-        .flag("--raw", options->format.raw, kRawHelp)
-        .flag("--tv", options->filter.tv, "TV services alone")
-        .flag("--radio", options->filter.radio, "radio services alone")
-        .flag("--hd", options->filter.hd, "high definition alone")
-        .flag("--free", options->filter.free, "none that is scrambled")
-        .flag("--hidden", options->filter.hidden, "hidden and deleted ones alone")
-        .option("--delivery", options->filter.delivery,
-                "satellite, cable, terrestrial, analogue or IP alone")
-        .option("--match", options->filter.match, "names that hold this, whatever its case")
-        .option("--sort", options->filter.sort, "by number, name or triplet (the order of the set)")
+        .flag("--raw", options->format.raw, kRawHelp);
+    addFilterOptions(command, options->filter);
+    command
         .footer(
             narrowHelp(tableColumns()) +
             "Examples:\n"
             "  channellist services FAV1\n"
             "  channellist services all --tv --hd --free --sort name\n"
-            "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"deleted\")'\n"
+            "  channellist services 'DVB-S' --json | jq '.[] | select(.state[] == \"hidden\")'\n"
             "  channellist services all --raw")
         .action([options](std::string const& database) { return run(database, *options); });
 }

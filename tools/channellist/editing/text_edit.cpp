@@ -1,9 +1,10 @@
 #include "editing/text_edit.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sstream>
 
 #include "database/frozen_database.h"
@@ -19,9 +20,11 @@ namespace {
 constexpr char kRemark[] = "#! ";
 constexpr int kMostRounds = 10;  // of an editor that nobody sits at
 
-TextOrder orderOf(Sight const& sight, std::string const& text) {
+ListText parsed(std::string const& text) { return isCsv(text) ? parseCsv(text) : parseList(text); }
+
+TextOrder orderOf(Sight const& sight, ListText const& text) {
     return orderByText(sight.seen.list, sight.seen.entries, sight.joining, sight.seen.reserved,
-                       isCsv(text) ? parseCsv(text) : parseList(text));
+                       text);
 }
 
 std::vector<Entry> accept(TextOrder&& order) {
@@ -97,15 +100,23 @@ std::string readText(std::string const& file) {
     if (file != "-")
         stored.open(file);
     std::istream& in = file == "-" ? std::cin : stored;
-    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (in.bad() || (file != "-" && !stored.is_open()))
-        throw Failure("cannot read " + file);
-    return text;
+    std::ostringstream text;
+    if (in.peek() != std::istream::traits_type::eof())
+        text << in.rdbuf();
+    if (in.bad() || text.bad() || (file != "-" && !stored.is_open()))
+        throw Failure("cannot read " + file + ": " + std::strerror(errno));
+    return text.str();
 }
 
-std::vector<Entry> contentOf(Sight const& sight, std::string const& text,
-                             std::string const& source) {
-    TextOrder order = orderOf(sight, text);
+std::vector<Entry> contentOf(Sight const& sight, std::string const& text, std::string const& source,
+                             bool mayBeEmpty) {
+    ListText const lines = parsed(text);
+    if (lines.lines.empty() && lines.errors.empty() && !sight.seen.entries.empty() && !mayBeEmpty) {
+        throw Failure(
+            "the " + source +
+            " names no service; nothing is written (--empty takes all out of FAV1 to FAV4)");
+    }
+    TextOrder order = orderOf(sight, lines);
     if (!order.errors.empty())
         throw Failure("nothing is written:\n" + explainErrors(source, order.errors));
     return accept(std::move(order));
@@ -123,7 +134,7 @@ std::optional<std::vector<Entry>> EditorSession::rounds(Sight const& sight, std:
             return std::nullopt;
         }
         text_ = withoutRemarks(edited);
-        TextOrder order = orderOf(sight, text_);
+        TextOrder order = orderOf(sight, parsed(text_));
         if (order.errors.empty())
             return accept(std::move(order));
         bool const isLeft = edited == shown || edited.empty();

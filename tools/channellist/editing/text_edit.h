@@ -24,9 +24,10 @@ Sight look(std::string const& word);
 // The text of a file, "-" for standard input.
 std::string readText(std::string const& file);
 
-// Throws Failure with everything that is wrong in the text; `source` names it.
-std::vector<Entry> contentOf(Sight const& sight, std::string const& text,
-                             std::string const& source);
+// Throws Failure with everything that is wrong in the text, and for one without an entry unless it
+// `mayBeEmpty`; `source` names it.
+std::vector<Entry> contentOf(Sight const& sight, std::string const& text, std::string const& source,
+                             bool mayBeEmpty);
 
 // A list in the user's editor: what they wrote stays with them until `done`.
 class EditorSession {

@@ -18,7 +18,7 @@ void printDifferences(std::vector<Change> const& changes, std::ostream& out) {
         return;
     }
     TextTable table(differenceColumns());
-    for (Change const& change : changes) {
+    for (Change const& change : told(changes)) {
         Style const look = change.before == change.after ? Style::Plain : Style::Bold;
         table.add({change.listName,
                    joined(change.what),
