@@ -3,6 +3,7 @@
 
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <map>
+#include <set>
 
 #include "check/finding.h"
 #include "database/list_naming.h"
@@ -85,13 +86,21 @@ std::string itemIds(List const& list, std::string const& servicePid) {
     return ids.text(0);
 }
 
-// A service stands in many lists: one finding names them all.
+// A service stands in many lists: one finding names them all. A missing row of a transponder is
+// told once, with all services that need it.
 class ServiceFindings {
   public:
     void add(Finding const& finding, List const& list, ResultRow const& row) {
-        auto const [known, isNew] = known_.emplace(finding.row + finding.what, findings_.size());
+        std::string const cause =
+            finding.what.find("Tuner has no row") != std::string::npos ? "" : finding.row;
+        auto const [known, isNew] = known_.emplace(cause + finding.what, findings_.size());
         if (isNew)
             findings_.push_back(finding);
+        if (!isNew && cause.empty() && findings_[known->second].row != finding.row) {
+            if (services_.insert(row[kPid]).second)
+                also_[known->second] += ", " + row[kPid];
+            return;
+        }
         constexpr int kMostLists = 5;
         int const lists = ++lists_[known->second];
         if (lists <= kMostLists)
@@ -100,10 +109,17 @@ class ServiceFindings {
         else if (lists == kMostLists + 1)
             findings_[known->second].viewer += " and others";
     }
-    Findings const& findings() const { return findings_; }
+    Findings findings() const {
+        Findings all = findings_;
+        for (auto const& [index, services] : also_)
+            all[index].row += services;
+        return all;
+    }
 
   private:
     Findings findings_;
+    std::set<std::string> services_;           // that others speak for
+    std::map<std::size_t, std::string> also_;  // their keys, by the finding
     std::map<std::string, std::size_t> known_;
     std::map<std::size_t, int> lists_;
 };
@@ -113,18 +129,50 @@ std::string quotedValue(Query const& rows, std::size_t column) {
     return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
 }
 
-// The owner's statement; a teletext column stands in the table of the service's kind.
-std::string mending(RawColumn const& column, List const& list, ResultRow const& row) {
+// Of a teletext column, in the table of the service's kind. 0 in place of NULL changes nothing for
+// a viewer; what a value was meant to be, and whether a service is to be shown, is for its owner to
+// say.
+WayOut mending(RawColumn const& column, bool isNull, List const& list, ResultRow const& row) {
     std::string const stored = column.stored;
-    std::string const set = " SET " + stored.substr(0, stored.find(' ')) + " = 0 WHERE ";
+    std::string const name = stored.substr(0, stored.find(' '));
+    bool const decides = !isNull || column.owner == Owner::Item || name == "Type" ||
+                         name == "Visible" || name == "Selectable";
+    std::string table = "Service", where = "Pid = " + row[kPid];
     if (column.owner == Owner::Item) {
-        return "UPDATE FavoriteItem" + set + "FavoriteId = " + std::to_string(list.pid) +
-               " AND ServiceId = " + row[kPid];
+        table = "FavoriteItem";
+        where = "FavoriteId = " + std::to_string(list.pid) + " AND ServiceId = " + row[kPid];
+    } else if (stored.find(' ') != std::string::npos) {
+        table = row[kType] == "1" ? "AnalogService" : "DvbService";
+        where = "ServiceId = " + row[kPid];
     }
-    if (stored.find(' ') == std::string::npos)
-        return "UPDATE Service" + set + "Pid = " + row[kPid];
-    return std::string("UPDATE ") + (row[kType] == "1" ? "AnalogService" : "DvbService") + set +
-           "ServiceId = " + row[kPid];
+    std::string const sql =
+        "UPDATE " + table + " SET " + name + " = " + (decides ? "..." : "0") + " WHERE " + where;
+    return decides ? decision("which number is meant: " + sql) : statements(sql);
+}
+
+// The row or value without which a tuning URI is null.
+std::string whatIsMissing(ResultRow const& row) {
+    constexpr char const* kTables[] = {"",           "AnalogService", "DvbTTuner",
+                                       "DvbCTuner",  "DvbSTuner",     "DvbIpTuner",
+                                       "DvbT2Tuner", "DvbC2Tuner",    "DvbS2Tuner"};
+    constexpr std::size_t kKinds = sizeof kTables / sizeof *kTables;
+    std::size_t const type =
+        row[kType].size() == 1 ? static_cast<std::size_t>(row[kType][0] - '0') : 0;
+    if (type < 2 || type >= kKinds)
+        return "a value of its tuning URI is NULL";
+    Query key(db, "SELECT ifnull(TunerId, 'NULL') FROM DvbService WHERE ServiceId = " + row[kPid]);
+    if (!key.next())
+        return "DvbService has no row with ServiceId " + row[kPid];
+    for (std::string const& table : {std::string("Tuner"), std::string(kTables[type])}) {
+        Query found(db, "SELECT * FROM " + table + " WHERE TunerId = ?");
+        if (key.text(0) == "NULL" || !found.bind(key.text(0)).next())
+            return table + " has no row with TunerId " + key.text(0);
+        for (int i = 0; i < found.columns(); ++i)
+            if (found.isNull(i))
+                return "a value of its tuning URI is NULL, as in " + table + " with TunerId " +
+                       key.text(0);
+    }
+    return "a value of its tuning URI is NULL, as in DvbService with ServiceId " + row[kPid];
 }
 
 void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
@@ -139,7 +187,7 @@ void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
         findings.add({"unreadable-number", Severity::Seen, name,
                       std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
                       "the set takes it as 0 for " + row[kExternalName] + ", in",
-                      mending(column, list, row)},
+                      mending(column, rows.isNull(static_cast<int>(i)), list, row)},
                      list, row);
     }
 }
@@ -149,10 +197,9 @@ void checkLocator(List const& list, ResultRow const& row, ServiceFindings& findi
     if (sv.locator.empty() || unknownType) {
         findings.add(
             {"no-locator", Severity::Tuning, "Service " + row[kPid],
-             unknownType ? "Type " + row[kType] + " is no kind of delivery"
-                         : "the tuning URI is null: a tuner or delivery row is missing, or"
-                           " holds NULL",
-             row[kExternalName] + " is shown, but cannot be tuned, in", "scan the service anew"},
+             unknownType ? "Type " + row[kType] + " is no kind of delivery" : whatIsMissing(row),
+             row[kExternalName] + " is shown, but cannot be tuned, in",
+             decision("scan the service anew")},
             list, row);
     }
 }
@@ -181,7 +228,8 @@ void checkServiceRows(Findings& findings) {
                 nameFoulColumns(list, rows, row, found);
         }
     }
-    findings.insert(findings.end(), found.findings().begin(), found.findings().end());
+    Findings const all = found.findings();
+    findings.insert(findings.end(), all.begin(), all.end());
 }
 
 void checkFolders(Findings& findings) {
@@ -196,10 +244,15 @@ void checkFolders(Findings& findings) {
         try {
             dbaccess::computeFolder(rows.columns(), row, &converted);
         } catch (boost::bad_lexical_cast const&) {
-            findings.push_back({"unreadable-number", Severity::Seen, "FavoriteList " + row[0],
-                                "Attributes is " + quotedValue(rows, 4) + ", no number",
-                                "the set's overview of lists lacks " + row[2],
-                                "UPDATE FavoriteList SET Attributes = 0 WHERE Pid = " + row[0]});
+            findings.push_back(
+                {"unreadable-number", Severity::Seen, "FavoriteList " + row[0],
+                 "Attributes is " + quotedValue(rows, 4) + ", no number",
+                 "the set's overview of lists lacks " + row[2],
+                 rows.isNull(4)
+                     ? statements("UPDATE FavoriteList SET Attributes = 0 WHERE Pid = " + row[0])
+                     : decision("which number is meant: UPDATE FavoriteList SET Attributes = ... "
+                                "WHERE Pid = " +
+                                row[0])});
         }
     }
 }

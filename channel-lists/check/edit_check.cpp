@@ -1,39 +1,172 @@
-// Edits on a copy in memory: what a foreign schema makes of them cannot be told by looking at it.
+// Edits on copies in memory: what a foreign schema makes of them cannot be told by looking at it.
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
 
 #include "check/finding.h"
+#include "database/frozen_database.h"
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "edit/request.h"
-#include "library_messages/library_messages.h"
 
 namespace channel_lists {
 namespace {
 
-constexpr std::size_t kMostEntries = 2000;  // of the All list: one is as good as all
+constexpr std::size_t kMostRewritten = 2000;  // entries of the All list: one is as good as all
 
-void addFinding(List const& list, std::string const& what, std::string const& viewer,
-                Findings& findings) {
-    findings.push_back({"edit", Severity::Edits, "FavoriteList " + std::to_string(list.pid), what,
-                        viewer,
-                        "drop the trigger or constraint, or give the columns of FavoriteItem"
-                        " defaults"});
+using Entries = std::vector<Entry>;
+
+// What went wrong with a list.
+struct Complaint {
+    std::string what;  // "an edit that swaps two entries failed"
+    std::string viewer;
+
+    bool operator==(Complaint const& other) const {
+        return what == other.what && viewer == other.viewer;
+    }
+};
+
+// A part of the schema that may be to blame.
+struct Suspect {
+    std::string name;  // "the trigger t on FavoriteItem"; "" for none
+    std::string without;
+    WayOut mend;
+};
+
+// A trial of one list, step by step.
+struct Trial {
+    List list;
+    Entries start;
+    Entries now;
+    std::vector<unsigned int> spare;  // services that are not in the list
+};
+
+// Numbers are handed out in the order of the list.
+void swapNumbers(Entries& entries, std::size_t one, std::size_t other) {
+    if (other < entries.size())
+        std::swap(entries[one].number, entries[other].number);
 }
 
-// In the order of keys: entries of one number may change places.
-std::vector<Entry> sorted(std::vector<Entry> entries) {
-    std::sort(entries.begin(), entries.end(), [](Entry const& a, Entry const& b) {
-        return std::tie(a.serviceId, a.number) < std::tie(b.serviceId, b.number);
-    });
+Entry newEntry(Trial const& trial, std::size_t spare, std::int64_t number) {
+    Entry entry;
+    entry.serviceId = trial.spare[spare];
+    entry.number = number;
+    return entry;
+}
+
+Entries same(Trial const& trial) { return trial.now; }
+
+Entries swapped(Trial const& trial) {
+    Entries entries = trial.now;
+    swapNumbers(entries, 0, 1);
     return entries;
 }
 
-bool canBeWritten(std::vector<Entry> const& entries) {
-    return std::all_of(
-        entries.begin(), entries.end(),
-        [](Entry const& entry) { return entry.number.has_value(); });
+Entries insertedInFront(Trial const& trial) {
+    Entries entries = trial.now;
+    if (trial.spare.empty())
+        return entries;
+    for (Entry& entry : entries)
+        ++*entry.number;
+    entries.insert(entries.begin(), newEntry(trial, 0, 1));
+    return entries;
+}
+
+Entries appended(Trial const& trial) {
+    Entries entries = trial.now;
+    if (trial.spare.size() < 2)
+        return entries;
+    std::int64_t highest = 0;
+    for (Entry const& entry : entries)
+        highest = std::max(highest, *entry.number);
+    entries.push_back(newEntry(trial, 1, highest + 1));
+    return entries;
+}
+
+Entries withoutMiddle(Trial const& trial) {
+    Entries entries = trial.now;
+    if (!entries.empty())
+        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(entries.size() / 2));
+    return entries;
+}
+
+Entries hidden(Trial const& trial) {
+    Entries entries = trial.now;
+    if (!entries.empty())
+        entries[0].deleted = !entries[0].deleted;
+    return entries;
+}
+
+Entries empty(Trial const& /*trial*/) { return {}; }
+
+Entries refilled(Trial const& trial) {
+    Entries entries = trial.start;
+    for (Entry& entry : entries)
+        entry.deleted = false;  // what joins is shown at first
+    return entries;
+}
+
+struct Step {
+    char const* does;
+    Entries (*wanted)(Trial const&);
+};
+
+constexpr Step kFavSteps[] = {
+    {"swaps two entries", swapped},         {"inserts in front", insertedInFront},
+    {"appends an entry", appended},         {"removes one from the middle", withoutMiddle},
+    {"hides or restores an entry", hidden}, {"takes that back", hidden},
+    {"removes all entries", empty},         {"adds them again", refilled},
+};
+constexpr Step kAllSteps[] = {
+    {"writes entries as they are", same},
+    {"swaps two entries", swapped},
+    {"hides or restores an entry", hidden},
+    {"takes that back", hidden},
+};
+
+// The list's rows that edits reach; without a number where it is none of 32 bits.
+Entries storedEntries(List const& list) {
+    Query rows(db,
+               "SELECT CAST(ServiceId AS INTEGER), CASE WHEN CAST(ChannelNum AS TEXT) ="
+               " CAST(CAST(ChannelNum AS INTEGER) AS TEXT) AND CAST(ChannelNum AS INTEGER)"
+               " BETWEEN -2147483648 AND 2147483000 THEN CAST(ChannelNum AS INTEGER) END,"
+               " ifnull(isDeleted, 0) <> 0 FROM FavoriteItem WHERE FavoriteId = ?"
+               " AND CAST(ServiceId AS TEXT) = CAST(CAST(ServiceId AS INTEGER) AS TEXT)"
+               " ORDER BY 2, 1");
+    rows.bind(std::int64_t{list.pid});
+    Entries entries;
+    while (rows.next()) {
+        Entry entry;
+        entry.serviceId = static_cast<unsigned int>(rows.number(0));
+        if (!rows.isNull(1))
+            entry.number = rows.number(1);
+        entry.deleted = rows.number(2) != 0;
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+// Numbers that are none, and services that stand there twice, are findings of their own.
+bool canBeTried(Entries const& entries) {
+    std::set<unsigned int> services;
+    return std::all_of(entries.begin(), entries.end(), [&](Entry const& entry) {
+        return entry.number.has_value() && services.insert(entry.serviceId).second;
+    });
+}
+
+std::vector<unsigned int> spareServices(List const& list) {
+    Query rows(db,
+               "SELECT Pid FROM Service WHERE Pid IN (SELECT ServiceId FROM DvbService)"
+               " AND Pid NOT IN (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = ?"
+               " AND ServiceId NOT NULL) LIMIT 2");
+    rows.bind(std::int64_t{list.pid});
+    std::vector<unsigned int> services;
+    while (rows.next())
+        services.push_back(static_cast<unsigned int>(rows.number(0)));
+    return services;
 }
 
 // -1 where it is no number, which is a finding of its own.
@@ -44,80 +177,216 @@ std::int64_t updateTag(List const& list) {
                            std::to_string(list.pid));
 }
 
-std::int64_t entriesElsewhere(List const& list) {
-    return queryNumber(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId IS NOT " +
-                               std::to_string(list.pid));
+// Of all rows of other lists, in sums that change with any of them.
+std::string otherLists(List const& list) {
+    Query sums(db,
+               "SELECT count(*), total(Id % 65521 * ChannelNum), total(Id % 65521 * ServiceId),"
+               " total(Id % 65521 * isDeleted), total(Id % 65521 * FavoriteId)"
+               " FROM FavoriteItem WHERE FavoriteId IS NOT ?");
+    sums.bind(std::int64_t{list.pid}).next();
+    std::string text;
+    for (int i = 0; i < sums.columns(); ++i)
+        text += sums.text(i) + " ";
+    return text;
 }
 
-bool areMarked(List const& list) {
+std::set<unsigned int> servicesOf(Entries const& entries) {
+    std::set<unsigned int> services;
+    for (Entry const& entry : entries)
+        services.insert(entry.serviceId);
+    return services;
+}
+
+// Whether FavTag says of the services that joined and left what it has to.
+bool areMarked(List const& list, Entries const& before, Entries const& after) {
     std::string const tag =
         list.favIndex == 1 ? "FavTag" : "FavTag" + std::to_string(list.favIndex);
-    return queryNumber(db, "SELECT count(*) FROM Service WHERE " + tag +
-                               " IS NOT 1 AND Pid IN (SELECT ServiceId FROM FavoriteItem"
-                               " WHERE FavoriteId = " +
-                               std::to_string(list.pid) + ")") == 0;
+    Query marked(db,
+                 "SELECT " + tag + " IS 1, ifnull(" + tag + ", 0) = 0 FROM Service WHERE Pid = ?");
+    std::set<unsigned int> const old = servicesOf(before), now = servicesOf(after);
+    auto const isWrong = [&](unsigned int service, int column) {
+        marked.reset();
+        return marked.bind(std::int64_t{service}).next() && marked.number(column) == 0;
+    };
+    return std::none_of(now.begin(), now.end(),
+                        [&](unsigned int id) { return old.count(id) == 0 && isWrong(id, 0); }) &&
+           std::none_of(old.begin(), old.end(),
+                        [&](unsigned int id) { return now.count(id) == 0 && isWrong(id, 1); });
 }
 
-// Some service, for a list that holds none.
-std::vector<Entry> anyService() {
-    Entry entry;
-    entry.number = 1;
-    entry.serviceId = static_cast<unsigned int>(
-        queryNumber(db, "SELECT min(ServiceId) FROM DvbService JOIN Service ON Pid = ServiceId"));
-    return entry.serviceId == 0 ? std::vector<Entry>() : std::vector<Entry>{entry};
+bool isSame(Entries one, Entries other) {
+    auto const less = [](Entry const& a, Entry const& b) {
+        return std::tie(a.serviceId, a.number) < std::tie(b.serviceId, b.number);
+    };
+    std::sort(one.begin(), one.end(), less);
+    std::sort(other.begin(), other.end(), less);
+    return one == other;
 }
 
-// Emptied, and written back.
-void tryFavList(List const& list, Findings& findings) {
-    std::vector<Entry> before = readEntries(list.uuid).entries;
-    if (!canBeWritten(before))
-        return;  // which is a finding of its own
-    if (before.empty())
-        before = anyService();
-    std::int64_t const tag = updateTag(list);
-    std::int64_t const elsewhere = entriesElsewhere(list);
-    submit(favListRequest(list, {}));
-    if (tag >= 0 && updateTag(list) == tag) {
-        addFinding(list,
-                   "an edit of " + displayName(list) + " in a copy left its UpdateTag as it was",
-                   "edits do not show until the set is switched off and on", findings);
+std::vector<std::string> requestFor(Trial const& trial, Entries const& wanted) {
+    if (trial.list.favIndex != 0)
+        return favListRequest(trial.list, wanted);
+    if (wanted == trial.now) {
+        Entries first = wanted;
+        first.resize(std::min(first.size(), kMostRewritten));
+        return favListRequest(trial.list, first);
     }
-    if (!readEntries(list.uuid).entries.empty()) {
-        addFinding(list,
-                   "an edit that empties " + displayName(list) + " in a copy left entries in it",
-                   "removed favourites stay", findings);
-    }
-    submit(favListRequest(list, before));  // what joins is shown at first
-    submit(favListRequest(list, before));  // which updates entries rather than adding them
-    if (entriesElsewhere(list) != elsewhere) {
-        addFinding(list, "an edit of " + displayName(list) + " in a copy changed other lists",
-                   "other lists gain or lose entries with it", findings);
-    }
-    if (!areMarked(list)) {
-        addFinding(
-            list,
-            "an edit of " + displayName(list) + " in a copy did not mark its services in FavTag",
-            "added favourites are not marked as such", findings);
-    }
-    if (sorted(readEntries(list.uuid).entries) != sorted(before)) {
-        addFinding(list,
-                   "an edit of " + displayName(list) + " in a copy did not write what it was told",
-                   "added favourites are hidden at once, lost, or stand elsewhere", findings);
-    }
+    return otherListRequest(trial.list, trial.now, wanted, false);
 }
 
-void tryAllList(List const& list, Findings& findings) {
-    std::vector<Entry> entries = readEntries(list.uuid).entries;
-    entries.resize(std::min(entries.size(), kMostEntries));
-    if (entries.empty() || !canBeWritten(entries))
-        return;
-    submit(favListRequest(list, entries));  // every entry, as it stands
-    std::vector<Entry> after = readEntries(list.uuid).entries;
-    after.resize(std::min(after.size(), kMostEntries));
-    if (after != entries) {
-        addFinding(list, "an edit of the All list in a copy did not write what it was told",
-                   "edits of the list change more or less than asked", findings);
+// What the library's statements are refused for: it hands on SQLite's code alone.
+std::string reasonOf(Trial const& trial, Entries const& wanted) {
+    std::set<unsigned int> const stored = servicesOf(trial.now), kept = servicesOf(wanted);
+    try {
+        auto const run = [&](char const* sql, std::initializer_list<std::int64_t> values) {
+            Query query(db, sql);
+            for (std::int64_t const value : values)
+                query.bind(value);
+            query.next();
+        };
+        for (Entry const& entry : wanted) {
+            if (stored.count(entry.serviceId) != 0)
+                run("UPDATE FavoriteItem SET ChannelNum = ?, isDeleted = ? WHERE FavoriteId = ?"
+                    " AND ServiceId = ?",
+                    {*entry.number, entry.deleted ? 1 : 0, trial.list.pid, entry.serviceId});
+            else
+                run("INSERT INTO FavoriteItem (ServiceId, ChannelNum, FavoriteId,"
+                    " OriginalFavoriteId) VALUES (?, ?, ?, ?)",
+                    {entry.serviceId, *entry.number, trial.list.pid, trial.list.pid});
+        }
+        for (unsigned int const service : stored)
+            if (kept.count(service) == 0)
+                run("DELETE FROM FavoriteItem WHERE FavoriteId = ? AND ServiceId = ?",
+                    {trial.list.pid, service});
+        for (char const* tag : {"FavTag", "FavTag2", "FavTag3", "FavTag4"})
+            for (unsigned int const service : kept)
+                run(("UPDATE Service SET " + std::string(tag) + " = 1 WHERE Pid = ?").c_str(),
+                    {service});
+    } catch (Failure const& failure) {
+        std::string const sentence = failure.what();
+        auto const reason = sentence.rfind("cannot be read: ");
+        return reason == std::string::npos ? ": " + sentence : sentence.substr(reason + 14);
     }
+    return "";
+}
+
+// Nothing when the step is done as it has to be.
+std::vector<Complaint> complaintsOf(Step const& step, Trial& trial) {
+    Entries const wanted = step.wanted(trial);
+    if ((trial.list.favIndex != 0 && wanted == trial.now) || (wanted.empty() && trial.now.empty()))
+        return {};
+    std::string const edit = std::string("an edit that ") + step.does;
+    bool const isFav = trial.list.favIndex != 0;
+    std::string const others = isFav ? otherLists(trial.list) : "";
+    std::int64_t const tag = updateTag(trial.list);
+    try {
+        submit(requestFor(trial, wanted));
+    } catch (Failure const&) {
+        if (TimeLimit::isReached())
+            throw;  // the other lists' edits would not end either
+        return {{edit + " failed" + reasonOf(trial, wanted), "the list cannot be edited"}};
+    }
+    std::vector<Complaint> complaints;
+    if (!isSame(storedEntries(trial.list), wanted))
+        complaints.push_back({edit + " did not write what it was told",
+                              "entries are lost, stay, are hidden, or stand elsewhere"});
+    if (isFav && otherLists(trial.list) != others)
+        complaints.push_back(
+            {edit + " changed other lists", "other lists gain, lose or move entries with it"});
+    if (isFav && !areMarked(trial.list, trial.now, wanted))
+        complaints.push_back({edit + " did not write FavTag as it has to",
+                              "favourites are not marked as such, or stay marked"});
+    if (tag >= 0 && updateTag(trial.list) == tag)
+        complaints.push_back({edit + " left UpdateTag as it was",
+                              "edits do not show until the set is switched off and on"});
+    trial.now = wanted;
+    return complaints;
+}
+
+// Of the first step that goes wrong. `without` is left out of the copy's schema.
+std::vector<Complaint> tryList(List const& list, std::string const& without) {
+    FrozenDatabase const copy;
+    if (!without.empty() &&
+        sqlite3_exec(db, without.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        return {};
+    Trial trial{list, storedEntries(list), {}, {}};
+    if (!canBeTried(trial.start))
+        return {};
+    trial.now = trial.start;
+    trial.spare = spareServices(list);
+    auto const runAll = [&](auto const& steps) {
+        std::vector<Complaint> complaints;
+        for (Step const& step : steps) {
+            complaints = complaintsOf(step, trial);
+            if (!complaints.empty())
+                break;
+        }
+        return complaints;
+    };
+    return list.favIndex != 0 ? runAll(kFavSteps) : runAll(kAllSteps);
+}
+
+std::string quotedName(std::string const& name) {
+    std::string quoted = "\"";
+    for (char const c : name)
+        quoted += c == '"' ? "\"\"" : std::string(1, c);
+    return quoted + "\"";
+}
+
+// Triggers first: an index seldom does harm.
+std::vector<Suspect> suspects() {
+    Query rows(db,
+               "SELECT type, name, tbl_name, sql FROM sqlite_master WHERE sql NOT NULL"
+               " AND (type = 'trigger' OR type = 'index' AND lower(tbl_name) IN ('favoriteitem',"
+               " 'favoritelist', 'service')) ORDER BY type DESC, sql NOT LIKE '%UNIQUE%'");
+    std::vector<Suspect> found;
+    while (rows.next()) {
+        std::string const type = rows.text(0), sql = rows.text(3);
+        std::string const drop =
+            (type == "trigger" ? "DROP TRIGGER " : "DROP INDEX ") + quotedName(rows.text(1));
+        Suspect suspect{"the " + type + " " + rows.text(1) + " on " + rows.text(2),
+                        drop,
+                        {drop, "whether anything else needs the " + type}};
+        if (auto const unique = sql.find(" UNIQUE ");
+            type == "index" && unique != std::string::npos)
+            suspect.mend.sql += "; " + sql.substr(0, unique) + sql.substr(unique + 7);
+        found.push_back(suspect);
+    }
+    return found;
+}
+
+// What the complaint does not stand without.
+Suspect culprit(List const& list, Complaint const& complaint) {
+    for (Suspect const& suspect : suspects()) {
+        std::vector<Complaint> const others = tryList(list, suspect.without);
+        if (std::find(others.begin(), others.end(), complaint) == others.end())
+            return suspect;
+    }
+    return {"", "",
+            decision("change the default, constraint or type of the column, as the message says")};
+}
+
+// The lists in which the same goes wrong, if not with the same step: the first speaks for all.
+struct Shared {
+    Complaint complaint;
+    std::vector<List> lists;
+};
+
+Finding findingOf(Shared const& shared) {
+    List const& first = shared.lists.front();
+    std::string pids, names;
+    for (List const& list : shared.lists) {
+        pids += (pids.empty() ? "" : ", ") + std::to_string(list.pid);
+        names += (names.empty() ? "" : ", ") + displayName(list);
+    }
+    Suspect const suspect = culprit(first, shared.complaint);
+    return {"edit",
+            Severity::Edits,
+            "FavoriteList " + pids,
+            "on a copy of " + names + ", " + shared.complaint.what +
+                (suspect.name.empty() ? "" : ", because of " + suspect.name),
+            shared.complaint.viewer,
+            suspect.mend};
 }
 
 }  // namespace
@@ -127,22 +396,28 @@ void checkEdits(Findings& findings) {
         "edit", findings,
         [&] {
             std::vector<List> const lists = allLists();
-            auto const favLists = std::count_if(
-                lists.begin(), lists.end(), [](List const& list) { return list.favIndex != 0; });
+            if (std::count_if(
+                    lists.begin(), lists.end(),
+                    [](List const& list) { return list.favIndex != 0; }) != 4)
+                return;
+            std::vector<Shared> shared;
             for (List const& list : lists) {
-                if (favLists != 4 || list.uuid.empty() || (list.favIndex == 0 && !isAllList(list)))
+                if (list.uuid.empty() || (list.favIndex == 0 && !isAllList(list)))
                     continue;
-                try {
-                    (list.favIndex != 0 ? tryFavList : tryAllList)(list, findings);
-                } catch (Failure const&) {
-                    if (TimeLimit::isReached())
-                        throw;  // the other lists' edits would not end either
-                    addFinding(
-                        list,
-                        "an edit of " + displayName(list) + " in a copy failed: " + lastMessage(),
-                        displayName(list) + " cannot be edited", findings);
+                for (Complaint const& complaint : tryList(list, "")) {
+                    auto const known = std::find_if(
+                        shared.begin(), shared.end(),
+                        [&](Shared const& each) {
+                            return each.complaint.viewer == complaint.viewer;
+                        });
+                    if (known == shared.end())
+                        shared.push_back({complaint, {list}});
+                    else
+                        known->lists.push_back(list);
                 }
             }
+            for (Shared const& each : shared)
+                findings.push_back(findingOf(each));
         });
 }
 

@@ -5,9 +5,13 @@
 
 namespace channel_lists {
 
+// What the fourth column of a rule holds.
+enum class Mend { Statement, Decision };
+
 struct Rule {
     char const* name;
     Severity severity;
+    Mend mend;
     // Four columns a row: the row's name, what is wrong with it, what a viewer sees of it, and how
     // it is mended.
     char const* sql;

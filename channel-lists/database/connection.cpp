@@ -36,10 +36,21 @@ void openConnection(std::string const& path, int flags, sqlite3*& connection) {
     guard(connection);
 }
 
+// A connection takes texts for what it was made with, whatever pages are copied into it.
+static void copyEncoding(sqlite3* source, sqlite3* copy) {
+    std::string encoding;
+    waitWhileLocked([&] {
+        Query query(source, "PRAGMA encoding");
+        encoding = query.next() ? query.text(0) : "UTF-8";
+    });
+    sqlite3_exec(copy, ("PRAGMA encoding = '" + encoding + "'").c_str(), nullptr, nullptr, nullptr);
+}
+
 sqlite3* copyInMemory(sqlite3* source, int attempts) {
     sqlite3* copy = nullptr;
     try {
         openConnection(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, copy);
+        copyEncoding(source, copy);
         waitWhileLocked(
             [&] {
                 sqlite3_backup* const backup = sqlite3_backup_init(copy, "main", source, "main");

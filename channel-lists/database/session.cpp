@@ -39,6 +39,8 @@ void checkFile(std::string const& path) {
 void checkContent(std::string const& path, int code) {
     if (code == SQLITE_NOTADB)
         throw Failure(path + " is no SQLite database");
+    if (code == SQLITE_CORRUPT)
+        throw Damaged("cannot read " + path + ": " + sqlite3_errmsg(db));
     if (code == SQLITE_BUSY)
         throw Failure(path + " is locked by another process");
     if (code != SQLITE_OK)
@@ -105,7 +107,7 @@ void settle(std::string const& path) {
 
 }  // namespace
 
-OttSession::OttSession() {
+OttSession::OttSession(Ott ott) {
     char const* const home = std::getenv("HOME");
     path_ = home == nullptr ? std::string() : std::string(home) + "/" + kOttFile;
     struct stat file;
@@ -115,6 +117,13 @@ OttSession::OttSession() {
             openConnection(path_, SQLITE_OPEN_READONLY, db_zentova);
             return;
         }
+    } catch (Failure const& failure) {
+        close(db_zentova);
+        if (ott == Ott::Needed)
+            throw;
+        problem_ = failure.what();
+    }
+    try {
         openConnection(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, db_zentova);
     } catch (...) {
         close(db_zentova);
@@ -126,7 +135,7 @@ OttSession::OttSession() {
 
 OttSession::~OttSession() { close(db_zentova); }
 
-Session::Session(std::string const& path, Access access) {
+Session::Session(std::string const& path, Access access, Ott ott) : ott_(ott) {
     checkFile(path);
     tellWaitsFor(path);
     try {

@@ -115,7 +115,7 @@ int opened(int file, char const* path, bool isNew) {
     if (name == "/" && isNew)  // a file without a name, which linkat() gives it
         name = kUnnamed + std::to_string(file);
     state().files[static_cast<std::size_t>(file)] = name;
-    if (isNew && name.size() > 0 && name != "/")
+    if (isNew && !name.empty() && name != "/")
         record({Kind::Create, 0, name, ""});
     return file;
 }

@@ -238,7 +238,7 @@ void addUndoCommand(CommandLine& line) {
         .footer(
             "\"edit\" and \"import --favourites\" keep the lists that they change, \"import "
             "--force\"\n"
-            "and \"restore\" the whole database: the last ten copies, in "
+            "\"restore\" and \"check --mend\" the whole database: the last ten copies, in "
             "$XDG_STATE_HOME/channellist\n"
             "or ~/.local/state/channellist. A list is taken back entry by entry, and keeps what\n"
             "others changed since; where they changed the same entries, or a later command would\n"

@@ -30,42 +30,6 @@ constexpr SeverityWord kWords[] = {
     {Severity::Odd, Style::Bold, "odd", "Looks odd"},
 };
 
-struct Consequence {
-    char const* cause;
-    char const* rule;
-};
-
-// A rule's findings that another rule's explain.
-constexpr Consequence kConsequences[] = {
-    {"fav-lists", "fav-order"},
-    {"fav-lists", "fav-tag"},
-    {"fav-order", "fav-tag"},
-    {"endless", "unread"},
-    {"endless", "edit"},
-    {"key", "edit"},
-    {"key", "fav-tag"},
-    {"key", "dangling-item"},
-    {"key", "service-in-no-list"},
-    {"key", "service-not-in-all"},
-    {"all-list", "dangling-item"},
-    {"all-list", "service-not-in-all"},
-    {"all-list", "service-in-no-list"},
-    {"missing-table", "unread"},
-    {"missing-table", "service-query"},
-    {"missing-column", "unread"},
-    {"missing-column", "service-query"},
-    {"missing-table", "edit"},
-    {"missing-column", "edit"},
-    {"damage", "unread"},
-    {"damage", "edit"},
-    {"default", "edit"},
-    {"view-for-table", "default"},
-    {"view-for-table", "edit"},
-    {"view-for-table", "unread"},
-    {"view-for-table", "service-query"},
-    {"service-query", "edit"},
-};
-
 using Counts = std::map<std::string, int>;          // of findings, by their rules
 using Causes = std::map<std::string, std::string>;  // the rules that explain others
 
@@ -76,12 +40,25 @@ Counts countRules(Findings const& findings) {
     return counts;
 }
 
-Causes causesOf(Counts const& counts) {
+Causes causesOf(Findings const& findings) {
     Causes causes;
-    for (Consequence const& each : kConsequences)
-        if (counts.count(each.cause) != 0 && counts.count(each.rule) != 0)
-            causes.emplace(each.rule, each.cause);
+    for (Finding const& finding : findings)
+        if (!finding.cause.empty())
+            causes.emplace(finding.rule, finding.cause);
     return causes;
+}
+
+// "FavoriteItem 1, 2, 3, 4, 5 and 7 more": a row's name may hold as many keys as a table.
+std::string withFewKeys(std::string const& row) {
+    constexpr int kMostKeys = 5;
+    auto end = std::string::npos;
+    int keys = 1;
+    for (auto at = row.find(", "); at != std::string::npos; at = row.find(", ", at + 1))
+        if (++keys == kMostKeys + 1)
+            end = at;
+    return end == std::string::npos
+               ? row
+               : row.substr(0, end) + " and " + std::to_string(keys - kMostKeys) + " more";
 }
 
 std::string cut(std::string const& text) {
@@ -98,8 +75,8 @@ void print(Finding const& finding, bool all) {
     auto const text = [all](std::string const& words) {
         return all ? displayText(words) : cut(words);
     };
-    std::cout << text(finding.row) << ": " << text(finding.what) << "\n    " << text(finding.viewer)
-              << "\n    To mend it: " << text(finding.mend) << "\n";
+    std::cout << text(withFewKeys(finding.row)) << ": " << text(finding.what) << "\n    "
+              << text(finding.viewer) << "\n    To mend it: " << text(finding.mend.text()) << "\n";
 }
 
 }  // namespace
@@ -117,7 +94,7 @@ void printFindings(Findings findings, bool all) {
     std::stable_sort(findings.begin(), findings.end(),
                      [](Finding const& a, Finding const& b) { return a.severity < b.severity; });
     Counts const counts = countRules(findings);
-    Causes const causes = all ? Causes() : causesOf(counts);
+    Causes const causes = all ? Causes() : causesOf(findings);
     std::map<std::string, int> shown;
     bool isCut = !causes.empty();
     auto const* heading = "";
@@ -144,18 +121,24 @@ void printFindings(Findings findings, bool all) {
         std::cout << "--all shows every finding.\n";
 }
 
+std::string countOf(Findings const& findings) {
+    if (findings.empty())
+        return "No findings.";
+    return std::to_string(findings.size()) + (findings.size() == 1 ? " finding." : " findings.");
+}
+
 void printFindingsJson(Findings const& findings) {
-    Causes const causes = causesOf(countRules(findings));
     Json list = Json::array();
     for (Finding const& finding : findings) {
-        auto const cause = causes.find(finding.rule);
         list.push_back({{"rule", finding.rule},
                         {"severity", wordFor(finding.severity)},
                         {"row", finding.row},
                         {"what", finding.what},
                         {"viewer", finding.viewer},
-                        {"mend", finding.mend},
-                        {"cause", cause == causes.end() ? Json() : Json(cause->second)}});
+                        {"mend", finding.mend.text()},
+                        {"statements", finding.mend.sql},
+                        {"certain", finding.mend.isCertain()},
+                        {"cause", finding.cause.empty() ? Json() : Json(finding.cause)}});
     }
     printJson(list);
 }

@@ -16,6 +16,8 @@ Severity severityOf(std::string const& word);
 // The worst first. What follows from another finding is counted under it, and of a rule ten are
 // shown: with `all` everything is.
 void printFindings(Findings findings, bool all);
+// "3 findings."
+std::string countOf(Findings const& findings);
 void printFindingsJson(Findings const& findings);
 
 }  // namespace tool
