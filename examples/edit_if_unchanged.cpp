@@ -9,8 +9,7 @@ namespace {
 enum Ending { kWritten, kOvertaken, kFailed };
 
 typedef std::vector<ResultRow> List;
-// Of the columns of m_svfield at load.
-constexpr std::size_t kNumber = 0, kName = 1, kAttributes = 3, kKey = 11;
+constexpr std::size_t kNumber = 0, kName = 1, kAttributes = 3, kKey = 11;  // in m_svfield
 
 List readList(std::string const& uuid) {
     List list;
@@ -72,9 +71,9 @@ int main(int argc, char** argv) {
     std::fflush(stdout);
     std::getchar();
     Ending const ending = editIfUnchanged(seen, request);
-    std::printf("%s\n", ending == kWritten     ? "moved"
-                        : ending == kOvertaken ? "somebody else changed the list: look again"
-                                               : "could not be written");
+    char const* const words[] = {"moved", "somebody else changed the list: look again",
+                                 "could not be written"};
+    std::printf("%s\n", words[ending]);
     sqlite3_close(db);
     return ending;
 }

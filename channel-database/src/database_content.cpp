@@ -116,7 +116,7 @@ std::string setting(sqlite3* connection, char const* pragma) {
     auto const* value = sqlite3_step(statement) == SQLITE_ROW
                             ? reinterpret_cast<char const*>(sqlite3_column_text(statement, 0))
                             : nullptr;
-    std::string const text = value == nullptr ? "" : value;
+    std::string text = value == nullptr ? "" : value;
     sqlite3_finalize(statement);
     return text;
 }

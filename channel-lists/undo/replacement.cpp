@@ -80,8 +80,8 @@ void examineCopy(std::string const& file) {
     for (char const* needed :
          {"SELECT * FROM FavoriteItemView",
           "SELECT Id, OriginalFavoriteId, isDeleted FROM FavoriteItem",
-          "SELECT Pid, Uuid, Name, Creator, Attributes, NetworkId, BATId, UpdateTag,"
-          " MaxChannelNumber FROM FavoriteList",
+          "SELECT Pid, Uuid, Name, Creator, Attributes FROM FavoriteList",
+          "SELECT NetworkId, BATId, UpdateTag, MaxChannelNumber FROM FavoriteList",
           "SELECT FavTag, FavTag2, FavTag3, FavTag4, bissKey FROM Service",
           "SELECT ServiceId, Lcn, FavoriteId FROM Lcn"}) {
         try {

@@ -18,7 +18,7 @@ std::vector<Entry> list(std::string const& text) {
         auto const colon = word.find(':');
         entry.number = std::stoi(word);
         entry.name = word.substr(colon + 1, 1);
-        entry.serviceId = static_cast<unsigned int>(entry.name[0]);
+        entry.serviceId = static_cast<unsigned char>(entry.name[0]);
         entry.deleted = word.back() == '-';
         entries.push_back(std::move(entry));
     }

@@ -109,7 +109,7 @@ int opened(int file, char const* path, bool isNew) {
     if (file < 0 || file >= kMostFiles)
         return file;
     state().files[static_cast<std::size_t>(file)] = name;
-    if (isNew && name.size() > 0 && name != "/")
+    if (isNew && !name.empty() && name != "/")
         record({Kind::Create, 0, name, ""});
     return file;
 }

@@ -25,7 +25,7 @@ class RawRow {
 
     std::string_view text(Column column) const {
         auto const index = static_cast<std::size_t>(column);
-        if (strings_ != nullptr)
+        if (values_ == nullptr)
             return strings_[index];
         return values_[index] == nullptr ? std::string_view("") : std::string_view(values_[index]);
     }
@@ -35,7 +35,7 @@ class RawRow {
   protected:
     // SQLite's text; null where it has none, and in a row of strings.
     char const* value(Column column) const {
-        return strings_ == nullptr ? values_[static_cast<std::size_t>(column)] : nullptr;
+        return values_ == nullptr ? nullptr : values_[static_cast<std::size_t>(column)];
     }
 
   private:
