@@ -42,6 +42,7 @@ struct Trial {
     Entries start;
     Entries now;
     std::vector<unsigned int> spare;  // services that are not in the list
+    std::string others;               // all other lists, which no step may change
 };
 
 // Numbers are handed out in the order of the list.
@@ -130,11 +131,13 @@ constexpr Step kAllSteps[] = {
 // The list's rows that edits reach; without a number where it is none of 32 bits.
 Entries storedEntries(List const& list) {
     Query rows(db,
-               "SELECT CAST(ServiceId AS INTEGER), CASE WHEN CAST(ChannelNum AS TEXT) ="
-               " CAST(CAST(ChannelNum AS INTEGER) AS TEXT) AND CAST(ChannelNum AS INTEGER)"
+               "SELECT CAST(ServiceId AS INTEGER), CASE WHEN (typeof(ChannelNum) = 'integer' OR"
+               " CAST(ChannelNum AS TEXT) = CAST(CAST(ChannelNum AS INTEGER) AS TEXT))"
+               " AND CAST(ChannelNum AS INTEGER)"
                " BETWEEN -2147483648 AND 2147483000 THEN CAST(ChannelNum AS INTEGER) END,"
                " ifnull(isDeleted, 0) <> 0 FROM FavoriteItem WHERE FavoriteId = ?"
-               " AND CAST(ServiceId AS TEXT) = CAST(CAST(ServiceId AS INTEGER) AS TEXT)"
+               " AND (typeof(ServiceId) = 'integer'"
+               " OR CAST(ServiceId AS TEXT) = CAST(CAST(ServiceId AS INTEGER) AS TEXT))"
                " ORDER BY 2, 1");
     rows.bind(std::int64_t{list.pid});
     Entries entries;
@@ -181,7 +184,7 @@ std::int64_t updateTag(List const& list) {
 std::string otherLists(List const& list) {
     Query sums(db,
                "SELECT count(*), total(Id % 65521 * ChannelNum), total(Id % 65521 * ServiceId),"
-               " total(Id % 65521 * isDeleted), total(Id % 65521 * FavoriteId)"
+               " total(Id % 65521 * (FavoriteId * 2 + (isDeleted IS NOT 0)))"
                " FROM FavoriteItem WHERE FavoriteId IS NOT ?");
     sums.bind(std::int64_t{list.pid}).next();
     std::string text;
@@ -277,7 +280,6 @@ std::vector<Complaint> complaintsOf(Step const& step, Trial& trial) {
         return {};
     std::string const edit = std::string("an edit that ") + step.does;
     bool const isFav = trial.list.favIndex != 0;
-    std::string const others = isFav ? otherLists(trial.list) : "";
     std::int64_t const tag = updateTag(trial.list);
     try {
         submit(requestFor(trial, wanted));
@@ -290,7 +292,7 @@ std::vector<Complaint> complaintsOf(Step const& step, Trial& trial) {
     if (!isSame(storedEntries(trial.list), wanted))
         complaints.push_back({edit + " did not write what it was told",
                               "entries are lost, stay, are hidden, or stand elsewhere"});
-    if (isFav && otherLists(trial.list) != others)
+    if (isFav && otherLists(trial.list) != trial.others)
         complaints.push_back(
             {edit + " changed other lists", "other lists gain, lose or move entries with it"});
     if (isFav && !areMarked(trial.list, trial.now, wanted))
@@ -309,7 +311,7 @@ std::vector<Complaint> tryList(List const& list, std::string const& without) {
     if (!without.empty() &&
         sqlite3_exec(db, without.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         return {};
-    Trial trial{list, storedEntries(list), {}, {}};
+    Trial trial{list, storedEntries(list), {}, {}, list.favIndex != 0 ? otherLists(list) : ""};
     if (!canBeTried(trial.start))
         return {};
     trial.now = trial.start;

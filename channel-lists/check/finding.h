@@ -34,7 +34,7 @@ struct Finding {
     std::string what;    // what is wrong with the row
     std::string viewer;  // what a viewer sees of it
     WayOut mend;
-    std::string cause = "";  // the rule whose findings explain it; "" without one
+    std::string cause = {};  // the rule whose findings explain it; "" without one
 };
 
 using Findings = std::vector<Finding>;

@@ -17,6 +17,8 @@ namespace disk {
 namespace {
 
 constexpr int kMostFiles = 1024;
+constexpr char kUnnamed[] = "unnamed-";
+constexpr char kDescriptors[] = "/proc/self/fd/";
 
 // How an operation stands in the log, its name and data behind it.
 struct Header {
@@ -69,6 +71,8 @@ std::string nameIn(char const* path) {
     if (text.size() == directory.size())
         return "/";
     std::string const name = text.substr(directory.size() + 1);
+    if (name.empty())
+        return "/";
     bool const isIndex = name.size() > 4 && name.compare(name.size() - 4, 4, "-shm") == 0;
     bool const isDeeper = name.find('/') != std::string::npos;
     return text[directory.size()] != '/' || isIndex || isDeeper ? "" : name;
@@ -105,9 +109,11 @@ void record(Operation const& operation) {
 
 int opened(int file, char const* path, bool isNew) {
     std::lock_guard<std::mutex> const guard(state().mutex);
-    std::string const name = nameIn(path);
+    std::string name = nameIn(path);
     if (file < 0 || file >= kMostFiles)
         return file;
+    if (name == "/" && isNew)  // a file without a name, which linkat() gives it
+        name = kUnnamed + std::to_string(file);
     state().files[static_cast<std::size_t>(file)] = name;
     if (isNew && !name.empty() && name != "/")
         record({Kind::Create, 0, name, ""});
@@ -189,15 +195,17 @@ using namespace disk;
 
 // What follows takes the place of the C library's functions, for SQLite and everybody else.
 
-#define RECORDED_OPEN(function)                                                         \
-    extern "C" int function(char const* path, int flags, ...) {                         \
-        static auto* const call = real<int(char const*, int, ...)>(#function);          \
-        va_list arguments;                                                              \
-        va_start(arguments, flags);                                                     \
-        unsigned const mode = (flags & O_CREAT) != 0 ? va_arg(arguments, unsigned) : 0; \
-        va_end(arguments);                                                              \
-        bool const isNew = (flags & O_CREAT) != 0 && isAbsent(path);                    \
-        return opened(call(path, flags, mode), path, isNew);                            \
+#define RECORDED_OPEN(function)                                                     \
+    extern "C" int function(char const* path, int flags, ...) {                     \
+        static auto* const call = real<int(char const*, int, ...)>(#function);      \
+        va_list arguments;                                                          \
+        va_start(arguments, flags);                                                 \
+        bool const hasMode = (flags & (O_CREAT | O_TMPFILE)) != 0;                  \
+        unsigned const mode = hasMode ? va_arg(arguments, unsigned) : 0;            \
+        va_end(arguments);                                                          \
+        bool const isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;                    \
+        bool const isNew = isUnnamed || ((flags & O_CREAT) != 0 && isAbsent(path)); \
+        return opened(call(path, flags, mode), path, isNew);                        \
     }
 RECORDED_OPEN(open)
 RECORDED_OPEN(open64)
@@ -243,6 +251,18 @@ extern "C" int ftruncate64(int file, off64_t size) {
 extern "C" int rename(char const* from, char const* to) {
     static auto* const call = real<int(char const*, char const*)>("rename");
     return changed(call(from, to), Kind::Rename, nameIn(from), 0, nameIn(to));
+}
+
+extern "C" int linkat(int fromFolder, char const* from, int toFolder, char const* to, int flags) {
+    static auto* const call = real<int(int, char const*, int, char const*, int)>("linkat");
+    int const code = call(fromFolder, from, toFolder, to, flags);
+    std::size_t const front = sizeof kDescriptors - 1;
+    if (std::string(from).compare(0, front, kDescriptors) != 0)
+        return code;
+    auto& name = state().files.at(std::strtoul(from + front, nullptr, 10));
+    if (changed(code, Kind::Rename, name, 0, nameIn(to)) == 0)
+        name = nameIn(to);
+    return code;
 }
 
 extern "C" int unlink(char const* path) {

@@ -15,7 +15,8 @@
 // test says by disk::report() of a process that has ended. disk::operationsOf(log) reads the
 // record, and Disk of power_cut.h rebuilds the directory as a power cut leaves it.
 //
-// Seen are open, write, pwrite, ftruncate, rename, unlink, fsync, fdatasync and sync, by the
+// Seen are open, write, pwrite, ftruncate, rename, linkat of a file
+// without a name, unlink, fsync, fdatasync and sync, by the
 // absolute paths of files in the directory itself. What goes through C's or C++'s streams or a
 // memory map is not seen, so SQLite's "-shm" files are left out: after a power cut there is none.
 // While a program is recorded its flushes reach no disk.

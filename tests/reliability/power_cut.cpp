@@ -1,6 +1,11 @@
 #include "power_cut.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unordered_set>
 
 namespace disk {
 namespace {
@@ -133,6 +138,61 @@ Files Disk::afterCut(std::mt19937_64& random) const {
         files[name] = bytes->second;
     }
     return files;
+}
+
+Files filesIn(std::string const& directory) {
+    Files files;
+    for (auto const& entry : std::filesystem::directory_iterator(directory)) {
+        std::ostringstream bytes;
+        bytes << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+        files[entry.path().filename()] = bytes.str();
+    }
+    return files;
+}
+
+void putFiles(std::string const& directory, Files const& files) {
+    for (auto const& entry : std::filesystem::directory_iterator(directory))
+        std::filesystem::remove(entry.path());
+    for (auto const& [name, bytes] : files)
+        std::ofstream(directory + "/" + name, std::ios::binary) << bytes;
+}
+
+Outcome cutEverywhere(Recording const& recording, unsigned cuts, bool withFlushes,
+                      std::uint64_t seed,
+                      std::function<std::string(Files const&, std::size_t reports)> const& wrong) {
+    Disk disk(recording.before);
+    std::mt19937_64 random(seed);
+    Outcome outcome;
+    std::size_t reports = 0;
+    auto const each = static_cast<unsigned>(cuts / recording.operations.size() + 1);
+    std::unordered_set<std::size_t> seen;
+    for (Operation const& operation : recording.operations) {
+        for (unsigned i = 0; i < each; ++i) {
+            Files const files = disk.afterCut(random);
+            ++outcome.cuts;
+            std::string image = std::to_string(reports);
+            for (auto const& [name, bytes] : files)
+                image += name + bytes;
+            if (!seen.insert(std::hash<std::string>()(image)).second)
+                continue;
+            std::string const fault = wrong(files, reports);
+            outcome.faults += fault.empty() ? 0 : 1;
+            if (!fault.empty() && outcome.firstFault.empty())
+                outcome.firstFault = "seed " + std::to_string(seed) + ": " + fault;
+        }
+        bool const isFlush =
+            operation.kind == Kind::Flush || operation.kind == Kind::FlushDirectory;
+        if (withFlushes || !isFlush)
+            disk.run(operation);
+        reports += operation.kind == Kind::Report ? 1 : 0;
+    }
+    outcome.disks = seen.size();
+    return outcome;
+}
+
+std::uint64_t seedOf(char const* variable) {
+    char const* const seed = std::getenv(variable);
+    return seed != nullptr ? std::strtoull(seed, nullptr, 10) : std::random_device()();
 }
 
 }  // namespace disk

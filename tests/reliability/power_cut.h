@@ -1,6 +1,7 @@
 // A directory as a power cut leaves it, rebuilt from what was done to it.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <random>
 #include <string>
@@ -44,6 +45,30 @@ class Disk {
     std::vector<Content> contents_;
     std::map<std::string, Name> names_;
 };
+
+Files filesIn(std::string const& directory);
+void putFiles(std::string const& directory, Files const& files);
+
+struct Recording {
+    Files const& before;
+    std::vector<Operation> const& operations;
+};
+
+struct Outcome {
+    unsigned cuts = 0, faults = 0;
+    std::size_t disks = 0;   // different ones
+    std::string firstFault;  // with the seed that it came from
+};
+
+/// Cuts the power so often at least, as often before every operation as before any other. `wrong`
+/// says what is wrong with the files after a cut that came behind so many reports, "" for nothing;
+/// it is asked once for each disk. Without flushes it has to find something.
+Outcome cutEverywhere(Recording const& recording, unsigned cuts, bool withFlushes,
+                      std::uint64_t seed,
+                      std::function<std::string(Files const&, std::size_t reports)> const& wrong);
+
+/// The seed in this variable of the environment, else a random one.
+std::uint64_t seedOf(char const* variable);
 
 /// The first operation changes `bytes` as if all of it arrived.
 void apply(Operation const& operation, std::string& bytes);

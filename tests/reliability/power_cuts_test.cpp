@@ -7,11 +7,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iterator>
 #include <sstream>
-#include <unordered_set>
 
 #include "entry_points.h"
 #include "faulty_storage.h"
@@ -32,24 +30,6 @@ std::vector<std::vector<std::string>> const kEdits = {
     edit("list-of-favourites-1", {1, 2, 9}, 61)};
 
 using disk::Files;
-using disk::Kind;
-
-Files filesIn(std::string const& directory) {
-    Files files;
-    for (auto const& entry : std::filesystem::directory_iterator(directory)) {
-        std::ostringstream bytes;
-        bytes << std::ifstream(entry.path(), std::ios::binary).rdbuf();
-        files[entry.path().filename()] = bytes.str();
-    }
-    return files;
-}
-
-void putFiles(std::string const& directory, Files const& files) {
-    for (auto const& entry : std::filesystem::directory_iterator(directory))
-        std::filesystem::remove(entry.path());
-    for (auto const& [name, bytes] : files)
-        std::ofstream(directory + "/" + name, std::ios::binary) << bytes;
-}
 
 // What a database holds, or why that cannot be read.
 struct Found {
@@ -100,12 +80,10 @@ class PowerCuts : public testing::TestWithParam<Journal> {
     PowerCuts() : workshop_(GetParam()) {
         storage::flushes = platform::flushes = true;
         directory_ = std::filesystem::path(workshop_.file()).parent_path();
-        made_ = filesIn(directory_);
+        made_ = disk::filesIn(directory_);
         recordEdits();
         findRight();
         storage::flushes = platform::flushes = false;
-        char const* const seed = std::getenv("POWER_CUTS");
-        seed_ = seed != nullptr ? std::strtoull(seed, nullptr, 10) : std::random_device()();
     }
 
     // The database is closed once between them, which empties a WAL.
@@ -130,14 +108,14 @@ class PowerCuts : public testing::TestWithParam<Journal> {
     }
 
     void findRight() {
-        putFiles(directory_, made_);
+        disk::putFiles(directory_, made_);
         right_[0] = foundIn(workshop_.file());
         makeEdits([&](std::size_t done) { right_[done] = foundIn(workshop_.file()); });
     }
 
     // What is wrong after a cut when `done` edits were reported; "" when nothing is.
     std::string wrong(Files const& files, std::size_t done) {
-        putFiles(directory_, files);
+        disk::putFiles(directory_, files);
         Found const now = foundIn(workshop_.file());
         if (now.integrity != "ok|")
             return now.integrity;
@@ -151,36 +129,10 @@ class PowerCuts : public testing::TestWithParam<Journal> {
         return "neither edit " + std::to_string(done) + " nor the next";
     }
 
-    // Cuts the power `cuts` times, evenly before every operation, and returns how many of the disks
-    // were wrong; only the first is told, when none should be.
-    unsigned cut(unsigned cuts, bool withFlushes) {
-        disk::Disk disk(made_);
-        std::mt19937_64 random(seed_);
-        unsigned faults = 0;
-        std::size_t done = 0;
-        auto const each = static_cast<unsigned>(cuts / operations_.size() + 1);
-        std::unordered_set<std::string> seen;
-        for (disk::Operation const& operation : operations_) {
-            for (unsigned i = 0; i < each; ++i) {
-                Files const files = disk.afterCut(random);
-                ++cuts_;
-                std::string image = std::to_string(done);
-                for (auto const& [name, bytes] : files)
-                    image += name + bytes;
-                if (!seen.insert(std::to_string(std::hash<std::string>()(image))).second)
-                    continue;
-                std::string const fault = wrong(files, done);
-                faults += fault.empty() ? 0 : 1;
-                EXPECT_TRUE(fault.empty() || !withFlushes) << "seed " << seed_ << ": " << fault;
-            }
-            bool const isFlush =
-                operation.kind == Kind::Flush || operation.kind == Kind::FlushDirectory;
-            if (withFlushes || !isFlush)
-                disk.run(operation);
-            done += operation.kind == Kind::Report ? 1 : 0;
-        }
-        disks_ += seen.size();
-        return faults;
+    disk::Outcome cut(unsigned cuts, bool withFlushes) {
+        return disk::cutEverywhere(
+            {made_, operations_}, cuts, withFlushes, seed_,
+            [this](Files const& files, std::size_t done) { return wrong(files, done); });
     }
 
     Workshop workshop_;
@@ -188,23 +140,23 @@ class PowerCuts : public testing::TestWithParam<Journal> {
     Files made_;
     std::vector<Found> right_ = std::vector<Found>(kEdits.size() + 1);  // after so many edits
     std::vector<disk::Operation> operations_;
-    std::uint64_t seed_ = 0;
-    unsigned cuts_ = 0;
-    std::size_t disks_ = 0;
+    std::uint64_t seed_ = disk::seedOf("POWER_CUTS");
 };
 
 TEST_P(PowerCuts, LoseNoEditThatWasReportedAndLeaveNoneInHalves) {
-    cut(kCuts, true);
-    std::printf("figure: %u power cuts, %s\n", cuts_,
+    disk::Outcome const outcome = cut(kCuts, true);
+    EXPECT_EQ(outcome.firstFault, "");
+    std::printf("figure: %u power cuts, %s\n", outcome.cuts,
                 GetParam() == Journal::Wal ? "WAL" : "rollback journal");
-    std::printf("figure: %zu different disks after them\n", disks_);
+    std::printf("figure: %zu different disks after them\n", outcome.disks);
 }
 
 // The control: edits whose files are not flushed.
 TEST_P(PowerCuts, FindEditsThatDoNotFlush) {
-    unsigned const faults = cut(500, false);
-    EXPECT_GT(faults, 0U);
-    std::printf("figure: %u faults found in %u power cuts without flushes\n", faults, cuts_);
+    disk::Outcome const outcome = cut(500, false);
+    EXPECT_GT(outcome.faults, 0U);
+    std::printf("figure: %u faults found in %u power cuts without flushes\n", outcome.faults,
+                outcome.cuts);
 }
 
 INSTANTIATE_TEST_SUITE_P(Journals, PowerCuts, testing::Values(Journal::Rollback, Journal::Wal),

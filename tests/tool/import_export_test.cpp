@@ -139,7 +139,7 @@ TEST_F(ToolTest, RefusesToRestoreWhatWouldLoseTheDatabase) {
         fs::copy_file(folder / "copy", folder / file);
     fs::resize_file(folder / "cut", 9000);
     execute(folder / "poor", "ALTER TABLE FavoriteList DROP COLUMN Attributes");
-    auto const page = std::stoi(rows("SELECT rootpage FROM sqlite_master WHERE name = 'Lcn'"));
+    auto const page = std::stol(rows("SELECT rootpage FROM sqlite_master WHERE name = 'Lcn'"));
     std::fstream damaged(folder / "damaged", std::ios::in | std::ios::out | std::ios::binary);
     damaged.seekp(4096 * (page - 1)).write("\x0D\0\0\0\xFF", 5);
     damaged.close();

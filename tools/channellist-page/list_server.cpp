@@ -42,7 +42,7 @@ List listOf(std::string const& uuid) {
 }
 
 std::string placeOf(ResultRow const& service) {
-    std::string const satellite = service[SERVICE_FIELD_SATELLITE];
+    std::string const& satellite = service[SERVICE_FIELD_SATELLITE];
     std::string const delivery = deliveryOf(service);
     return delivery == "satellite" && !satellite.empty() ? delivery + " " + satellite : delivery;
 }

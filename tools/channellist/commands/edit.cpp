@@ -117,11 +117,9 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
             edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
         }
         Written next = writeLists(edits, keeping);
-        if (written.before.empty())
-            written = std::move(next);
-        else
-            written.after = std::move(next.after);
-        written.overtaken = next.overtaken;
+        if (!written.before.empty())
+            next.before = std::move(written.before);
+        written = std::move(next);
     } while (!written.overtaken.empty());
     report(options, written);
 }

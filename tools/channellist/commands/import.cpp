@@ -22,7 +22,6 @@ namespace tool {
 namespace {
 
 using namespace channel_database;
-using channel_lists::List;
 
 struct Options {
     std::string list;
@@ -123,6 +122,7 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
     }
     UndoStore undo(options.database, !options.dryRun && !options.noUndo);
     std::vector<ListEdit> edits;
+    edits.reserve(all.size());
     for (Favourites const& favourites : all)
         edits.push_back(favourites.edit);
     Written const written = writeLists(edits, {undo, "import --favourites"});

@@ -38,6 +38,7 @@ int run(std::string const& database, Options const& options) {
     if (options.noBrowser)
         words.emplace_back("--no-browser");
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
