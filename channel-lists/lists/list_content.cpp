@@ -83,7 +83,7 @@ void ListContent::remove(std::size_t index) {
 
 void ListContent::move(std::size_t index, std::int64_t number) {
     checkFree(number);
-    if (!closeUp(entries_[index], number))
+    if (!entries_[index].deleted && !closeUp(entries_[index], number))
         makeRoomAt(number);
     entries_[index].number = number;
 }
@@ -91,6 +91,7 @@ void ListContent::move(std::size_t index, std::int64_t number) {
 // Those in front of their place go there from the last on, those behind it from the first on: so
 // none of the block is between the old and the new place of another.
 void ListContent::moveAll(std::vector<std::size_t> const& block, std::int64_t number) {
+    checkFree(number);
     std::vector<std::pair<std::size_t, std::int64_t>> moves;
     for (std::size_t const index : block) {
         moves.emplace_back(index, number);
@@ -106,6 +107,9 @@ void ListContent::moveAll(std::vector<std::size_t> const& block, std::int64_t nu
 }
 
 void ListContent::swap(std::size_t one, std::size_t other) {
+    Entry const& hidden = entries_[entries_[one].deleted ? one : other];
+    if (entries_[one].deleted != entries_[other].deleted)
+        throw Failure(described(hidden) + " is no place to swap with; restore it");
     std::swap(entries_[one].number, entries_[other].number);
 }
 

@@ -58,7 +58,7 @@ class ListContent {
     void add(Entry entry, std::optional<std::int64_t> number);
     void remove(std::size_t index);
     // To `number`; when an entry stands there, those between the old place and the new one close
-    // up, and the numbers in use stay the same.
+    // up, and the numbers in use stay the same. A hidden entry leaves all others where they are.
     void move(std::size_t index, std::int64_t number);
     // The entries in this order to `number` and those behind it.
     void moveAll(std::vector<std::size_t> const& block, std::int64_t number);

@@ -135,7 +135,6 @@ class Ordering {
 
     // Those that the text itself gives.
     void checkNumbers() {
-        std::map<std::int64_t, int> lines;
         for (Placed const& each : placed_) {
             if (each.kept || !each.line->number)
                 continue;
@@ -147,7 +146,7 @@ class Ordering {
                 fail(*each.line, text + " belongs to an OTT channel");
             if (each.entry.deleted)
                 continue;
-            auto const [other, isNew] = lines.emplace(number, each.line->line);
+            auto const [other, isNew] = given_.emplace(number, each.line->line);
             if (!isNew)
                 fail(*each.line,
                      text + " is given in line " + std::to_string(other->second) + ", too");
@@ -162,7 +161,7 @@ class Ordering {
             if (lines == lines_.end()) {
                 ++missing;
                 if (list_.favIndex == 0 && !entry.deleted && entry.number)
-                    used_.insert(*entry.number);
+                    keepNumber(entry);
             } else if (lines->second.size() < places_[entry.serviceId].size()) {
                 result_.errors.push_back(
                     {lines->second.front(), displayText(entry.name) + " stands several times in " +
@@ -175,6 +174,16 @@ class Ordering {
             result_.notes.push_back(displayName(list_) + ": " + std::to_string(missing) +
                                     " entries have no line; they stay as they are");
         }
+    }
+
+    // Of an entry that stays without a line.
+    void keepNumber(Entry const& entry) {
+        auto const given = given_.find(*entry.number);
+        if (given != given_.end())
+            result_.errors.push_back({given->second, "number " + numberText(entry) +
+                                                         " is that of " + displayText(entry.name) +
+                                                         ", which has no line"});
+        used_.insert(*entry.number);
     }
 
     static bool dealsOut(Placed const& placed) {
@@ -268,6 +277,7 @@ class Ordering {
     std::map<unsigned int, std::vector<std::size_t>> places_;  // of a service in the list
     std::map<unsigned int, std::vector<int>> lines_;           // of a service in the text
     std::vector<Placed> placed_;
+    std::map<std::int64_t, int> given_;  // numbers that lines ask for
     std::set<std::int64_t> used_;
     std::vector<std::string> renamed_;
     bool numbersHold_ = false;

@@ -99,7 +99,7 @@ Entry const* TextServices::find(TextLine const& line, std::string& error) const 
     if (tripled.size() == 1)
         return tripled[0];
     Found named;
-    if (tripled.empty())
+    if (tripled.empty() && !line.name.empty())
         named = called(line.name);
     for (Entry const* service : tripled)
         if (hasName(*service, line.name))

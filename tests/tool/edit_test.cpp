@@ -39,6 +39,7 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
          "7 1;8 2 deleted;9 3 deleted;10 4 deleted;11 5 deleted;12 6"},
         {"hide 2-3 restore 3-", "1 1;2 2 deleted;3 3;5 5"},
         {"remove 'das erste'", "2 2;3 3;5 5"},
+        {"hide 2 move 3 to 2 move 'ZDF HD' to 5", "1 1;2 3;5 2 deleted;5 5"},
     };
     std::string const before = content("set.db");
     for (auto const& c : cases) {
@@ -127,6 +128,8 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV1 remove CNN", 1, nullptr, "FAV1 holds no service 'CNN'"},
         {"edit FAV1 remove 'DasErst'", 1, nullptr, "did you mean 'Das Erste'?"},
         {"edit FAV1 move 1-2 to 2147483647", 1, nullptr, "is left behind"},
+        {"edit FAV1 move 1-2 to 9223372036854775807", 2, nullptr, "channel numbers go from 1"},
+        {"edit FAV1 hide 2 move 3 to 2 swap id:2 5", 1, nullptr, "no place to swap with"},
         {"edit FAV1 mve 5 to 2", 2, nullptr, "did you mean 'move'?"},
         {"edit FAV1 remove 30-", 1, nullptr, "FAV1 holds no service '30-'"},
         {"edit FAV1 copy FAV2 to FAV3", 2, nullptr, "the list that is edited, FAV1"},

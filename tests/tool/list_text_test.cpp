@@ -101,6 +101,8 @@ TEST_F(ToolTest, KeepsEntriesOfOtherListsThatHaveNoLine) {
     EXPECT_THAT(err, HasSubstr("Astra: 1 entries have no line; they stay as they are"));
     EXPECT_EQ(rows("SELECT ServiceId, ChannelNum FROM FavoriteItem WHERE FavoriteId = 21"),
               "1|1;3|2");
+    write("text", "1 id:3\n");
+    expect({"edit Astra --from text", 1, nullptr, "text:1: number 1 is that of Das Erste, which"});
     write("text", "1 hidden HDMI 1 - id:7\n");
     expect({"edit u-av --from text", 0, "hidden", nullptr});
 }

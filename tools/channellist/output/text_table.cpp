@@ -115,6 +115,7 @@ std::string narrowHelp(std::vector<Column> const& columns) {
     std::sort(leaving.begin(), leaving.end(),
               [](Column const& a, Column const& b) { return a.leaves < b.leaves; });
     std::vector<std::string> names;
+    names.reserve(leaving.size());
     for (Column const& column : leaving)
         names.push_back(column.name);
     return "On a terminal that is too narrow texts are cut (" + joined(cut) + ")" +
