@@ -131,6 +131,11 @@ TEST_F(ToolTest, TellsEverythingWrongInATextAtOnce) {
         write("text", text);
         expect({"edit FAV1 --from text", 1, nullptr, "names no service; nothing is written"});
     }
+    for (char const* input : {"<&-", "</dev/null"})
+        EXPECT_EQ(run("--db set.db edit FAV1 --from -",
+                      "sh -c '\"$0\" \"$@\" " + std::string(input) + "'"),
+                  1)
+            << input;
     expect({"edit FAV1 --from text --empty -n", 0, "removed", nullptr});
     write("text", "Number,Key,State\n1,1,hiden\n");
     expect({"edit FAV1 --from text", 1, nullptr, "the state 'hiden' is neither shown nor hidden"});
@@ -174,6 +179,8 @@ TEST_F(ToolTest, OpensAListInTheEditorUntilItIsRight) {
          0, "moved", "others: ZDF HD moved from 2 to 9", "1 1;5 5;8 2"},
         {"sed -i /VOX/d \"$1\"; " TOOL " --db set.db edit FAV1 move 3 to 4 >/dev/null", "true", 1,
          "", "your text is kept in", "1 1;2 2;4 3;5 5"},
+        {"sed -i /VOX/d \"$1\"; cp set.db new.db; mv new.db set.db", "", 1, "", "replaced",
+         "1 1;2 2;3 3;5 5"},
         // An editor that nobody sits at changes its text in every round.
         {"echo CNN >>\"$1\"", "echo BBC >>\"$1\"", 1, "", "no service fits 'BBC'",
          "1 1;2 2;3 3;5 5"},
