@@ -11,6 +11,7 @@ namespace channel_lists {
 namespace {
 
 constexpr std::size_t kMost = 4;
+constexpr std::size_t kLongest = 100;  // bytes; what is longer is no slip, and takes its time
 constexpr std::size_t kTelling = 4;  // characters of a word that says more than "HD"
 
 // Letters and digits alone, of any script.
@@ -34,11 +35,15 @@ std::size_t distanceTo(std::string const& foldedName, std::string const& word) {
 }  // namespace
 
 std::string didYouMean(std::string const& word, std::vector<std::string> const& names) {
+    if (word.size() > kLongest)
+        return "";
     std::string const meant = folded(word);
     std::string const part = bare(meant);
     std::size_t const slips = word.size() <= 4 ? 1 : std::max<std::size_t>(2, word.size() / 4);
     std::set<std::pair<std::size_t, std::string>> near;
     for (std::string const& name : names) {
+        if (name.size() > kLongest)
+            continue;
         std::string const called = folded(name);
         bool const isHeld = part.size() > 1 && bare(called).find(part) != std::string::npos;
         std::size_t const whole = distanceTo(called, meant);
