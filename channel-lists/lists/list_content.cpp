@@ -115,6 +115,7 @@ void ListContent::swap(std::size_t one, std::size_t other) {
 
 void ListContent::order(std::vector<std::size_t> const& indices) {
     std::vector<std::optional<std::int64_t>> numbers;
+    numbers.reserve(indices.size());
     for (std::size_t const index : indices)
         numbers.push_back(entries_[index].number);
     std::sort(numbers.begin(), numbers.end());
