@@ -72,8 +72,7 @@ std::string TextServices::several(std::string const& word, Found const& services
 }
 
 std::string TextServices::none(TextLine const& line, Entry const* keyed) const {
-    std::string text =
-        "no service fits '" + (line.name.empty() ? line.triplet : line.name) + "'";
+    std::string text = "no service fits '" + (line.name.empty() ? line.triplet : line.name) + "'";
     if (keyed != nullptr)
         return text + "; " + keyText(line) + " is " + displayText(keyed->name) + " here";
     if (line.name.empty() || ++suggestions_ > kMostSuggestions)

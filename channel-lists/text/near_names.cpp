@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kMost = 4;
 constexpr std::size_t kLongest = 100;  // bytes; what is longer is no slip, and takes its time
-constexpr std::size_t kTelling = 4;  // characters of a word that says more than "HD"
+constexpr std::size_t kTelling = 4;    // characters of a word that says more than "HD"
 
 // Letters and digits alone, of any script.
 std::string bare(std::string const& foldedText) {
