@@ -73,8 +73,8 @@ bool converts(ResultRow const& row) {
 
 bool isTeletext(RawColumn const& column) { return std::strncmp(column.name, "Ttx", 3) == 0; }
 
-// Whether the row says if it is an input, which has no teletext. A name or uuid that is missing is a
-// finding of its own.
+// Whether the row says if it is an input, which has no teletext. A name or uuid that is missing is
+// a finding of its own.
 bool isTold(ResultRow const& row) { return !row[kInternalName].empty() && !row[kUuid].empty(); }
 
 // Whether the column alone does not convert. The names that make it an input stay, because an
@@ -145,9 +145,9 @@ std::string quotedValue(Query const& rows, std::size_t column) {
     return "'" + quoted + "'";
 }
 
-// Of all rows with the value; a teletext column's table is that of the service's kind. 0 in place of
-// NULL changes nothing for a viewer; what a value was meant to be, and whether a service is to be
-// shown, is for its owner to say.
+// Of all rows with the value; a teletext column's table is that of the service's kind. 0 in place
+// of NULL changes nothing for a viewer; what a value was meant to be, and whether a service is to
+// be shown, is for its owner to say.
 WayOut mending(RawColumn const& column, std::string const& value, ResultRow const& row) {
     std::string const stored = column.stored;
     std::string const name = stored.substr(0, stored.find(' '));

@@ -221,9 +221,8 @@ std::set<unsigned int> servicesOf(Entries const& entries) {
 bool areMarked(List const& list, Entries const& before, Entries const& after) {
     std::string const tag =
         list.favIndex == 1 ? "FavTag" : "FavTag" + std::to_string(list.favIndex);
-    Query marked(db,
-                 "SELECT CAST(" + tag + " AS INTEGER) IS 1, CAST(ifnull(" + tag +
-                     ", 0) AS INTEGER) = 0 FROM Service WHERE Pid = ?");
+    Query marked(db, "SELECT CAST(" + tag + " AS INTEGER) IS 1, CAST(ifnull(" + tag +
+                         ", 0) AS INTEGER) = 0 FROM Service WHERE Pid = ?");
     std::set<unsigned int> const old = servicesOf(before), now = servicesOf(after);
     auto const isWrong = [&](unsigned int service, int column) {
         marked.reset();

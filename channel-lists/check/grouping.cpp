@@ -9,8 +9,8 @@ namespace {
 bool isKey(std::string const& text) {
     auto const isDigit = [](char c) { return c >= '0' && c <= '9'; };
     std::size_t const sign = !text.empty() && text[0] == '-' ? 1 : 0;
-    return text.size() > sign && std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign),
-                                             text.end(), isDigit);
+    return text.size() > sign &&
+           std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign), text.end(), isDigit);
 }
 
 std::string joined(std::vector<std::string> const& keys, std::size_t begin, std::size_t end) {
@@ -40,8 +40,8 @@ std::string beforeKey(std::string const& sql, std::string const& key) {
 
 Group groupOf(Finding const& finding) {
     Group group{finding, rowName(finding.row), {finding.mend.sql}};
-    group.endInKeys = group.row.keys.size() == 1 &&
-                      !beforeKey(finding.mend.sql, group.row.keys[0]).empty();
+    group.endInKeys =
+        group.row.keys.size() == 1 && !beforeKey(finding.mend.sql, group.row.keys[0]).empty();
     return group;
 }
 

@@ -22,7 +22,7 @@ namespace {
 #define SERVICES \
     "min(Name) || CASE count(*) WHEN 1 THEN '' ELSE ' and ' || (count(*) - 1) || ' more' END"
 // A text of digits does as well as the number.
-#define IS_NO_ID(column)                                                                    \
+#define IS_NO_ID(column)                                                                        \
     "(CAST(" #column " AS TEXT) <> CAST(CAST(" #column " AS INTEGER) AS TEXT) OR CAST(" #column \
     " AS INTEGER) NOT BETWEEN 0 AND 65535)"
 #define NO_ID(column) \
