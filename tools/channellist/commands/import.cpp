@@ -163,7 +163,8 @@ void addImportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("import", "Makes a channel database from a channel list of another program")
         .argument("CHANNELS", options->list,
-                  "channels.conf, lamedb, a bouquet or a folder of them, M3U, or libdvbv5's; - for "
+                  "channels.conf, lamedb, a bouquet, a folder or archive of them, M3U, or "
+                  "libdvbv5's; - for "
                   "the input")
         .optionalArgument("DATABASE", options->database,
                           "the database to make, or to write favourites to")
@@ -179,7 +180,8 @@ void addImportCommand(CommandLine& line) {
         .noUndo(options->noUndo)
         .footer(
             "The format is told from the content. Of Enigma2, lamedb makes a database, a bouquet\n"
-            "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv both.\n"
+            "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv, or a .tar.gz or\n"
+            ".zip of it, both.\n"
             "Lines that cannot be read are counted by reason and skipped. The groups FAV1 to FAV4 "
             "become "
             "these\n"
