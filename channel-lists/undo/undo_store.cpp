@@ -206,6 +206,15 @@ void UndoStore::remove(int number) const {
         unlink(fileOf(number, ending).c_str());
 }
 
+// In this order: a copy changes its ending once its write is done.
+bool UndoStore::isTakenBack(int number) const {
+    for (char const* ending : {".part", ".json"})
+        for (int const other : numbers(ending))
+            if (read(other, ending).undoes == number)
+                return true;
+    return false;
+}
+
 void UndoStore::makeFolder() const {
     std::error_code failed;
     fs::create_directories(folder_, failed);

@@ -178,7 +178,7 @@ int takeBackLists(std::string const& database, KeptCopy const& copy, Options con
         std::cerr << "channellist: " << displayLines(troubles) << "\n";
     for (std::string const& note : taken.notes)
         std::cerr << "channellist: " << displayText(note) << "\n";
-    if (!taken.isWritten && isTakenBack(copy, store.copies()))
+    if (!taken.isWritten && store.isTakenBack(copy.number))
         throw Failure("copy " + std::to_string(copy.number) + " was taken back meanwhile");
     std::vector<Change> const changes = differences(taken.before, taken.after);
     if (!changes.empty())
