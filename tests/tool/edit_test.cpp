@@ -169,6 +169,13 @@ TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
         write("set.db", before);
     }
     change(
+        "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN new.ChannelNum < old.ChannelNum"
+        " BEGIN SELECT RAISE(ABORT, 'no'); END");
+    expect({"edit FAV1 remove VOX --renumber", 0, "Written, and flushed",
+            "the list is written, but it could not be renumbered: "});
+    EXPECT_EQ(fav(1), "1 1;2 2;5 5");
+    write("set.db", before);
+    change(
         "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 21 BEGIN SELECT"
         " RAISE(ABORT, 'no'); END");
     expect({"edit FAV1 hide VOX --everywhere", 1, nullptr, "list's update tag; written before: "});
