@@ -105,6 +105,12 @@ TEST_F(ToolTest, HidesInEveryListAtOnceAndTakesItBackAtOnce) {
     output("undo");
     EXPECT_EQ(rows(marks), "12");
     expect({"edit FAV1 move 1 to 2 --everywhere", 2, nullptr, "hide and restore alone"});
+    // Another writer comes between the first list and the next.
+    write("bin/sync", "#!/bin/sh\n[ -e once ] || { >once; " TOOL
+                      " --db set.db edit Astra move 1 to 9 --no-undo >other; }\n");
+    expect({"edit FAV1 hide VOX --everywhere", 0, "Astra  hidden", nullptr});
+    EXPECT_TRUE(std::filesystem::exists(folder / "other"));
+    EXPECT_EQ(rows(marks), "1;11;12;21");
 }
 
 TEST_F(ToolTest, KeepsTheNumbersOfOttChannelsFree) {
