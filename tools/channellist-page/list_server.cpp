@@ -243,7 +243,7 @@ Json ListServer::overview() {
                          {"name", displayName(list)},
                          {"fav", list.favIndex},
                          {"all", isAllList(list)},
-                         {"count", count == counts.end() ? 0 : count->second},
+                         {"count", count == counts.end() ? 0 : count->second.entries},
                          {"reserved", reservedNumbers(list)}});
     }
     bool const isWritable = !isReadOnly_ && access(database_.c_str(), W_OK) == 0;
