@@ -15,6 +15,7 @@
 #include "lists/difference.h"
 #include "output/differences.h"
 #include "output/progress.h"
+#include "output/written.h"
 #include "text/display_text.h"
 #include "undo/undo_store.h"
 
@@ -89,9 +90,9 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
                                     [&] { undo.keepDatabase("import --force"); });
     }
     undo.confirm();
-    std::cout << displayText(options.database) << ": " << services << " channels, "
-              << list.groups.size() << " groups, " << list.rejected.size() + list.others.size()
-              << " lines skipped\n";
+    printWritten(displayText(options.database) + ": " + std::to_string(services) + " channels, " +
+                 std::to_string(list.groups.size()) + " groups, " +
+                 std::to_string(list.rejected.size() + list.others.size()) + " lines skipped");
 }
 
 void tell(std::vector<Favourites> const& all) {
@@ -135,9 +136,10 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
             written.overtaken + " has changed meanwhile; " +
             (changes.empty() ? "nothing is written" : "only what is shown above is written"));
     }
-    std::cout << (changes.empty()  ? "Nothing to change.\n"
-                  : options.dryRun ? "Dry run: nothing is written.\n"
-                                   : "Written, and flushed to the disk.\n");
+    if (changes.empty() || options.dryRun)
+        std::cout << (changes.empty() ? "Nothing to change.\n" : "Dry run: nothing is written.\n");
+    else
+        printWritten("Written, and flushed to the disk.");
 }
 
 int run(std::string const& setDatabase, Options options) {
