@@ -236,6 +236,19 @@ TEST_F(ToolTest, ComparesTwoDatabases) {
     expect({"diff missing.db", 1, nullptr, "there is no database missing.db"});
 }
 
+// Without uuids, some alike in all: nothing has changed but the keys.
+TEST_F(ToolTest, TellsNothingOfServicesThatShareATriplet) {
+    change(
+        "UPDATE Service SET Uuid = NULL; UPDATE Service SET Name = 'same' WHERE Pid IN (2, 3);"
+        "UPDATE DvbService SET Oid = 1, Tid = 1, Sid = 1 WHERE ServiceId < 5;"
+        "UPDATE Tuner SET TunerUuid = ''");
+    output("backup old.db");
+    change(
+        "UPDATE Service SET Pid = Pid + 9; UPDATE FavoriteItem SET ServiceId = ServiceId + 9;"
+        "UPDATE DvbService SET ServiceId = ServiceId + 9");
+    expect({"diff old.db", 0, "No list and no service differs.\n", nullptr});
+}
+
 TEST_F(ToolTest, ReadsOttPositionsAndCreatesNoDatabaseForThem) {
     expect({"ott", 1, nullptr, "there is no OTT database"});
     output("edit FAV1 --renumber");
