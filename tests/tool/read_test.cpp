@@ -245,7 +245,8 @@ TEST_F(ToolTest, TellsNothingOfServicesThatShareATriplet) {
     output("backup old.db");
     change(
         "UPDATE Service SET Pid = Pid + 9; UPDATE FavoriteItem SET ServiceId = ServiceId + 9;"
-        "UPDATE DvbService SET ServiceId = ServiceId + 9");
+        "UPDATE DvbService SET ServiceId = ServiceId + 9;"
+        "UPDATE AnalogService SET ServiceId = ServiceId + 9");
     expect({"diff old.db", 0, "No list and no service differs.\n", nullptr});
 }
 
