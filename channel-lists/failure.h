@@ -16,10 +16,18 @@ enum ExitCode {
 class Failure : public std::runtime_error {
   public:
     explicit Failure(std::string const& sentence, ExitCode code = kFailure)
-        : std::runtime_error(sentence), code_(code) {}
+        : std::runtime_error(withoutNul(sentence)), code_(code) {}
     ExitCode code() const { return code_; }
 
   private:
+    // what() would end there, and a text that is quoted may hold some.
+    static std::string withoutNul(std::string const& sentence) {
+        std::string text;
+        for (char const c : sentence)
+            text += c == '\0' ? std::string("\\x00") : std::string(1, c);
+        return text;
+    }
+
     ExitCode code_;
 };
 

@@ -9,12 +9,13 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
-#include <vector>
+
+#include "enigma2_archive.h"
+#include "limited_text.h"
 
 namespace channel_database {
 namespace {
 
-constexpr std::size_t kLargestList = 64U << 20U;
 constexpr std::size_t kMostRejected = 20;  // of a list without any channel
 
 struct Format {
@@ -28,25 +29,12 @@ constexpr Format kFormats[] = {
 };
 
 std::string readText(std::string const& path) {
-    std::ostringstream text;
-    std::ifstream file;
-    if (path != "-") {
-        file.open(path, std::ios::binary);
-        if (!file)
-            throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
-    }
-    std::istream& in = path == "-" ? std::cin : file;
-    // Memory is no place for what never ends.
-    std::vector<char> part(1U << 16U);
-    for (std::size_t size = 0; in; size += static_cast<std::size_t>(in.gcount())) {
-        if (size > kLargestList)
-            throw std::runtime_error(path + ": larger than 64 MiB, as no channel list is");
-        in.read(part.data(), static_cast<std::streamsize>(part.size()));
-        text.write(part.data(), in.gcount());
-    }
-    if (in.bad())
-        throw std::runtime_error("cannot read " + path + " to its end");
-    return text.str();
+    if (path == "-")
+        return limitedText(std::cin, path);
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
+    return limitedText(file, path);
 }
 
 }  // namespace
@@ -55,6 +43,8 @@ ChannelsConf readChannelList(std::string const& path) {
     if (std::error_code ignored; std::filesystem::is_directory(path, ignored))
         return readEnigma2Folder(path);
     std::istringstream text(readText(path));
+    if (isArchive(text.str()))
+        return readEnigma2Archive(text.str(), path);
     for (Format const& format : kFormats) {
         if (!format.fits(text.str()))
             continue;

@@ -1,13 +1,9 @@
-// Bouquets of an Enigma2 receiver, and the folder that holds them beside lamedb.
+// Bouquets of an Enigma2 receiver.
 #include <channel-database/enigma2.h>
 #include <channel-database/utf8.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <stdexcept>
 
 #include "enigma2_ids.h"
 #include "line_text.h"
@@ -131,82 +127,6 @@ struct BouquetReader {
     bool isNamed = false;  // whether a description names the last channel
 };
 
-// The files that bouquets.tv names, in its order.
-std::vector<std::string> bouquetFiles(std::string const& folder) {
-    std::vector<std::string> files;
-    for (char const* index : {"/bouquets.tv", "/bouquets.radio"}) {
-        std::ifstream in(folder + index);
-        for (std::string line; std::getline(in, line);) {
-            auto const begin = line.find("FROM BOUQUET \"");
-            auto const end = begin == std::string::npos ? begin : line.find('"', begin + 14);
-            if (end != std::string::npos)
-                files.push_back(folder + "/" + line.substr(begin + 14, end - begin - 14));
-        }
-    }
-    return files;
-}
-
-std::vector<std::string> bouquetsByName(std::string const& folder) {
-    std::vector<std::string> files;
-    std::error_code ignored;
-    for (auto const& entry : std::filesystem::directory_iterator(folder, ignored)) {
-        std::string const kind = entry.path().extension();
-        if (entry.path().filename().string().rfind("userbouquet.", 0) == 0 &&
-            (kind == ".tv" || kind == ".radio"))
-            files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-// The services of lamedb by their triplets.
-class KnownServices {
-  public:
-    explicit KnownServices(std::vector<Channel> const& channels) {
-        for (Channel const& channel : channels)
-            services_.emplace(tripletText(channel), channel);
-    }
-    // The one of the same place, or else source, else any; null without one.
-    Channel const* find(Channel const& reference) const {
-        auto const [first, last] = services_.equal_range(tripletText(reference));
-        Channel const* ofSource = nullptr;
-        for (auto service = first; service != last; ++service) {
-            if (service->second.place == reference.place)
-                return &service->second;
-            if (ofSource == nullptr && service->second.source == reference.source)
-                ofSource = &service->second;
-        }
-        return ofSource != nullptr || first == last ? ofSource : &first->second;
-    }
-
-    bool isEmpty() const { return services_.empty(); }
-
-  private:
-    std::multimap<std::string, Channel> services_;
-};
-
-void append(ChannelsConf bouquet, std::string const& file, KnownServices const& services,
-            ChannelsConf& list) {
-    auto const group = static_cast<int>(list.groups.size());
-    list.groups.push_back(bouquet.groups.empty() ? file : bouquet.groups[0]);
-    for (Channel& reference : bouquet.channels) {
-        Channel channel = reference;
-        Channel const* const known = reference.isReference ? services.find(reference) : nullptr;
-        if (known != nullptr)
-            channel = *known;
-        else if (reference.isReference && !services.isEmpty())
-            list.rejected.push_back(
-                {reference.line, "lamedb has no such service", reference.name, file});
-        channel.isReference = reference.isReference;
-        channel.group = group;
-        channel.line = reference.line;
-        channel.number = static_cast<int>(list.channels.size()) + 1;
-        list.channels.push_back(std::move(channel));
-    }
-    for (RejectedLine& rejected : bouquet.rejected)
-        list.rejected.push_back({rejected.line, rejected.reason, rejected.text, file});
-}
-
 }  // namespace
 
 bool isBouquet(std::string_view beginning) {
@@ -220,32 +140,6 @@ ChannelsConf parseBouquet(std::istream& text) {
     for (std::string line; std::getline(text, line);)
         reader.read(trimmed(isUtf8(line) ? line : latin1ToUtf8(line)), ++number);
     return std::move(reader.list);
-}
-
-ChannelsConf readEnigma2Folder(std::string const& folder) {
-    std::vector<std::string> files = bouquetFiles(folder);
-    bool const isByName = files.empty() && !(files = bouquetsByName(folder)).empty();
-    std::ifstream lamedb(folder + "/lamedb");
-    if (!lamedb)
-        lamedb.open(folder + "/lamedb5");
-    if (!lamedb && files.empty())
-        throw std::runtime_error(folder + " is a folder without lamedb or bouquets.tv");
-    ChannelsConf list;
-    if (lamedb)
-        list = parseLamedb(lamedb);
-    for (RejectedLine& rejected : list.rejected)
-        rejected.file = folder + "/lamedb";
-    if (isByName)
-        list.notes.push_back("without bouquets.tv the bouquets are in the order of their names");
-    KnownServices const services(list.channels);
-    for (std::string const& file : files) {
-        std::ifstream in(file);
-        if (in)
-            append(parseBouquet(in), file, services, list);
-        else
-            list.rejected.push_back({0, "bouquets.tv names a file that cannot be read", file});
-    }
-    return list;
 }
 
 std::string formatBouquetName(std::string const& name) { return "#NAME " + name; }

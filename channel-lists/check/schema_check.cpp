@@ -124,6 +124,12 @@ bool contains(Names const& names, std::string const& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
+std::string newIndex(std::string const& table, std::string const& column) {
+    std::string sql = "CREATE INDEX ";
+    sql.append(table).append("By").append(column);
+    return sql.append(" ON ").append(table).append(" (").append(column).append(")");
+}
+
 void compareIndexes(std::string const& name, Expected const& expected, Table const& table,
                     Findings& findings) {
     Table const& wanted = expected.tables.at(name);
@@ -142,13 +148,11 @@ void compareIndexes(std::string const& name, Expected const& expected, Table con
         if (table.columns.count(column) != 0) {
             std::string const& spelled = wanted.columns.at(column);
             auto const known = expected.indexSql.find(name + "." + column);
-            findings.push_back({"missing-index", Severity::Slow, name,
-                                "no index begins with " + spelled,
-                                "lists or edits take long, the longer the larger the database",
-                                statements(known != expected.indexSql.end()
-                                               ? known->second
-                                               : "CREATE INDEX " + name + "By" + spelled + " ON " +
-                                                     name + " (" + spelled + ")")});
+            findings.push_back(
+                {"missing-index", Severity::Slow, name, "no index begins with " + spelled,
+                 "lists or edits take long, the longer the larger the database",
+                 statements(known != expected.indexSql.end() ? known->second
+                                                             : newIndex(name, spelled))});
         }
     }
 }

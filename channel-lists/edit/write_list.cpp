@@ -14,6 +14,7 @@
 #include "failure.h"
 #include "library_messages/library_messages.h"
 #include "listener.h"
+#include "text/display_text.h"
 
 namespace channel_lists {
 namespace {
@@ -214,6 +215,7 @@ Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping) {
     result.after = result.before;
     Snapshot expected = result.before;
     bool isKept = false;
+    std::vector<std::string> written;  // their names
     for (ListEdit const& edit : edits) {
         if (!isAsked(edit))
             continue;
@@ -225,12 +227,15 @@ Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping) {
                 result.overtaken = displayName(edit.seen.list);
                 break;
             }
-        } catch (...) {
-            if (result.ending == Ending::Written)
-                keeping.store.keepOnlyChanged(writtenLists(expected));
-            throw;
+        } catch (std::exception const& error) {
+            if (result.ending != Ending::Written)
+                throw;
+            keeping.store.keepOnlyChanged(writtenLists(expected));
+            throw Failure(displayName(edit.seen.list) + ": " + error.what() +
+                          "; written before: " + joined(written));
         }
         result.ending = Ending::Written;
+        written.push_back(displayName(edit.seen.list));
         for (ListEntries const& list : expectedLists(edit))
             for (ListEntries& each : expected)
                 if (each.uuid == list.uuid &&

@@ -91,6 +91,7 @@ void keepOnly(bool hidden, std::vector<Entry> const& entries, Places& found) {
 [[noreturn]] void failWithoutAny(std::vector<Entry> const& entries, std::string const& word,
                                  std::string const& listName) {
     std::vector<std::string> names;
+    names.reserve(entries.size());
     for (Entry const& entry : entries)
         names.push_back(displayText(entry.name));
     bool const isName = !isDigits(word) && !isBlock(word);

@@ -217,9 +217,20 @@ bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& 
     return written.overtaken.empty();
 }
 
-std::vector<ListEdit> planned(KeptCopy const& copy, TakenBack& result, Kind kind) {
+struct Plan {
+    std::vector<ListEdit> otherLists, favLists;
+};
+
+// All of one state of the database.
+Plan makePlan(KeptCopy const& copy, TakenBack& result) {
     FrozenDatabase const frozen;
-    return Planner(copy, result).plan(kind);
+    Planner planner(copy, result);
+    Plan plan = {planner.plan(Kind::OtherLists), planner.plan(Kind::FavLists)};
+    for (std::vector<ListEdit> const* edits : {&plan.otherLists, &plan.favLists})
+        for (ListEdit const& edit : *edits)
+            addMissing(edit.seen.reached, result.before);
+    result.after = result.before;
+    return plan;
 }
 
 // Whether the lists differ in nothing but what is hidden.
@@ -234,19 +245,12 @@ bool haveSamePlaces(std::vector<Entry> const& one, std::vector<Entry> const& oth
 // What hides or shows services everywhere comes before the lists of which it is a part: these are
 // seen again behind it, and brought to what was wanted of them before. False when somebody wrote in
 // between.
-bool tryToTakeBack(KeptCopy const& copy, TakenBack& result) {
-    std::vector<ListEdit> others, favLists;
-    {
-        FrozenDatabase const frozen;
-        Planner planner(copy, result);
-        others = planner.plan(Kind::OtherLists);
-        favLists = planner.plan(Kind::FavLists);
-    }
-    if (!write(others, copy, result))
+bool writePlan(Plan plan, KeptCopy const& copy, TakenBack& result) {
+    if (!write(plan.otherLists, copy, result))
         return false;
-    if (!others.empty()) {
+    if (!plan.otherLists.empty()) {
         FrozenDatabase const frozen;
-        for (ListEdit& edit : favLists) {
+        for (ListEdit& edit : plan.favLists) {
             SeenList now = seeList(edit.seen.list);
             if (!haveSamePlaces(now.entries, edit.seen.entries))
                 return false;
@@ -254,40 +258,52 @@ bool tryToTakeBack(KeptCopy const& copy, TakenBack& result) {
             edit.seen = std::move(now);
         }
     }
-    return write(favLists, copy, result);
+    return write(plan.favLists, copy, result);
+}
+
+// One try, with the lists as they are by now; `result` is what those before it wrote. False when
+// somebody wrote in between.
+bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenBack& result) {
+    TakenBack next;
+    Plan plan = makePlan(copy, next);
+    bool const isRefused = !isForced && (!next.conflicts.empty() || !next.lost.empty());
+    if (result.isWritten) {
+        if (isRefused)
+            throw Failure("others changed the same entries meanwhile; a part is taken back");
+        next.before = std::move(result.before);
+        next.after = std::move(result.after);
+        next.isWritten = true;
+    }
+    result = std::move(next);
+    if (isRefused)
+        return true;
+    if (!result.isWritten) {
+        bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
+        store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number),
+                        result.before, isRedo ? 0 : copy.number);
+    }
+    bool const isDone = writePlan(std::move(plan), copy, result);
+    if (!result.isWritten)
+        store.discard();
+    return isDone;
 }
 
 }  // namespace
 
 TakenBack takeBack(KeptCopy const& copy, bool isForced, UndoStore& store) {
     TakenBack result;
-    for (Kind const kind : {Kind::OtherLists, Kind::FavLists})
-        for (ListEdit const& edit : planned(copy, result, kind))
-            addMissing(edit.seen.reached, result.before);
-    result.after = result.before;
-    if (!isForced && (!result.conflicts.empty() || !result.lost.empty()))
-        return result;
-    bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
-    store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number),
-                    result.before, isRedo ? 0 : copy.number);
-    TakenBack ignored;
-    ignored.before = ignored.after = result.before;
     try {
-        int tries = 0;
-        while (!tryToTakeBack(copy, ignored))
-            if (++tries == kMostTries)
-                throw Failure("others change the lists all the time; only a part may be written");
+        for (int tries = 1; !tryToTakeBack(copy, isForced, store, result); ++tries)
+            if (tries == kMostTries)
+                throw Failure(std::string("others change the lists all the time; ") +
+                              (result.isWritten ? "a part is taken back" : "nothing is written"));
     } catch (...) {
-        if (ignored.isWritten)
-            store.keepOnlyChanged(ignored.after);
+        if (result.isWritten)
+            store.keepOnlyChanged(result.after);
         throw;
     }
-    result.after = ignored.after;
-    result.isWritten = ignored.isWritten;
     if (result.isWritten)
         store.keepOnlyChanged(result.after);
-    else
-        store.discard();
     return result;
 }
 

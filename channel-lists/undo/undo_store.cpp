@@ -33,7 +33,7 @@ std::string stateFolder() {
     if (state != nullptr && state[0] == '/')  // others are to be ignored
         return state;
     char const* const home = std::getenv("HOME");
-    return home == nullptr ? std::string() : std::string(home) + "/.local/state";
+    return home == nullptr || home[0] != '/' ? std::string() : std::string(home) + "/.local/state";
 }
 
 std::string localTime() {
@@ -206,6 +206,15 @@ void UndoStore::remove(int number) const {
         unlink(fileOf(number, ending).c_str());
 }
 
+// In this order: a copy changes its ending once its write is done.
+bool UndoStore::isTakenBack(int number) const {
+    for (char const* ending : {".part", ".json"})
+        for (int const other : numbers(ending))
+            if (read(other, ending).undoes == number)
+                return true;
+    return false;
+}
+
 void UndoStore::makeFolder() const {
     std::error_code failed;
     fs::create_directories(folder_, failed);
@@ -240,8 +249,10 @@ void UndoStore::write(KeptCopy const& copy) const {
         json["after"].push_back(toJson(list));
     std::string const text = json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
     auto const size = static_cast<ssize_t>(text.size());
-    if (pwrite(claimed_, text.data(), text.size(), 0) != size || ftruncate(claimed_, size) != 0 ||
-        fsync(claimed_) != 0)
+    ssize_t done = 0;
+    for (ssize_t part = 1; part > 0 && done < size; done += part)
+        part = pwrite(claimed_, text.data() + done, static_cast<std::size_t>(size - done), done);
+    if (done != size || ftruncate(claimed_, size) != 0 || fsync(claimed_) != 0)
         throw Failure("cannot write " + fileOf(copy.number, ".part") + ": " + std::strerror(errno));
 }
 

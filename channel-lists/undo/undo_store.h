@@ -66,6 +66,8 @@ class UndoStore {
     // What is left of processes that died is kept if they had written, and removed else.
     void settle(std::function<bool(KeptCopy const&)> const& wasWritten) const;
     void remove(int number) const;
+    // Whether another command takes the copy back, or has done so by now.
+    bool isTakenBack(int number) const;
 
   private:
     std::string fileOf(int number, char const* ending) const;

@@ -13,6 +13,10 @@ set(CHANNELLIST_ACCESS_SYSROOT "${CMAKE_CURRENT_LIST_DIR}/../../build/arm-sysroo
 get_filename_component(CHANNELLIST_ACCESS_SYSROOT "${CHANNELLIST_ACCESS_SYSROOT}" ABSOLUTE)
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CHANNELLIST_ACCESS_SYSROOT)
 
+# Where the libraries that libraries need stand, of which the linker knows no folder.
+set(CMAKE_EXE_LINKER_FLAGS_INIT
+    "-Wl,-rpath-link,${CHANNELLIST_ACCESS_SYSROOT}/lib/arm-linux-gnueabihf:${CHANNELLIST_ACCESS_SYSROOT}/usr/lib/arm-linux-gnueabihf")
+
 # Not CMAKE_SYSROOT: the compiler keeps its C++ headers and its C library outside of it.
 set(CMAKE_FIND_ROOT_PATH "${CHANNELLIST_ACCESS_SYSROOT}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

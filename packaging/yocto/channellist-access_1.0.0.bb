@@ -17,8 +17,8 @@ EXTRA_OECMAKE = "-DCHANNELLIST_ACCESS_ORV_DEBUG_LIBRARY=${STAGING_LIBDIR}/liborv
 # The command `channellist`, for developers' images; its libraries come from meta-oe, libcsv from a
 # recipe of the set's.
 PACKAGECONFIG ??= "tools ${@bb.utils.contains('PTEST_ENABLED', '1', 'tests', '', d)}"
-PACKAGECONFIG[tools] = "-DCHANNELLIST_ACCESS_BUILD_TOOLS=ON,-DCHANNELLIST_ACCESS_BUILD_TOOLS=OFF,cli11 nlohmann-json utf8proc libcsv"
-PACKAGECONFIG[tests] = "-DBUILD_TESTING=ON,-DBUILD_TESTING=OFF,googletest"
+PACKAGECONFIG[tools] = "-DCHANNELLIST_ACCESS_BUILD_TOOLS=ON,-DCHANNELLIST_ACCESS_BUILD_TOOLS=OFF,cli11 nlohmann-json utf8proc libcsv libarchive"
+PACKAGECONFIG[tests] = "-DBUILD_TESTING=ON,-DBUILD_TESTING=OFF,googletest libarchive"
 
 PACKAGES =+ "${PN}-tools"
 SUMMARY:${PN}-tools = "Shows, checks and edits the channel lists of a set"

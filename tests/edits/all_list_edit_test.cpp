@@ -7,6 +7,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsSupersetOf;
 
 using AllListEdit = EditTest;
@@ -87,6 +88,19 @@ TEST_F(AllListEdit, IsCommittedWhenARenumberingFails) {
     std::string const hint = ", hint:'Renumber fav item in the case of All list edit.'.";
     EXPECT_THAT(texts(),
                 ElementsAre("sqlite3_step failed:19" + hint, "sqlite3_step failed:21" + hint));
+}
+
+// Its owner writes between the numbers of two lists.
+TEST_F(AllListEdit, RenumbersAroundOneStateOfTheOttDatabase) {
+    ott("('FAV1', 1), ('FAV2', 1)");
+    channel_database::ChannelDatabase owner(ottFile());
+    owner.run("PRAGMA journal_mode = WAL");  // where a reader holds up nobody
+    when("UPDATE FavoriteList SET MaxChannelNumber",
+         [&] { owner.run("DELETE FROM SQL_OTTFavChannels"); });
+    EXPECT_EQ(edit("all  14 4 13"), 101);
+    EXPECT_THAT(changes(), HasSubstr("List 7: MaxChannelNumber 0>4"));
+    EXPECT_EQ(edit("all  14 4 13"), 101) << "the state is no longer held";
+    EXPECT_THAT(changes(), HasSubstr("List 7: MaxChannelNumber 4>3"));
 }
 
 }  // namespace

@@ -18,6 +18,9 @@ namespace fs = std::filesystem;
 
 constexpr unsigned kCuts = 3000;  // in each journal mode
 
+constexpr char kImport[] = "import --force " SAMPLES "/channels.conf @/set.db";
+constexpr char kNew[] = "import " SAMPLES "/favourites.conf @/new.db";
+
 // Each is one transaction on one file, and has ended before the next begins. @: the directory.
 std::vector<std::string> const kCommands = {
     "--db @/set.db edit FAV1 move 3 to 1",
@@ -27,8 +30,8 @@ std::vector<std::string> const kCommands = {
     "--db @/set.db edit FAV2 remove 1 add 'KiKA HD'",
     "--db @/set.db restore @/copy.db",
     "--db @/set.db undo",
-    "import --force " SAMPLES "/channels.conf @/set.db",
-    "import " SAMPLES "/favourites.conf @/new.db",
+    kImport,
+    kNew,
     "--db @/set.db undo",
 };
 

@@ -126,6 +126,8 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV1 move 1 to 2147483648", 2, nullptr, "channel numbers go from 1"},
         {"edit all add VOX", 2, nullptr, "added to and removed from FAV1 to FAV4 only"},
         {"edit FAV1 remove CNN", 1, nullptr, "FAV1 holds no service 'CNN'"},
+        {"edit FAV1 remove '[VOX]'", 1, nullptr, "FAV1 holds no service '[VOX]'"},
+        {"edit FAV1 --from ''", 2, nullptr, "--from: a value is needed, not ''"},
         {"edit FAV1 remove 'DasErst'", 1, nullptr, "did you mean 'Das Erste'?"},
         {"edit FAV1 move 1-2 to 2147483647", 1, nullptr, "is left behind"},
         {"edit FAV1 move 1-2 to 9223372036854775807", 2, nullptr, "channel numbers go from 1"},
@@ -166,6 +168,12 @@ TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
         EXPECT_EQ(rows("SELECT * FROM FavoriteItem"), items) << sql;
         write("set.db", before);
     }
+    change(
+        "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 21 BEGIN SELECT"
+        " RAISE(ABORT, 'no'); END");
+    expect({"edit FAV1 hide VOX --everywhere", 1, nullptr, "list's update tag; written before: "});
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3 deleted;5 5");
+    write("set.db", before);
     change("INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (99, 11, 9)");
     output("edit FAV1 hide 1");
     EXPECT_THAT(err, HasSubstr("FAV1 holds 1 items that it cannot show; the edit drops them"));

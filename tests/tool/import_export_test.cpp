@@ -378,22 +378,85 @@ TEST_F(ToolTest, ChoosesAmongServicesOfOneTriplet) {
     EXPECT_EQ(fav(1), "1 5;2 4");
 }
 
-// A receiver's folder makes a database and favourites; its bouquets name services of any database.
-TEST_F(ToolTest, TakesTheListsOfAnEnigma2Receiver) {
-    fs::create_directory(folder / "e2");
-    write("e2/lamedb",
-          "eDVB services /4/\ntransponders\n"
-          "00c00000:03fb:0001\n\ts 12604000:27500000:0:3:192:2:0\n/\n"
-          "ffff0000:0008:0003\n\tc 394000:6900000:2:5:0:0:0\n/\nend\nservices\n"
-          "283d:00c00000:03fb:0001:1:0\nDas Erste\np:\n"
-          "000a:ffff0000:0008:0003:2:0\nJazz\np:\n"
-          "0007:ffff0000:0008:0003:12:0\nData\np:\nend\n");
+// A receiver's settings in the folder "e2".
+class ReceiverTest : public ToolTest {
+  protected:
+    ReceiverTest() {
+        fs::create_directory(folder / "e2");
+        write("e2/lamedb",
+              "eDVB services /4/\ntransponders\n"
+              "00c00000:03fb:0001\n\ts 12604000:27500000:0:3:192:2:0\n/\n"
+              "ffff0000:0008:0003\n\tc 394000:6900000:2:5:0:0:0\n/\nend\nservices\n"
+              "283d:00c00000:03fb:0001:1:0\nDas Erste\np:\n"
+              "000a:ffff0000:0008:0003:2:0\nJazz\np:\n"
+              "0007:ffff0000:0008:0003:12:0\nData\np:\nend\n");
+        write("e2/bouquets.tv",
+              "#NAME x\n#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" "
+              "ORDER BY bouquet\n");
+        write("e2/userbouquet.a.tv",
+              "#NAME Mine\n#SERVICE 1:0:2:A:8:3:FFFF0000:0:0:0:\n"
+              "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:\n");
+    }
+    void shell(std::string const& commands) {
+        ASSERT_EQ(std::system(("cd " + folder.string() + " && " + commands).c_str()), 0)
+            << commands;
+    }
+};
+
+// An archive is its folder; what is no such archive, or a trap, writes nothing.
+TEST_F(ReceiverTest, TakesArchivesOfItsSettings) {
+    ASSERT_EQ(run("import e2 folder.db"), 0) << err;
+    std::string const told = err;
+    for (char const* make :
+         {"mkdir etc && cp -r e2 etc/enigma2 && ln -s /etc/passwd etc/x && tar czf a etc",
+          "tar cf a ./e2", "tar cJf a -C e2 .", "python3 -m zipfile -c a e2"}) {
+        fs::remove(folder / "archive.db");
+        shell(make);
+        ASSERT_EQ(run("import a archive.db"), 0) << make << err;
+        EXPECT_THAT(err, testing::ContainsRegex("a:[./a-z2]*lamedb:17: type 12: Data\n"));
+        EXPECT_TRUE(content("archive.db") == content("folder.db")) << make;
+        fs::remove(folder / "a");
+    }
+    std::string const kept = content("archive.db");
+    struct {
+        char const* make;
+        char const* reason;
+    } const cases[] = {
+        {"tar czf b etc && head -c 300 b > a", "a: the archive is cut or damaged"},
+        {"python3 -m zipfile -c b e2 && head -c 400 b > a", "a: the archive is cut or damaged"},
+        {"tar cf b etc && head -c 3000 b > a", "a: the archive is cut or damaged"},
+        {"tar czf a --transform 's,e2/,../,' e2/lamedb", "a: it holds a path upwards, ../lamedb"},
+        {"ln -s /etc/passwd lamedb && tar czf a lamedb", "a: lamedb is a link or no file"},
+        {"cp -rl e2 f && tar czf a e2 f", "a: f/"},
+        {"truncate -s 257M big && tar czf a big e2", "unpacks to more than 256 MiB"},
+        {"truncate -s 65M etc/c.tv && tar czf a etc", "etc/c.tv is larger than 64 MiB, as no"},
+        {"rm -r f; cp -r e2 f && tar czf a e2 f", "lists in several folders, a:e2/ and a:f/"},
+        {"tar czf a set.db", "a: the archive holds neither lamedb nor bouquets"}};
+    for (auto const& c : cases) {
+        shell(c.make);
+        EXPECT_EQ(run("import a archive.db --force"), 1) << c.make;
+        EXPECT_THAT(err, HasSubstr(c.reason)) << c.make;
+        EXPECT_TRUE(content("archive.db") == kept) << c.make;
+    }
+}
+
+// A folder takes no more than an archive, and no file of elsewhere.
+TEST_F(ReceiverTest, StaysInItsFolder) {
     write("e2/bouquets.tv",
-          "#NAME x\n#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" "
-          "ORDER BY bouquet\n");
-    write("e2/userbouquet.a.tv",
-          "#NAME Mine\n#SERVICE 1:0:2:A:8:3:FFFF0000:0:0:0:\n"
-          "#SERVICE 1:0:1:283D:3FB:1:C00000:0:0:0:\n");
+          "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"../userbouquet.a.tv\" ORDER BY bouquet\n"
+          "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"gone.tv\" ORDER BY bouquet\n");
+    shell("mv e2/userbouquet.a.tv . && mkfifo e2/userbouquet.b.tv");
+    ASSERT_EQ(run("import e2 new.db"), 0) << err;
+    EXPECT_THAT(err, HasSubstr("skipped 1: a bouquet outside of the folder\n"
+                               "  e2/bouquets.tv:1: ../userbouquet.a.tv\n"));
+    EXPECT_THAT(err, HasSubstr("a bouquet that cannot be read\n  e2/bouquets.tv:2: gone.tv\n"));
+    shell("truncate -s 40M e2/a.tv e2/b.tv");
+    EXPECT_EQ(run("import e2 new.db --force"), 1);
+    EXPECT_THAT(err, HasSubstr("e2: larger than 64 MiB, as no receiver's lists are"));
+}
+
+// A receiver's folder makes a database and favourites; its bouquets name services of any database.
+TEST_F(ReceiverTest, TakesTheListsOfAnEnigma2Receiver) {
     ASSERT_EQ(run("import e2/lamedb new.db"), 0);
     EXPECT_EQ(out, "new.db: 2 channels, 0 groups, 1 lines skipped\n");
     EXPECT_EQ(err,

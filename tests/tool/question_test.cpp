@@ -39,6 +39,9 @@ TEST_F(Question, IsAskedWhereverSomebodySits) {
         {"edit FAV1", kWithoutVox, "y", "", "Write this to FAV1? [y/N]", "1 1;2 2;5 5"},
         {"edit FAV1", kWithoutVox, "n", "", "nothing is written", "1 1;2 2;3 3;5 5"},
         {"edit FAV1", kWithoutVox, "", "", "your text is kept in", "1 1;2 2;3 3;5 5"},
+        {"edit FAV1 --json", kWithoutVox, "n", "", "nothing is written", "1 1;2 2;3 3;5 5"},
+        // No person comes back ten times in less than a second.
+        {"edit FAV1", "echo CNN >>\"$1\"", "y", "", "no service fits 'CNN'", "1 1;2 2;3 3;5 5"},
         {"edit FAV1", kWithoutVox, "n", " 2>err", "Your text is in", "1 1;2 2;3 3;5 5"},
         {"edit FAV1", kWithoutVox, "n", " >out", "FAV1  removed", "1 1;2 2;3 3;5 5"},
         {"edit FAV1", kWithoutVox, "y", " >out 2>err", "Write this to FAV1", "1 1;2 2;5 5"},

@@ -1,6 +1,7 @@
 // Wrong usage, and files that are no channel database.
 #include <sys/stat.h>
 
+#include <map>
 #include <regex>
 #include <sstream>
 
@@ -186,8 +187,18 @@ TEST_F(ToolTest, ShowsTheLibrarysErrorsWhereTheCommandFails) {
 }
 
 TEST_F(ToolTest, ReportsWhenItsOutputCannotBeWritten) {
-    EXPECT_EQ(run("services all --db set.db >/dev/full 2>err; exit $?; :"), 1);
-    EXPECT_EQ(err, "channellist: the output could not be written\n");
+    constexpr char kSentence[] = "channellist: the output could not be written\n";
+    std::string const written =
+        std::string("channellist: the database is written, and flushed to the disk\n") + kSentence;
+    for (auto const& [command, sentence] :
+         std::map<std::string, std::string>{{"services all", kSentence},
+                                            {"driver u-fav1 u-all", kSentence},
+                                            {"edit FAV1 move 3 to 7", written},
+                                            {"edit FAV1 move 7 to 3 --json", written},
+                                            {"undo", written}}) {
+        EXPECT_EQ(run(command + " --db set.db >/dev/full 2>err; exit $?; :"), 1) << command;
+        EXPECT_EQ(err, sentence) << command;
+    }
 }
 
 }  // namespace

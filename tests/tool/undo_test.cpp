@@ -195,13 +195,32 @@ TEST_F(ToolTest, KeepsTheLastTenAndNothingOfWhatFailed) {
 }
 
 TEST_F(ToolTest, WritesWhereNothingCanBeKept) {
-    for (char const* place : {"/proc", "/dev/null"}) {
-        ASSERT_EQ(
-            run("--db set.db edit FAV1 move VOX to 7", std::string("XDG_STATE_HOME=") + place), 0);
-        EXPECT_THAT(err, HasSubstr("\"undo\" will not know of this: cannot "));
+    for (char const* place : {"XDG_STATE_HOME=/proc", "XDG_STATE_HOME=/dev/null", "HOME=."}) {
+        ASSERT_EQ(run("--db set.db edit FAV1 move VOX to 7", place), 0);
+        EXPECT_THAT(err, HasSubstr("\"undo\" will not know of this: "));
         EXPECT_THAT(fav(1), HasSubstr("7 3"));
         output("edit FAV1 move VOX to 3 --no-undo");
     }
+    run("--db set.db edit FAV1 move VOX to 7",
+        "sh -c 'trap \"\" XFSZ; exec prlimit --fsize=512 \"$0\" \"$@\"'");
+    EXPECT_THAT(err, HasSubstr("1.part: File too large"));
+}
+
+// Both wait for the lock; the second finds the edit taken back, and leaves it to --redo and undo.
+TEST_F(ToolTest, TakesBackOnceBesideAnotherUndo) {
+    output("edit FAV1 move VOX to 7");
+    constexpr char kUndo[] = "( \"$1\" --db set.db undo 1 >/dev/null 2>>told; echo $? >>codes ) & ";
+    write("two", std::string("python3 -c 'import sqlite3, time; c = sqlite3.connect(\"set.db\");"
+                             " c.execute(\"BEGIN IMMEDIATE\"); open(\"held\", \"w\");"
+                             " time.sleep(1)' & while [ ! -e held ]; do sleep 0.05; done; ") +
+                     kUndo + kUndo + "wait");
+    run("", "sh two");
+    EXPECT_EQ(content("codes"), "0\n1\n");
+    EXPECT_THAT(content("told"), HasSubstr("copy 1 was taken back meanwhile"));
+    output("undo --redo");
+    EXPECT_EQ(fav(1), "1 1;2 2;5 5;7 3");
+    output("undo");
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
 }
 
 }  // namespace

@@ -93,6 +93,12 @@ TEST_F(WatchTest, EndsWhenNobodyReads) {
     EXPECT_THAT(content("told"),
                 HasSubstr("\"list\":\"FAV1\",\"change\":[\"moved\"],\"before\":1,\"after\":9,"
                           "\"name\":\"Das Erste\",\"id\":1,\"cause\":null}\n"));
+    // Of a full disk it says so.
+    shell("{ { for n in 7 8 9 10 11 12; do sleep 0.3; " TOOL
+          " --db set.db edit FAV1 move VOX to $n --no-undo >out2; done; } & timeout 20 " TOOL
+          " --db set.db watch FAV1 >/dev/full 2>notes; echo $? >code; wait; }");
+    EXPECT_EQ(content("code"), "1\n");
+    EXPECT_THAT(content("notes"), HasSubstr("the output could not be written"));
     EXPECT_EQ(run("watch FAV9 --db set.db"), 1);
     EXPECT_EQ(run("watch --db none.db"), 1);
 }

@@ -1,4 +1,5 @@
 // channellist: looks into the channel database of a set, through the library.
+#include <cstdio>
 #include <iostream>
 #include <new>
 
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
         tool::explainByMessages();
         code = tool::kFailure;
     }
-    if (!std::cout.flush()) {
+    if (!std::cout.flush() || std::ferror(stdout) != 0) {
         std::cerr << "channellist: the output could not be written\n";
         return tool::kFailure;
     }

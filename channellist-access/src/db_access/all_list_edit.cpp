@@ -3,6 +3,7 @@
 #include <array>
 
 #include "db_access/edit_entries.h"
+#include "db_access/ott_snapshot.h"
 #include "db_access/session.h"
 #include "db_access/waiting_reads.h"
 #include "support/number_text.h"
@@ -51,6 +52,7 @@ bool writeEntry(EditEntry const& entry, unsigned int favoriteListId, Statement& 
 // its own. False then.
 bool renumber(RenumberRequests const& requests) {
     auto const rolledBack = [] { return sqlite3_get_autocommit(db) != 0; };
+    OttSnapshot const oneState;
     for (std::size_t j = 0; j < kFavListCount; ++j) {
         if (requests[j] == 0)
             continue;

@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "db_access/callback_value.h"
+#include "db_access/ott_snapshot.h"
 #include "db_access/session.h"
 
 namespace channellist {
@@ -53,7 +54,8 @@ using namespace channellist;
 int dbaccess::searchOTTdb(char const* statement, std::vector<unsigned int>& values) {
     if (!openOttDatabase(CALL_SITE))
         return kSearchFailed;
-    if (sqlite3_exec(db_zentova, statement, positionCallback, &values, nullptr) == SQLITE_OK)
+    if (OttSnapshot::hold(db_zentova) == SQLITE_OK &&
+        sqlite3_exec(db_zentova, statement, positionCallback, &values, nullptr) == SQLITE_OK)
         return 0;
     LOG_FORMAT(Error, "search db failed. %s ", sqlite3_errmsg(db_zentova));
     return kSearchFailed;

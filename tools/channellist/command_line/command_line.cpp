@@ -48,8 +48,13 @@ std::string checkTrace(std::string const& text) {
 }
 
 // What "--" does: words behind it are none of the options, whatever they begin with. CLI11 gives
-// them to the wrong command when nothing is missing in front of it, so they go past it marked.
+// them to the wrong command when nothing is missing in front of it, so they go past it marked; and
+// so does "[VOX]", which it would take apart as a list of words.
 constexpr char kMark = '\1';
+
+bool isBracketed(std::string const& word) {
+    return word.size() > 1 && word.front() == '[' && word.back() == ']';
+}
 
 std::vector<std::string> markedWords(int argc, char** argv) {
     std::vector<std::string> words;
@@ -59,7 +64,8 @@ std::vector<std::string> markedWords(int argc, char** argv) {
         if (!isMarked && word == "--")
             isMarked = true;
         else
-            words.push_back(isMarked && word[0] == '-' ? kMark + word : word);
+            words.push_back((isMarked && word[0] == '-') || isBracketed(word) ? kMark + word
+                                                                              : word);
     }
     std::reverse(words.begin(), words.end());  // as CLI11 wants them
     return words;
@@ -70,6 +76,20 @@ CLI::Validator withoutMark() {
                 if (!word.empty() && word[0] == kMark)
                     word.erase(0, 1);
                 return std::string();
+            },
+            ""};
+}
+
+void removeMarks(CLI::App& app) {
+    for (CLI::Option* option : app.get_options())
+        if (option->get_items_expected_max() > 0)
+            option->transform(withoutMark());
+}
+
+// A variable of a script that is not set.
+CLI::Validator notEmpty() {
+    return {[](std::string& word) {
+                return word.empty() ? std::string("a value is needed, not ''") : std::string();
             },
             ""};
 }
@@ -128,27 +148,24 @@ void turnHelpAround(CommandWords const& common, std::vector<std::string>& revers
 }  // namespace
 
 Command& Command::argument(std::string const& name, std::string& value, std::string const& help) {
-    app_.add_option(name, value, help)->required()->transform(withoutMark());
+    app_.add_option(name, value, help)->required();
     return *this;
 }
 
 Command& Command::optionalArgument(std::string const& name, std::string& value,
                                    std::string const& help) {
-    app_.add_option(name, value, help)->transform(withoutMark());
+    app_.add_option(name, value, help);
     return *this;
 }
 
 Command& Command::arguments(std::string const& name, std::vector<std::string>& values, int least,
                             int most, std::string const& help) {
-    app_.add_option(name, values, help)
-        ->expected(least, most)
-        ->required(least > 0)
-        ->transform(withoutMark());
+    app_.add_option(name, values, help)->expected(least, most)->required(least > 0);
     return *this;
 }
 
 Command& Command::option(std::string const& name, std::string& value, std::string const& help) {
-    app_.add_option(name, value, help);
+    app_.add_option(name, value, help)->check(notEmpty());
     return *this;
 }
 
@@ -266,6 +283,9 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
     std::vector<std::string> words = markedWords(argc, argv);
     turnHelpAround(wordsOf(*app_, ""), words);
     std::string const slip = slipIn(words);
+    removeMarks(*app_);
+    for (CLI::App* command : app_->get_subcommands({}))
+        removeMarks(*command);
     try {
         if (!slip.empty())
             throw CLI::ParseError(slip, kUsage);

@@ -11,6 +11,7 @@
 #include "edit/commit_guard.h"
 #include "failure.h"
 #include "output/findings.h"
+#include "output/written.h"
 #include "text/display_text.h"
 #include "text/json_text.h"
 #include "undo/undo_store.h"
@@ -76,7 +77,7 @@ void mendThem(std::string const& database, Findings const& findings, CommitGuard
         throw;
     }
     undo.confirm();
-    std::cout << "Written, and flushed to the disk; \"channellist undo\" takes it back.\n";
+    printWritten("Written, and flushed to the disk; \"channellist undo\" takes it back.");
 }
 
 int run(std::string const& database, Options const& options) {

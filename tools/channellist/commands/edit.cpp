@@ -18,6 +18,7 @@
 #include "lists/operations.h"
 #include "output/differences.h"
 #include "output/print_rows.h"
+#include "output/written.h"
 #include "text/display_text.h"
 #include "undo/undo_store.h"
 
@@ -57,15 +58,19 @@ void report(Options const& options, Written const& written) {
     std::string const result = changes.empty()  ? "Nothing to change."
                                : options.dryRun ? "Dry run: nothing is written."
                                                 : "Written, and flushed to the disk.";
+    bool const isWritten = !options.dryRun && !changes.empty();
+    std::string last = result;
     if (options.json) {
-        printJson({{"written", !options.dryRun && !changes.empty()},
-                   {"result", result},
-                   {"changes", differencesJson(changes)}});
-        return;
-    }
-    if (!changes.empty())
+        Json const all = {
+            {"written", isWritten}, {"result", result}, {"changes", differencesJson(changes)}};
+        last = dumpJson(all, 2);
+    } else if (!changes.empty()) {
         printDifferences(changes);
-    std::cout << result << "\n";
+    }
+    if (isWritten)
+        printWritten(last);
+    else
+        std::cout << last << "\n";
 }
 
 std::vector<Change> changesBetween(List const& list, std::vector<Entry> const& before,
@@ -147,6 +152,14 @@ bool confirm(ListEdit const& edit, EditorSession const& editor) {
                          " until it is written. Write this to " + name + "?");
 }
 
+// Where nobody can be asked, an editor that failed may have left a text without an entry.
+void checkConsent(ListEdit const& edit, EditorSession const& editor) {
+    if (!canAsk() && edit.wanted.entries.empty())
+        throw Failure("the text names no service; nothing is written (--from and --empty would)");
+    if (canAsk() && !confirm(edit, editor))
+        throw Failure("nothing is written");
+}
+
 // What was wanted of the list as it was seen, wanted of the list as it is now. None where the user
 // left it open.
 std::optional<std::vector<Entry>> mergeInto(Sight const& now, Sight const& then,
@@ -182,9 +195,8 @@ void editInEditor(Options const& options, Keeping const& keeping) {
         }
         sight = std::move(now);
         ListEdit const edit{sight.seen, {*wanted, options.renumber}};
-        bool const asks = !options.dryRun && !options.json && canAsk();
-        if (asks && *wanted != sight.seen.entries && !confirm(edit, editor))
-            throw Failure("nothing is written");
+        if (!options.dryRun && *wanted != sight.seen.entries)
+            checkConsent(edit, editor);
         written = writeLists({edit}, keeping);
         if (written.ending != Ending::Overtaken)
             break;

@@ -15,6 +15,7 @@
 #include "lists/difference.h"
 #include "output/differences.h"
 #include "output/progress.h"
+#include "output/written.h"
 #include "text/display_text.h"
 #include "undo/undo_store.h"
 
@@ -89,9 +90,9 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
                                     [&] { undo.keepDatabase("import --force"); });
     }
     undo.confirm();
-    std::cout << displayText(options.database) << ": " << services << " channels, "
-              << list.groups.size() << " groups, " << list.rejected.size() + list.others.size()
-              << " lines skipped\n";
+    printWritten(displayText(options.database) + ": " + std::to_string(services) + " channels, " +
+                 std::to_string(list.groups.size()) + " groups, " +
+                 std::to_string(list.rejected.size() + list.others.size()) + " lines skipped");
 }
 
 void tell(std::vector<Favourites> const& all) {
@@ -135,9 +136,10 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
             written.overtaken + " has changed meanwhile; " +
             (changes.empty() ? "nothing is written" : "only what is shown above is written"));
     }
-    std::cout << (changes.empty()  ? "Nothing to change.\n"
-                  : options.dryRun ? "Dry run: nothing is written.\n"
-                                   : "Written, and flushed to the disk.\n");
+    if (changes.empty() || options.dryRun)
+        std::cout << (changes.empty() ? "Nothing to change.\n" : "Dry run: nothing is written.\n");
+    else
+        printWritten("Written, and flushed to the disk.");
 }
 
 int run(std::string const& setDatabase, Options options) {
@@ -161,7 +163,8 @@ void addImportCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("import", "Makes a channel database from a channel list of another program")
         .argument("CHANNELS", options->list,
-                  "channels.conf, lamedb, a bouquet or a folder of them, M3U, or libdvbv5's; - for "
+                  "channels.conf, lamedb, a bouquet, a folder or archive of them, M3U, or "
+                  "libdvbv5's; - for "
                   "the input")
         .optionalArgument("DATABASE", options->database,
                           "the database to make, or to write favourites to")
@@ -177,7 +180,8 @@ void addImportCommand(CommandLine& line) {
         .noUndo(options->noUndo)
         .footer(
             "The format is told from the content. Of Enigma2, lamedb makes a database, a bouquet\n"
-            "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv both.\n"
+            "(userbouquet.NAME.tv) favourites, and a folder with bouquets.tv, or a .tar.gz or\n"
+            ".zip of it, both.\n"
             "Lines that cannot be read are counted by reason and skipped. The groups FAV1 to FAV4 "
             "become "
             "these\n"

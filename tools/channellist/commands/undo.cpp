@@ -18,6 +18,7 @@
 #include "output/print_rows.h"
 #include "output/replacement.h"
 #include "output/text_table.h"
+#include "output/written.h"
 #include "text/display_text.h"
 #include "text/json_text.h"
 #include "undo/replacement.h"
@@ -177,14 +178,17 @@ int takeBackLists(std::string const& database, KeptCopy const& copy, Options con
         std::cerr << "channellist: " << displayLines(troubles) << "\n";
     for (std::string const& note : taken.notes)
         std::cerr << "channellist: " << displayText(note) << "\n";
+    if (!taken.isWritten && store.isTakenBack(copy.number))
+        throw Failure("copy " + std::to_string(copy.number) + " was taken back meanwhile");
     std::vector<Change> const changes = differences(taken.before, taken.after);
     if (!changes.empty())
         printDifferences(changes);
-    std::cout << (!taken.isWritten ? "Nothing to change.\n"
-                  : options.dryRun ? "Dry run: nothing is written.\n"
-                                   : "Written, and flushed to the disk.\n");
     if (!taken.isWritten && !options.dryRun && taken.lost.empty())
         store.remove(copy.number);  // it is taken back already, and would be in the way
+    if (taken.isWritten && !options.dryRun)
+        printWritten("Written, and flushed to the disk.");
+    else
+        std::cout << (taken.isWritten ? "Dry run: nothing is written.\n" : "Nothing to change.\n");
     return taken.lost.empty() ? kSuccess : kFailure;
 }
 

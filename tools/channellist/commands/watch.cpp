@@ -71,6 +71,8 @@ int run(std::string const& database, std::vector<std::string> const& words, bool
     auto event = FileEvents::Event::Touched;
     while (event != FileEvents::Event::NoReader) {
         print(watch.look(), json);
+        if (!std::cout)  // a full disk, and what is lost there is told nowhere else
+            return kFailure;
         event = events.wait(event == FileEvents::Event::Touched ? kSoon : kLater, STDOUT_FILENO);
     }
     return kSuccess;

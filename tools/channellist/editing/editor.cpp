@@ -55,19 +55,20 @@ EditorFile::EditorFile() {
 }
 
 EditorFile::~EditorFile() {
-    if (!path_.empty())
+    struct stat file = {};
+    if (!path_.empty() && stat(path_.c_str(), &file) == 0 && S_ISREG(file.st_mode))
         std::cerr << "channellist: your text is kept in " << displayText(path_) << "\n";
 }
 
 // Whole or not at all: what the user wrote stays when there is no room for another text.
 void EditorFile::write(std::string const& text) const {
-    std::string const unfinished = path_ + ".part";
-    mode_t const before = umask(S_IRWXG | S_IRWXO);
-    std::ofstream out(unfinished);
-    umask(before);
-    out << text;
-    out.close();
-    if (!out || rename(unfinished.c_str(), path_.c_str()) != 0) {
+    std::string unfinished = path_ + ".XXXXXX";  // no name that others could lay a link at
+    int const file = mkstemp(unfinished.data());
+    std::FILE* const out = file < 0 ? nullptr : fdopen(file, "w");
+    bool const isWritten =
+        out != nullptr && std::fwrite(text.data(), 1, text.size(), out) == text.size();
+    if ((out != nullptr && std::fclose(out) != 0) || !isWritten ||
+        rename(unfinished.c_str(), path_.c_str()) != 0) {
         std::string const reason = std::strerror(errno);
         unlink(unfinished.c_str());
         throw Failure("cannot write " + path_ + ": " + reason);

@@ -138,7 +138,8 @@ std::optional<std::vector<Entry>> EditorSession::rounds(Sight const& sight, std:
         if (order.errors.empty())
             return accept(std::move(order));
         bool const isLeft = edited == shown || edited.empty();
-        if (isLeft || (round == kMostRounds && !canAsk()))
+        bool const sitsNobody = !canAsk() || file_.cameBackAtOnce();
+        if (isLeft || (round >= kMostRounds && sitsNobody))
             throw Failure("nothing is written:\n" + explainErrors("text", order.errors));
         order.errors.insert(order.errors.begin(),
                             {0, "Nothing is written yet; errors stand below."});

@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "output/written.h"
 #include "text/display_text.h"
 #include "tool.h"
 
@@ -14,8 +15,8 @@ void printReplacement(std::string const& file, std::string const& database,
     if (dryRun)
         std::cout << "Dry run: nothing is written.\n";
     else
-        std::cout << "Written, and flushed to the disk: " << displayText(database) << " holds what "
-                  << displayText(file) << " holds.\n";
+        printWritten("Written, and flushed to the disk: " + displayText(database) + " holds what " +
+                     displayText(file) + " holds.");
 }
 
 }  // namespace tool
