@@ -149,6 +149,21 @@ TEST_P(SideBySide, LosesNothingThatWasReported) {
     std::printf("%8d changes of editors side by side\n", reported.load());
 }
 
+// Ten seconds are waited, and what then is not known cannot be brought back.
+TEST_F(ToolTest, RestoresNothingIntoAFileThatAnotherHolds) {
+    output("backup old.db");
+    output("edit FAV1 remove VOX");
+    {
+        channel_database::ChannelDatabase other((folder / "set.db").string());
+        other.rows("BEGIN EXCLUSIVE");
+        expect({"restore old.db", 1, nullptr, "no copy could be kept, and nothing is written"});
+        expect({"restore old.db --no-undo", 1, nullptr, "set.db: database is locked"});
+    }
+    EXPECT_EQ(fav(1), "1 1;2 2;5 5");
+    output("undo");
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+}
+
 INSTANTIATE_TEST_SUITE_P(Journals, SideBySide, testing::Values("DELETE", "WAL"),
                          [](auto const& mode) { return std::string(mode.param); });
 

@@ -141,7 +141,10 @@ TEST_F(ToolTest, KnowsNothingOfEditsThatNeverWere) {
     {
         ChannelDatabase other((folder / "set.db").string());
         other.run("BEGIN IMMEDIATE");
-        EXPECT_EQ(run("edit --db set.db FAV1 move 2 to 8", "timeout -s KILL 1"), 128 + 9);
+        for (auto const& [signal, code] : {std::pair("INT", 2), std::pair("KILL", 9)}) {
+            std::string const patience = std::string("timeout --preserve-status -s ") + signal;
+            EXPECT_EQ(run("edit --db set.db FAV1 move 2 to 8", patience + " 1"), 128 + code);
+        }
     }
     fs::copy_file(copies / "1.json", copies / "7.part");
     output("undo --list");
