@@ -15,9 +15,9 @@ foreach(name IN LISTS names)
     string(MAKE_C_IDENTIFIER "${name}" identifier)
     string(REGEX MATCH "[a-z]+$" ending "${name}")
     string(APPEND contents "constexpr unsigned char k_${identifier}[] = {${bytes}};\n")
-    set(path "/${name}")
+    set(path "${name}")
     if(name STREQUAL "index.html")
-        set(path "/")
+        set(path "")
     endif()
     string(REPLACE "." "\\\\." path "${path}")
     string(APPEND table "    {\"${path}\", \"${type_${ending}}\", k_${identifier}, ${size}},\n")
@@ -28,7 +28,7 @@ file(WRITE "${HEADER}" "// Generated from the page's files.
 namespace page {
 ${contents}
 struct WebFile {
-    char const* path;  // a regular expression, as the server takes it
+    char const* path;  // a regular expression, as the server takes it; "" for the page itself
     char const* type;
     unsigned char const* bytes;
     std::size_t size;

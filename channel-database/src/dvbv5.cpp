@@ -14,7 +14,7 @@
 namespace channel_database {
 namespace {
 
-constexpr std::string_view kSourceComment = "# SOURCE";
+constexpr char kSourceComment[] = "# SOURCE";
 constexpr int kLargestFrequency = 2000000000;
 constexpr char const* kUnknownSatellite = "S0E";
 
@@ -92,7 +92,7 @@ std::pair<Channel, std::string> channelOf(std::string const& name, Section const
     if (known == std::end(kSystems))
         return {channel, "no delivery system that a set receives"};
     channel.name = name;
-    std::string const given = textOf(section, "SOURCE");
+    std::string const given = textOf(section, kSourceComment);
     channel.source = known->source != 'S' ? std::string(1, known->source)
                      : given.empty()      ? kUnknownSatellite
                                           : given;
@@ -136,10 +136,10 @@ class Dvbv5Reader {
             name_ = std::string(line.substr(1, line.size() - 2));
             line_ = number;
         } else if (equals != std::string_view::npos) {
-            bool const isSource = line.substr(0, kSourceComment.size()) == kSourceComment;
+            bool const isSource = line.rfind(kSourceComment, 0) == 0;
             std::string const value(trimmed(line.substr(equals + 1)));
             if (isSource && isSatellite(value))
-                section_["SOURCE"] = value;
+                section_[kSourceComment] = value;  // a key that no other line has
             else if (line[0] != '#')
                 section_[std::string(trimmed(line.substr(0, equals)))] = value;
         }

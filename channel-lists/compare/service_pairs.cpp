@@ -1,5 +1,6 @@
 #include "compare/service_pairs.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace channel_lists {
@@ -16,11 +17,17 @@ std::string identity(std::vector<std::string> const& parts) {
     return text;
 }
 
+// All that is told of a service: those that share it are paired in their order.
+std::string everything(ComparedService const& s) {
+    return identity({s.triplet, s.name, s.transponder});
+}
+
 // From the surest to the least sure.
 constexpr std::string (*kIdentities[])(ComparedService const&) = {
     [](ComparedService const& s) {
         return identity({s.uuid, s.triplet, s.name});
     },
+    everything,
     [](ComparedService const& s) {
         return identity({s.triplet, s.delivery, s.name});
     },
@@ -65,10 +72,15 @@ void ServicePairs::match(ComparedContent const& old, ComparedContent const& now,
             news[identityOf(service)].push_back(key);
     for (auto const& [word, keys] : news) {
         auto const found = olds.find(word);
-        if (word.empty() || keys.size() != 1 || found == olds.end() || found->second.size() != 1)
+        if (word.empty() || found == olds.end())
             continue;
-        shared_[keys[0]] = found->second[0];
-        free_.erase(found->second[0]);
+        std::size_t const pairs = std::min(keys.size(), found->second.size());
+        if (std::max(keys.size(), found->second.size()) > 1 && identityOf != everything)
+            continue;
+        for (std::size_t i = 0; i < pairs; ++i) {
+            shared_[keys[i]] = found->second[i];
+            free_.erase(found->second[i]);
+        }
     }
 }
 

@@ -159,8 +159,10 @@ std::map<int, List> listsOfGroups(ChannelsConf const& channels) {
             if (list.favIndex != 0 && displayName(list) == channels.groups[i])
                 found[static_cast<int>(i)] = list;
     bool const isNamed = !found.empty();
-    // Bouquets of a receiver that knows no FAV1 to FAV4: the first four of them.
-    bool const hasBouquets = holdsBouquets(channels);
+    // Bouquets of a receiver that knows no FAV1 to FAV4: the first four of them. One alone may be
+    // meant for any of them.
+    bool const hasBouquets =
+        holdsBouquets(channels) && (channels.groups.size() > 1 || channels.channels[0].group < 0);
     for (List const& list : lists)
         if (hasBouquets && list.favIndex != 0 &&
             list.favIndex <= static_cast<int>(channels.groups.size()) && !isNamed)

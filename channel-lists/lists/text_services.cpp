@@ -83,34 +83,42 @@ std::string TextServices::none(TextLine const& line, Entry const* keyed) const {
     return text + didYouMean(line.name, names);
 }
 
-Entry const* TextServices::find(TextLine const& line, std::string& error) const {
+Found TextServices::fitting(TextLine const& line) const {
     Entry const* const keyed = withKey(line);
-    if (line.name.empty() && line.triplet.empty()) {
-        if (keyed == nullptr)
-            error = "no service has the key " + keyText(line);
-        return keyed;
-    }
+    Found const alone = keyed == nullptr ? Found() : Found{keyed};
+    if (line.name.empty() && line.triplet.empty())
+        return alone;
     if (keyed != nullptr && !line.service.empty() && line.service == serviceText(*keyed))
-        return keyed;
-    Found const tripled = found(byTriplet_, line.triplet);
+        return alone;
     if (keyed != nullptr && !line.triplet.empty() && keyed->triplet == line.triplet)
-        return keyed;
+        return alone;
+    Found const tripled = found(byTriplet_, line.triplet);
     if (tripled.size() == 1)
-        return tripled[0];
+        return tripled;
+    if (tripled.empty() && keyed != nullptr && hasName(*keyed, line.name))
+        return alone;
     Found named;
     if (tripled.empty() && !line.name.empty())
         named = called(line.name);
     for (Entry const* service : tripled)
         if (hasName(*service, line.name))
             named.push_back(service);
-    if (tripled.empty() && keyed != nullptr && hasName(*keyed, line.name))
-        return keyed;
-    if (named.size() == 1)
-        return named[0];
-    Found const& candidates = named.empty() ? tripled : named;
-    error = candidates.empty() ? none(line, keyed)
-                               : several(line.name.empty() ? line.triplet : line.name, candidates);
+    return named.empty() ? tripled : named;
+}
+
+Entry const* TextServices::find(TextLine const& line, std::string& error) const {
+    Found const services = fitting(line);
+    if (services.size() == 1)
+        return services[0];
+    if (!services.empty())
+        error = several(line.name.empty() ? line.triplet : line.name, services);
+    else if (line.name.empty() && line.triplet.empty())
+        error = "no service has the key " + keyText(line);
+    else
+        error = none(line, withKey(line));
     return nullptr;
 }
+
+bool TextServices::hasNone(TextLine const& line) const { return fitting(line).empty(); }
 
 }  // namespace channel_lists

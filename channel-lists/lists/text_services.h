@@ -19,11 +19,15 @@ class TextServices {
     // case. So a text finds its services again in a database of another scan, where the keys are
     // others. Null with a sentence in `error` when no service or none alone fits.
     Entry const* find(TextLine const& line, std::string& error) const;
+    // Whether no service fits at all.
+    bool hasNone(TextLine const& line) const;
 
   private:
     using Places = std::multimap<std::string, Entry const*>;
 
     void add(Entry const& entry);
+    // What fits the line: one, several, or none.
+    std::vector<Entry const*> fitting(TextLine const& line) const;
     Entry const* withKey(TextLine const& line) const;
     std::vector<Entry const*> called(std::string const& name) const;
     std::string several(std::string const& word, std::vector<Entry const*> const& services) const;

@@ -6,7 +6,12 @@
 
 namespace channel_lists {
 
-// Entries by the key of their list, hidden ones included.
-std::map<unsigned int, std::int64_t> itemCounts();
+struct ItemCount {
+    std::int64_t entries = 0;  // hidden ones included
+    std::int64_t hidden = 0;
+};
+
+// By the key of the list; none for one without entries.
+std::map<unsigned int, ItemCount> itemCounts();
 
 }  // namespace channel_lists

@@ -23,11 +23,12 @@ class AllFields {
     std::vector<int> before_;
 };
 
+// The rows are nobody else's.
 Rows take(ResultSet const& delivered, std::int64_t expected) {
     Rows result;
     result.rows.reserve(delivered.size());
     for (auto const& row : delivered)
-        result.rows.push_back(*row);
+        result.rows.push_back(std::move(*row));
     result.complete = static_cast<std::int64_t>(delivered.size()) >= expected;
     return result;
 }

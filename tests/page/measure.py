@@ -18,7 +18,7 @@ def main():
         page = world.browser()
         first = []
         for _ in range(5):
-            page.driver.get(f"http://127.0.0.1:{world.port}/")
+            page.driver.refresh()
             first.append(page.wait(lambda: page.run("return window.firstList")))
             page.wait(lambda: len(page.rows(1)) > 5, 60)
         time.sleep(1)

@@ -1,8 +1,11 @@
 """Stories of the page in a browser. Each begins with a database and ends with what it holds then."""
+import contextlib
+import gzip
 import http.client
 import json
 import os
 import signal
+import socket
 import sqlite3
 import threading
 import time
@@ -292,62 +295,88 @@ class Strangers(Story):
         self.assertEqual(status, 200)
         for word in ("HttpOnly", "SameSite=Strict"):
             self.assertIn(word, cookie)
-        cookie = cookie.split(";")[0]
+        cookie, *_, path = cookie.split("; ")
+        place = path.removeprefix("Path=")
+        self.assertRegex(place, "^/[0-9a-f]{32}/$")  # browsers send the cookie nowhere else
         home = f"127.0.0.1:{world.port}"
         own = {"Cookie": cookie, "Origin": f"http://{home}", "Content-Type": "application/json"}
-        overview = json.loads(self.ask("GET", "/api/overview", {"Cookie": cookie})[2])
+        overview = json.loads(self.ask("GET", place + "api/overview", {"Cookie": cookie})[2])
         fav1 = next(each["uuid"] for each in overview["lists"] if each["fav"] == 1)
-        listed = json.loads(self.ask("GET", f"/api/lists?uuid={fav1}", {"Cookie": cookie})[2])
+        listed = json.loads(self.ask("GET", f"{place}api/lists?uuid={fav1}", {"Cookie": cookie})[2])
         version = listed["lists"][0]["version"]
         emptied = json.dumps({"lists": [{"uuid": fav1, "version": version, "entries": []}]}).encode()
         before = world.content("FAV1")
         cases = [
-            ("no cookie", "GET", "/api/overview", {}, 403),
-            ("a wrong cookie", "GET", "/api/overview", {"Cookie": cookie[:-1] + "x"}, 403),
+            ("no cookie", "GET", place + "api/overview", {}, 403),
+            ("a wrong cookie", "GET", place + "api/overview", {"Cookie": cookie[:-1] + "x"}, 403),
             ("a wrong key", "GET", "/?key=" + "0" * 32, {}, 403),
-            ("a foreign name", "GET", "/api/overview", {"Cookie": cookie, "Host": "evil.example"}, 403),
+            ("a foreign name", "GET", place + "api/overview", {"Cookie": cookie, "Host": "evil.example"}, 403),
             ("a name and our port", "GET", "/", {"Cookie": cookie, "Host": f"evil.example:{world.port}"}, 403),
             ("the key by a foreign name", "GET", f"/?key={key}", {"Host": "evil.example"}, 403),
-            ("a foreign page", "POST", "/api/save", {**own, "Origin": "http://evil.example"}, 403),
-            ("another port", "POST", "/api/save", {**own, "Origin": "http://127.0.0.1:1"}, 403),
-            ("no origin", "POST", "/api/save", {"Cookie": cookie, "Content-Type": "application/json"}, 403),
-            ("a form", "POST", "/api/save", {**own, "Content-Type": "text/plain"}, 400),
-            ("a foreign fetch", "GET", "/api/overview", {"Cookie": cookie, "Sec-Fetch-Site": "same-site"}, 403),
-            ("a path of the disk", "GET", "/../../../etc/passwd", {"Cookie": cookie}, 404),
-            ("a file of the page with dots", "GET", "/..%2f..%2fetc%2fpasswd", {"Cookie": cookie}, 404),
+            ("a foreign page", "POST", place + "api/save", {**own, "Origin": "http://evil.example"}, 403),
+            ("another port", "POST", place + "api/save", {**own, "Origin": "http://127.0.0.1:1"}, 403),
+            ("no origin", "POST", place + "api/save", {"Cookie": cookie, "Content-Type": "application/json"}, 403),
+            ("a form", "POST", place + "api/save", {**own, "Content-Type": "text/plain"}, 400),
+            ("a foreign fetch", "GET", place + "api/overview", {"Cookie": cookie, "Sec-Fetch-Site": "same-site"}, 403),
+            ("parts without end", "GET", place, {"Cookie": cookie, "Range": "bytes=0-,0-"}, 200),
+            ("a path of the disk", "GET", place + "../../../etc/passwd", {"Cookie": cookie}, 404),
+            ("a file of the page with dots", "GET", place + "..%2f..%2fetc%2fpasswd", {"Cookie": cookie}, 404),
         ]
         for name, method, path, headers, expected in cases:
             body = emptied if method == "POST" else None
             status, set_cookie, _ = self.ask(method, path, headers, body)
             self.assertEqual((status, set_cookie), (expected, None), name)
+        list_of = emptied.decode()[len('{"lists": ['):-2]
+        first = listed["lists"][0]["rows"][0][0]
         for body in (b"{", b"[]", b'{"lists": 7}', b'{"lists": [{"uuid": 1}]}',
-                     emptied.replace(version.encode(), b"1")):
-            self.assertIn(self.ask("POST", "/api/save", own, body)[0], (200, 400))
+                     emptied.replace(version.encode(), b"1"),
+                     emptied.replace(b"[]", b"{}"),
+                     emptied.replace(b"[]", f"[[{first}, 0, 0]]".encode()),
+                     emptied.replace(b"[]", f"[[{first + 2 ** 32}, 1, 0]]".encode()),
+                     f'{{"lists": [{list_of}, {list_of}]}}'.encode()):
+            self.assertNotEqual(json.loads(self.ask("POST", place + "api/save", own, body)[2])
+                                .get("written"), True, body)
+        packed = self.ask("POST", place + "api/save", {**own, "Content-Encoding": "gzip"},
+                          gzip.compress(emptied))
+        self.assertEqual(packed[0], 400)  # a short one could be very long
+        status = 400
+        with contextlib.suppress(OSError):  # it may be cut off before the answer is read
+            status = self.ask("GET", place, {"Cookie": cookie, **dict.fromkeys(map(str, range(20000)), "")})[0]
+        self.assertEqual(status, 400)  # a head without an end
         self.assertEqual(world.content("FAV1"), before)
-        self.assertEqual(self.ask("POST", "/api/save", own, emptied)[0], 200)  # they all could have
+        self.assertEqual(self.ask("POST", place + "api/save", own, emptied)[0], 200)  # they all could have
         self.assertEqual(world.content("FAV1"), [])
 
     def test_slow_clients_hold_up_nobody(self):
         self.world.serve()
-        slow = []
-        for _ in range(20):
-            connection = http.client.HTTPConnection("127.0.0.1", self.world.port)
-            connection.connect()
-            connection.sock.sendall(b"GET / HTTP/1.1\r\n")
-            slow.append(connection)
+        slow = [socket.create_connection(("127.0.0.1", self.world.port)) for _ in range(200)]
+        for client in slow:
+            self.addCleanup(client.close)
+            client.sendall(b"GET / HTTP/1.1\r\n")
+
+        def drip():  # until the server has had enough of it
+            with contextlib.suppress(OSError):
+                while True:
+                    for client in slow:
+                        client.sendall(b"a: b\r\n")
+                    time.sleep(0.5)
+
+        dripping = threading.Thread(target=drip)
+        dripping.start()
         page = self.world.browser()
+        dripping.join(10)
+        self.assertFalse(dripping.is_alive())
         self.assertEqual(page.rows(0)[0][1], "NPO 1")
-        for connection in slow:
-            connection.close()
 
     def test_a_foreign_page_in_the_browser_writes_nothing(self):
         world = self.world
         world.serve()
         page = world.browser()
         before = world.content("FAV1")
+        target = page.driver.current_url + "api/save"
         page.driver.get("data:text/html,<h1>foreign</h1>")
         page.run("""fetch(arguments[0], {method: 'POST', mode: 'no-cors', credentials: 'include',
-                 body: '{"lists":[]}'}).catch(() => 0);""", f"http://127.0.0.1:{world.port}/api/save")
+                 body: '{"lists":[]}'}).catch(() => 0);""", target)
         time.sleep(0.5)
         self.assertEqual(world.content("FAV1"), before)
 

@@ -474,6 +474,7 @@ TEST_F(ReceiverTest, TakesTheListsOfAnEnigma2Receiver) {
     EXPECT_EQ(rows("SELECT count(*) FROM Service WHERE Type <> 0", "new.db"), "2");
     EXPECT_EQ(run("import e2/userbouquet.a.tv other.db"), 1);
     EXPECT_THAT(err, HasSubstr("the list names services of another one, which it needs"));
+    expect({"import --favourites e2/userbouquet.a.tv", 1, nullptr, "--list names the list to"});
     expect({"import --favourites e2/userbouquet.a.tv --list FAV3", 0, "FAV3: 2 services, 0 not",
             nullptr});
     EXPECT_EQ(fav(3), "1 5;2 1");

@@ -126,10 +126,17 @@ TEST_F(ToolTest, TellsEverythingWrongInATextAtOnce) {
               "text:10: 'hiden' is neither shown nor hidden\n"
               "text:11: no service fits '7'\n"
               "text:12: no service fits '12'\n"
-              "text:13: no service fits 'Jaz'; did you mean 'Jazz'?\n");
+              "text:13: no service fits 'Jaz'; did you mean 'Jazz'?\n"
+              "--skip-missing leaves out what no service fits\n");
+    write("text", "CNN\nJazz\n9-9-9\nid:77\n1 VOX\n");
+    expect({"edit FAV4 --from text --skip-missing -n", 0, "added",
+            "channellist: text:1: left out: the database has no service for 'CNN'\n"
+            "channellist: text:3: left out: the database has no service for '9-9-9'\n"
+            "channellist: text:4: left out: the database has no service for 'id:77'\n"});
     for (char const* text : {"", "\n \n", "# nothing\n", "Number,Key\n"}) {
         write("text", text);
-        expect({"edit FAV1 --from text", 1, nullptr, "names no service; nothing is written"});
+        expect(
+            {"edit FAV1 --from text", 1, nullptr, "text: no service is named; nothing is written"});
     }
     for (char const* input : {"<&-", "</dev/null"})
         EXPECT_EQ(run("--db set.db edit FAV1 --from -",

@@ -7,15 +7,25 @@ namespace {
 
 TEST_F(ToolTest, ShowsTheListsAsTheSetOrdersThem) {
     EXPECT_EQ(output("folders"),
-              "Name    FAV   Kind          Network    Tag  Capability  UUID\n"
-              "------  ----  ------------  -------  -----  ----------  -------\n"
-              "Astra         delivery            0      0          50  u-astra\n"
-              "Mine    FAV1  user TV             0      0          63  u-fav1\n"
-              "FAV2    FAV2  user TV             0      0          63  u-fav2\n"
-              "FAV3    FAV3  user TV             0      0          63  u-fav3\n"
-              "FAV4    FAV4  user TV             0  65535          63  u-fav4\n"
-              "inputs        inputs              0      0          63  u-av\n"
-              "all           all services        0      0              u-all\n");
+              "Name    FAV   Kind          Services  Hidden  Network    Tag  Capability  UUID\n"
+              "------  ----  ------------  --------  ------  -------  -----  ----------  -------\n"
+              "Astra         delivery             2       0        0      0          50  u-astra\n"
+              "Mine    FAV1  user TV              4       0        0      0          63  u-fav1\n"
+              "FAV2    FAV2  user TV              1       1        0      0          63  u-fav2\n"
+              "FAV3    FAV3  user TV              0       0        0      0          63  u-fav3\n"
+              "FAV4    FAV4  user TV              0       0        0  65535          63  u-fav4\n"
+              "inputs        inputs               1       0        0      0          63  u-av\n"
+              "all           all services         6       0        0      0              u-all\n");
+    EXPECT_EQ(output("folders --columns uuid,FLAGS,hidden"),
+              "UUID     Flags  Hidden\n"
+              "-------  -----  ------\n"
+              "u-astra     64       0\n"
+              "u-fav1       5       0\n"
+              "u-fav2       5       1\n"
+              "u-fav3       5       0\n"
+              "u-fav4       5       0\n"
+              "u-av        32       0\n"
+              "u-all       16       0\n");
 }
 
 TEST_F(ToolTest, ShowsServicesWithAlignedNamesAndStatesInWords) {
@@ -46,6 +56,9 @@ TEST_F(ToolTest, PrintsJsonAndRawRows) {
         {"folders --json", {"\"name\": \"Mine\"", "\"fav\": \"FAV1\"", "\"updateTag\": 65535"}},
         {"folders --raw",
          {"Mine\tu-fav1\t5\t\t63\t0\tFAV1\t0\n", "#3051\tu-av\t32\t\t63\t0\t\t0\n"}},
+        {"services all --match jazz --json --columns name,hd,satellite",
+         {"\"name\": \"Jazz\",\n    \"hd\": false,\n    \"satellite\": null\n"}},
+        {"find jazz --json", {"\"frequency\": 394000", "\"provider\": \"\""}},
         {"services u-fav1 --json",
          {"\"number\": 3", "\"scrambled\"", "\"frequency\": 12604000", "\"lcn\": null",
           "\"kind\": \"radio\"", "\"favourites\": [\n      \"FAV1\",\n      \"FAV2\"\n    ]"}},
@@ -147,6 +160,9 @@ TEST_F(ToolTest, FiltersAndSortsTheServicesOfAList) {
                 (found.empty() ? "" : ",") + out.substr(at + 9, out.find('"', at + 9) - at - 9);
         EXPECT_EQ(found, names) << options;
     }
+    write("chosen", output("list all --hd --free"));
+    output("edit FAV2 --from chosen");
+    EXPECT_EQ(fav(2), "2 2");
     expect({"services all --sort size", 2, nullptr, "--sort takes one of number, name, triplet"});
     expect({"services all --raw --tv", 2, nullptr, "--raw prints the rows as the library"});
 }
@@ -167,6 +183,13 @@ TEST_F(ToolTest, FindsAServiceInEveryList) {
         {"find id:7", 0, "HDMI 1", nullptr},
         {"find 3-8-10", 0, "Jazz", nullptr},
         {"find service-4", 0, "テレビ東京", nullptr},
+        {"find --hidden --match o --columns name,lists", 0,
+         "VOX   all 3, FAV1 3, FAV2 1 (hidden), Astra 2\n", nullptr},
+        {"find zdf --delivery cable", 0, "all 6\n", nullptr},
+        {"find --radio --hd", 1, nullptr, "no service fits"},
+        {"find", 2, nullptr, "find needs a word, or a filter"},
+        {"find zdf --columns nam", 2, nullptr,
+         "no column 'nam'; did you mean 'name'?; --columns takes all, or some of name, kind"},
         {"find vox hd", 1, nullptr, "no service has 'vox hd' in its name, id, triplet or uuid"},
     };
     for (Invocation const& each : runs)
@@ -211,6 +234,20 @@ TEST_F(ToolTest, ComparesTwoDatabases) {
     expect(
         {"diff set.db old.db", 2, nullptr, "two databases are compared, and --db names a third"});
     expect({"diff missing.db", 1, nullptr, "there is no database missing.db"});
+}
+
+// Without uuids, some alike in all: nothing has changed but the keys.
+TEST_F(ToolTest, TellsNothingOfServicesThatShareATriplet) {
+    change(
+        "UPDATE Service SET Uuid = NULL; UPDATE Service SET Name = 'same' WHERE Pid IN (2, 3);"
+        "UPDATE DvbService SET Oid = 1, Tid = 1, Sid = 1 WHERE ServiceId < 5;"
+        "UPDATE Tuner SET TunerUuid = ''");
+    output("backup old.db");
+    change(
+        "UPDATE Service SET Pid = Pid + 9; UPDATE FavoriteItem SET ServiceId = ServiceId + 9;"
+        "UPDATE DvbService SET ServiceId = ServiceId + 9;"
+        "UPDATE AnalogService SET ServiceId = ServiceId + 9");
+    expect({"diff old.db", 0, "No list and no service differs.\n", nullptr});
 }
 
 TEST_F(ToolTest, ReadsOttPositionsAndCreatesNoDatabaseForThem) {

@@ -21,8 +21,10 @@ struct Terminal {
 class TerminalTest : public ToolTest {
   protected:
     std::string shownOn(Terminal const& terminal) {
-        std::string const resize = "stty cols " + std::to_string(terminal.columns) + "; ";
-        run("--version", "true; script -qec '" + resize + "env -u COLUMNS -u NO_COLOR TERM=xterm " +
+        std::string const resize = "stty rows 24 cols " + std::to_string(terminal.columns) + "; ";
+        run("--version", "true; script -qec '" + resize +
+                             "env -u COLUMNS -u NO_COLOR PATH=$PWD/bin:$PATH"
+                             " TERM=xterm " +
                              terminal.setting + " " TOOL " --db set.db " + terminal.arguments +
                              "' /dev/null >shown; true");
         return content("shown");
@@ -37,8 +39,9 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
     change("UPDATE Service SET Name = '一二三四五六七八九十e\xCC\x81z' WHERE Pid = 1");
     Terminal const terminals[] = {
         {"NO_COLOR=1", 120, "services FAV1", "一二三四五六七八九十e\xCC\x81z  TV", "…"},
-        {"NO_COLOR=1", 87, "services FAV1", "ONID  ", "LCN"},
-        {"NO_COLOR=1", 80, "services FAV1", " 1  一二三四五六七八…  TV     satellite  ", "LCN"},
+        {"NO_COLOR=1", 100, "services FAV1", "ONID  ", "LCN"},
+        {"NO_COLOR=1", 80, "services FAV1",
+         " 1  一二三四五六七八九十e\xCC\x81z  TV     satellite  ", "LCN"},
         {"NO_COLOR=1", 0, "services FAV1", "Delivery", "LCN"},
         {"NO_COLOR=1 COLUMNS=45", 0, "services FAV1", "State", "Delivery"},
         {"NO_COLOR=1", 26, "services FAV1", " 2  ZD…", "ZDF"},
@@ -71,6 +74,38 @@ TEST_F(TerminalTest, TablesFitAndStylesAreModest) {
     }
     EXPECT_THAT(output("services FAV1"), Not(HasSubstr("\x1b["))) << "no terminal, no colour";
     expect({"--color loud services FAV1", 2, nullptr, "'loud' is none of auto, always and never"});
+}
+
+// A less of the test's own tells what it was asked, and ends in the midst.
+TEST_F(TerminalTest, LongTablesGoThroughThePager) {
+    std::string big;
+    for (int service = 1; service <= 3000; ++service)
+        big += "Name:11000:HC34:S19.2E:22000:1:2:0:0:" + std::to_string(service) + ":1:1:0\n";
+    write("big", big);
+    run("import big set.db --force");
+    write("bin/less",
+          "#!/bin/sh\ncase $1 in --version) echo less ${VERSION} x;; *) echo \"[$LESS $*]\"; head "
+          "-1;;"
+          " esac\n");
+    std::filesystem::permissions(folder / "bin/less", std::filesystem::perms::all);
+    Terminal const terminals[] = {
+        {"VERSION=608", 80, "services all", "[FRX --header=2]\r\n", "---"},
+        {"VERSION=590 LESS=S", 80, "services all", "[S ]\r\n", "---"},
+        {"PAGER=\"head -3\"", 80, "services all", "   1 ", "   2 "},
+        {"PAGER=missing-pager", 80, "services all", "3000 ", "[FRX"},
+        {"PAGER=", 80, "services all", "3000 ", "[FRX"},
+        {"VERSION=608", 80, "--no-pager services all", "3000 ", "[FRX"},
+        {"VERSION=608", 80, "services all --json", "3000", "[FRX"},
+        {"VERSION=608", 80, "services FAV1", "State", "[FRX"},
+        {"VERSION=608", 80, "services all | cat", "3000 ", "[FRX"},
+    };
+    for (Terminal const& terminal : terminals) {
+        std::string const shown = shownOn(terminal);
+        EXPECT_THAT(shown, HasSubstr(terminal.shown)) << terminal.setting << terminal.arguments;
+        EXPECT_THAT(shown, Not(HasSubstr(terminal.hidden)))
+            << terminal.setting << terminal.arguments;
+        EXPECT_EQ(err, "");
+    }
 }
 
 }  // namespace

@@ -40,17 +40,22 @@ std::string cookieIn(std::string const& header, std::string const& name) {
     return "";
 }
 
-Gate::Gate(int port) : port_(std::to_string(port)), key_(randomKey()), session_(randomKey()) {}
+Gate::Gate(int port)
+    : port_(std::to_string(port)),
+      key_(randomKey()),
+      session_(randomKey()),
+      place_("/" + randomKey() + "/") {}
 
 std::string Gate::address() const { return "http://127.0.0.1:" + port_ + "/?key=" + key_; }
 
 // Cookies are shared by all ports of a host: the name tells the servers apart.
 std::string Gate::cookie() const {
-    return "channellist-" + port_ + "=" + session_ + "; HttpOnly; SameSite=Strict; Path=/";
+    return "channellist-" + port_ + "=" + session_ + "; HttpOnly; SameSite=Strict; Path=" + place_;
 }
 
 bool Gate::isAtHome(Caller const& caller) const {
-    if (caller.host != "127.0.0.1:" + port_ && caller.host != "localhost:" + port_)
+    std::string const port = port_ == "80" ? "" : ":" + port_;  // browsers leave out that one
+    if (caller.host != "127.0.0.1" + port && caller.host != "localhost" + port)
         return false;
     bool const isOwn = caller.origin == "http://" + caller.host;
     if (caller.writes ? !isOwn : !caller.origin.empty() && !isOwn)

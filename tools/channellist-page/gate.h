@@ -21,13 +21,16 @@ struct Caller {
 };
 
 // The first address holds a key, which the browser changes for a session of its own; every other
-// request shows that session's cookie. The page is the only one that writes: the browser names the
-// page that a request comes from, and a foreign name that leads to this machine is not ours.
+// request shows that session's cookie. Browsers send a cookie to every port of a host, and another
+// user may listen there: they send this one only below a place that nobody else knows. The page is
+// the only one that writes: the browser names the page that a request comes from, and a foreign
+// name that leads to this machine is not ours.
 class Gate {
   public:
     explicit Gate(int port);
 
-    std::string address() const;  // with the key
+    std::string address() const;                         // with the key
+    std::string const& place() const { return place_; }  // of the page: "/5f3c.../"
     bool isKey(std::string const& given) const { return isSame(given, key_); }
     // Of the answer to the key.
     std::string cookie() const;
@@ -38,7 +41,7 @@ class Gate {
     bool hasSession(Caller const& caller) const;
 
   private:
-    std::string port_, key_, session_;
+    std::string port_, key_, session_, place_;
 };
 
 }  // namespace page

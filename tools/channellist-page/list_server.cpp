@@ -47,23 +47,62 @@ std::string placeOf(ResultRow const& service) {
     return delivery == "satellite" && !satellite.empty() ? delivery + " " + satellite : delivery;
 }
 
+std::string quoted(std::string const& text) { return dumpJson(text, -1); }
+
 // In the order of `columns` in the answer.
-Json rowOf(ResultRow const& service) {
+std::string rowOf(ResultRow const& service) {
     Entry const entry = entryOf(service);
     unsigned int const attributes = attributesOf(service);
-    return Json::array({entry.serviceId, entry.number ? Json(*entry.number) : Json(),
-                        entry.deleted ? 1 : 0, entry.name, kindOf(service), placeOf(service),
-                        (attributes & kHighDefinition) != 0 ? 1 : 0,
-                        (attributes & kScrambled) != 0 ? 1 : 0});
+    auto const flag = [](bool is) { return is ? "1" : "0"; };
+    std::string text = "[" + std::to_string(entry.serviceId) + ",";
+    text += entry.number ? numberText(entry) : "null";
+    text += std::string(",") + flag(entry.deleted) + ",";
+    text += quoted(entry.name) + "," + quoted(kindOf(service)) + ",";
+    text += quoted(placeOf(service)) + "," + flag((attributes & kHighDefinition) != 0) + ",";
+    return text + flag((attributes & kScrambled) != 0) + "]";
+}
+
+struct Content {
+    std::string uuid, version;
+    std::vector<ResultRow> services;
+};
+
+std::vector<Content> readContents(std::vector<std::string> const& uuids) {
+    std::vector<Content> lists;
+    for (std::string const& uuid : uuids) {
+        listOf(uuid);
+        Rows services = readServices(uuid);
+        if (!services.complete)
+            throw Failure(
+                "not all services of a list could be read; \"channellist check\" tells why");
+        lists.push_back({uuid, versionOf(storedState(uuid)), std::move(services.rows)});
+    }
+    return lists;
+}
+
+std::string textOf(std::vector<Content> const& lists) {
+    std::string text =
+        R"({"columns":["id","number","hidden","name","kind","place","hd","scrambled"],"lists":[)";
+    for (Content const& list : lists) {
+        text += &list == lists.data() ? "" : ",";
+        text += "{\"uuid\":" + quoted(list.uuid) + ",\"version\":" + quoted(list.version) +
+                ",\"rows\":[";
+        for (ResultRow const& service : list.services)
+            text += (&service == list.services.data() ? "" : ",") + rowOf(service);
+        text += "]}";
+    }
+    return text + "]}";
 }
 
 // One list as the page wants it. A FAV list may take in any service; in the others, nothing joins
 // or leaves.
 std::vector<Entry> wantedEntries(Json const& rows, SeenList const& seen,
-                                 std::map<unsigned int, Entry> const& services) {
+                                 std::map<std::int64_t, Entry> const& services) {
+    if (!rows.is_array())
+        throw Malformed("entries are no array");
     std::vector<Entry> entries;
     for (Json const& row : rows) {
-        auto const known = services.find(row.at(0).get<unsigned int>());
+        auto const known = services.find(row.at(0).get<std::int64_t>());
         if (known == services.end())
             throw Failure("the database has a service of " + displayName(seen.list) +
                           " no more; nothing is written");
@@ -71,7 +110,8 @@ std::vector<Entry> wantedEntries(Json const& rows, SeenList const& seen,
         entry.number =
             row.at(1).is_null() ? std::nullopt : std::optional(row.at(1).get<std::int64_t>());
         entry.deleted = row.at(2).get<int>() != 0;
-        if (entry.number && (*entry.number < INT32_MIN || *entry.number > INT32_MAX))
+        if (entry.number && (*entry.number < 1 || *entry.number > INT32_MAX) &&
+            std::find(seen.entries.begin(), seen.entries.end(), entry) == seen.entries.end())
             throw Malformed("a channel number is out of range");
         entries.push_back(std::move(entry));
     }
@@ -96,8 +136,8 @@ std::vector<Entry> inStoredOrder(std::vector<Entry> wanted, SeenList const& seen
     return entries;
 }
 
-std::map<unsigned int, Entry> knownServices(std::vector<SeenList> const& lists) {
-    std::map<unsigned int, Entry> services;
+std::map<std::int64_t, Entry> knownServices(std::vector<SeenList> const& lists) {
+    std::map<std::int64_t, Entry> services;
     for (Entry const& entry : readEntries(allServicesList().uuid).entries)
         services.emplace(entry.serviceId, entry);
     for (SeenList const& seen : lists)
@@ -124,6 +164,9 @@ Task taskOf(Json const& request) {
     FrozenDatabase const frozen;
     std::vector<SeenList> seen;
     for (Json const& each : request.at("lists")) {
+        for (SeenList const& other : seen)
+            if (each.at("uuid") == other.list.uuid)
+                throw Malformed("a list is named twice");
         seen.push_back(seeList(listOf(each.at("uuid"))));
         if (versionOf(seen.back().stored) != each.at("version").get<std::string>())
             task.overtaken.push_back(seen.back().list.uuid);
@@ -228,11 +271,8 @@ std::string ListServer::mark() const {
     return text;
 }
 
-Json ListServer::overview() {
-    std::lock_guard const lock(mutex_);
-    begin("reading the lists");
+Json ListServer::readOverview() const {
     std::string const seenMark = mark();
-    Session const session(database_);
     auto const counts = itemCounts();
     Json lists = Json::array();
     for (List const& list : allLists()) {
@@ -243,7 +283,7 @@ Json ListServer::overview() {
                          {"name", displayName(list)},
                          {"fav", list.favIndex},
                          {"all", isAllList(list)},
-                         {"count", count == counts.end() ? 0 : count->second},
+                         {"count", count == counts.end() ? 0 : count->second.entries},
                          {"reserved", reservedNumbers(list)}});
     }
     bool const isWritable = !isReadOnly_ && access(database_.c_str(), W_OK) == 0;
@@ -251,26 +291,37 @@ Json ListServer::overview() {
         {"database", database_}, {"mark", seenMark}, {"readOnly", !isWritable}, {"lists", lists}};
 }
 
-Json ListServer::lists(std::vector<std::string> const& uuids) {
+Json ListServer::overview() {
     std::lock_guard const lock(mutex_);
-    begin("reading lists");
+    begin("reading the lists");
+    Session const session(database_);
+    return readOverview();
+}
+
+std::string ListServer::lists(std::vector<std::string> const& uuids) {
+    std::vector<Content> content;
+    {
+        std::lock_guard const lock(mutex_);
+        begin("reading lists");
+        Session const session(database_);
+        FrozenDatabase const frozen;
+        content = readContents(uuids);
+    }
+    return textOf(content);  // others may read meanwhile
+}
+
+std::string ListServer::first() {
+    std::lock_guard const lock(mutex_);
+    begin("reading the lists");
     Session const session(database_);
     FrozenDatabase const frozen;
-    Json lists = Json::array();
-    for (std::string const& uuid : uuids) {
-        listOf(uuid);
-        Rows const services = readServices(uuid);
-        if (!services.complete)
-            throw Failure(
-                "not all services of a list could be read; \"channellist check\" tells why");
-        Json rows = Json::array();
-        for (ResultRow const& service : services.rows)
-            rows.push_back(rowOf(service));
-        lists.push_back(
-            {{"uuid", uuid}, {"version", versionOf(storedState(uuid))}, {"rows", rows}});
-    }
-    return {{"columns", {"id", "number", "hidden", "name", "kind", "place", "hd", "scrambled"}},
-            {"lists", lists}};
+    Json const overview = readOverview();
+    std::vector<std::string> uuids;
+    for (Json const& list : overview.at("lists"))
+        if (list.at("fav") != 0)
+            uuids.push_back(list.at("uuid"));
+    return "{\"overview\":" + dumpJson(overview, -1) +
+           ",\"content\":" + textOf(readContents(uuids)) + "}";
 }
 
 Json ListServer::save(Json const& request) {

@@ -30,12 +30,15 @@ class ListServer : private channel_lists::Listener {
     std::string mark() const;
     // The lists, without what they hold.
     Json overview();
-    // What the lists hold, of one moment, each with its version.
-    Json lists(std::vector<std::string> const& uuids);
+    // What the lists hold, of one moment, each with its version; as text, for there may be much.
+    std::string lists(std::vector<std::string> const& uuids);
+    // Both at once, of the FAV lists: what the page shows first.
+    std::string first();
     // Brings the lists to what the request says, if each still has the version that it was read at.
     Json save(Json const& request);
 
   private:
+    Json readOverview() const;
     void note(std::string const& sentence) override { notes_.push_back(sentence); }
 
     std::string database_;

@@ -1,4 +1,5 @@
 // channellist-page: serves the page to sort channels with, to this machine alone.
+#include <malloc.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -78,6 +79,8 @@ int serve(Options const& options) {
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     signal(SIGPIPE, SIG_IGN);
     signal(SIGCHLD, SIG_IGN);
+    mallopt(M_ARENA_MAX, 1);  // a thread's own arena grows page by page, which takes half the time
+    mallopt(M_TOP_PAD, 16 << 20);
     page::ListServer lists(options.database, options.readOnly);
     page::PageServer server(lists, options.port);
     std::cout << "The page is at " << server.address() << "\n"

@@ -1,12 +1,11 @@
 #include "page_server.h"
 
-#include <httplib.h>
-
 #include <functional>
 
 #include "database/time_limit.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
+#include "patient_server.h"
 #include "text/display_text.h"
 #include "web_files.h"
 
@@ -15,9 +14,7 @@ namespace {
 
 using channel_lists::Failure;
 
-constexpr std::size_t kMostBytes = 8 << 20;  // of a request: five lists of 20,000 are 2 MB
-constexpr int kConnections = 64;             // at once; more wait
-constexpr int kPatience = 5;                 // seconds, with a client that says nothing
+constexpr int kConnections = 256;  // at once; more wait
 constexpr char kJson[] = "application/json";
 // With what follows, httplib does not compress it: on one machine that costs more than it spares.
 constexpr char kPlainJson[] = "application/json; charset=utf-8";
@@ -36,10 +33,11 @@ httplib::Headers const kHeaders = {
 
 // The browser takes the cookie, and goes to the page by itself: a Strict cookie does not come along
 // where a foreign page or file sent it here.
-constexpr char kEntrance[] =
-    "<!doctype html><meta charset=utf-8><link rel=icon href=/icon.svg>"
-    "<meta http-equiv=refresh content='0;url=/'>"
-    "<title>Channels</title>";
+std::string entranceTo(std::string const& place) {
+    return "<!doctype html><meta charset=utf-8><link rel=icon href=" + place +
+           "icon.svg><meta http-equiv=refresh content='0;url=" + place +
+           "'><title>Channels</title>";
+}
 
 Caller callerOf(httplib::Request const& request) {
     return {request.get_header_value("Host"), request.get_header_value("Origin"),
@@ -47,9 +45,11 @@ Caller callerOf(httplib::Request const& request) {
             request.method != "GET"};
 }
 
+std::string textOf(Json const& value) { return channel_lists::dumpJson(value, -1); }
+
 void refuse(httplib::Response& response, int status, std::string const& sentence) {
     response.status = status;
-    response.set_content(channel_lists::dumpJson({{"error", sentence}}, -1), kPlainJson);
+    response.set_content(textOf({{"error", sentence}}), kPlainJson);
 }
 
 std::string reasonOf(std::exception const& error) {
@@ -61,9 +61,9 @@ std::string reasonOf(std::exception const& error) {
     return channel_lists::displayLines(sentence);
 }
 
-void answer(httplib::Response& response, std::function<Json()> const& work) {
+void answer(httplib::Response& response, std::function<std::string()> const& work) {
     try {
-        response.set_content(channel_lists::dumpJson(work(), -1), kPlainJson);
+        response.set_content(work(), kPlainJson);
     } catch (Malformed const& error) {
         refuse(response, 400, error.what());
     } catch (Json::exception const&) {
@@ -77,12 +77,10 @@ void answer(httplib::Response& response, std::function<Json()> const& work) {
 
 PageServer::PageServer(ListServer& lists, int port)
     : lists_(lists),
-      server_(std::make_unique<httplib::Server>()),
+      server_(std::make_unique<PatientServer>()),
       lastAsked_(std::chrono::steady_clock::now()) {
     server_->new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
     server_->set_payload_max_length(kMostBytes);
-    server_->set_read_timeout(kPatience);
-    server_->set_write_timeout(kPatience);
     server_->set_keep_alive_max_count(1);
     server_->set_default_headers(kHeaders);
     // A second server must not share a port with the first.
@@ -126,45 +124,46 @@ void PageServer::addFiles() {
         if (!bringsKey)
             return httplib::Server::HandlerResponse::Unhandled;
         response.set_header("Set-Cookie", gate_->cookie());
-        response.set_content(kEntrance, "text/html");
+        response.set_content(entranceTo(gate_->place()), "text/html");
         return httplib::Server::HandlerResponse::Handled;
     });
     for (WebFile const& file : kWebFiles)
-        server_->Get(file.path, [&file](auto const&, auto& response) {
+        server_->Get(gate_->place() + file.path, [&file](auto const&, auto& response) {
             response.set_content(reinterpret_cast<char const*>(file.bytes), file.size, file.type);
         });
 }
 
 void PageServer::addRequests() {
-    server_->Get(
-        "/api/mark",
-        [this](auto const&, auto& response) {
-            answer(
-                response,
-                [&] {
-                    return Json{{"mark", lists_.mark()}};
-                });
+    std::string const api = gate_->place() + "api/";
+    auto const get = [&](char const* name, auto work) {
+        server_->Get(
+            api + name,
+            [work](auto const& request, auto& response) {
+                answer(
+                    response, [&] { return work(request); });
+            });
+    };
+    get(
+        "mark",
+        [this](auto const&) {
+            return textOf({{"mark", lists_.mark()}});
         });
-    server_->Get(
-        "/api/overview",
-        [this](auto const&, auto& response) {
-            answer(
-                response, [&] { return lists_.overview(); });
-        });
-    server_->Get(
-        "/api/lists",
-        [this](auto const& request, auto& response) {
+    get(
+        "overview", [this](auto const&) { return textOf(lists_.overview()); });
+    get("first", [this](auto const&) { return lists_.first(); });
+    get(
+        "lists",
+        [this](auto const& request) {
             std::vector<std::string> uuids;
             for (auto const& [name, value] : request.params)
                 if (name == "uuid")
                     uuids.push_back(value);
-            answer(
-                response, [&] { return lists_.lists(uuids); });
+            return lists_.lists(uuids);
         });
-    server_->Post("/api/save", [this](auto const& request, auto& response) {
+    server_->Post(api + "save", [this](auto const& request, auto& response) {
         if (request.get_header_value("Content-Type") != kJson)
             return refuse(response, 400, "this is no request of the page");
-        answer(response, [&] { return lists_.save(Json::parse(request.body)); });
+        answer(response, [&] { return textOf(lists_.save(Json::parse(request.body))); });
     });
 }
 

@@ -9,11 +9,9 @@
 #include "gate.h"
 #include "list_server.h"
 
-namespace httplib {
-class Server;
-}
-
 namespace page {
+
+class PatientServer;
 
 class PageServer {
   public:
@@ -35,7 +33,7 @@ class PageServer {
     void addRequests();
 
     ListServer& lists_;
-    std::unique_ptr<httplib::Server> server_;
+    std::unique_ptr<PatientServer> server_;
     std::unique_ptr<Gate> gate_;
     std::atomic<std::chrono::steady_clock::time_point> lastAsked_;
 };

@@ -207,8 +207,7 @@ function showFilters() {
     }
 }
 
-async function readOverview() {
-    const overview = await server.overview();
+function takeOverview(overview) {
     const rank = (list) => list.fav || (list.all ? 5 : 6);
     app.lists = Object.fromEntries(overview.lists.sort((a, b) => rank(a) - rank(b)).map((list) =>
         [list.uuid, {...list, name: list.all ? "All" : shown(list.name), reserved: new Set(list.reserved)}]));
@@ -223,7 +222,7 @@ async function readOverview() {
 }
 
 async function reload() {
-    await readOverview();
+    takeOverview(await server.overview());
     const known = Object.keys(app.state.base).filter((uuid) => app.lists[uuid]);
     take(await server.lists(known));
 }
@@ -293,13 +292,13 @@ function resume(kept) {
 
 // What the page begins with.
 async function load() {
-    await readOverview();
-    const favs = [1, 2, 3, 4].map(app.uuidOfFav).filter(Boolean);
+    const {overview, content} = await server.first();
+    takeOverview(overview);
     const all = [app.uuidOfAll()].filter(Boolean);
-    app.panes[0].setList(favs[0]);
+    app.panes[0].setList(app.uuidOfFav(1));
     app.panes[1].setList(all[0]);
     app.activate(app.panes[0]);
-    take(await server.lists(favs));
+    take(content);
     requestAnimationFrame(() => window.firstList = performance.now());
     take(await server.lists(all));
 }

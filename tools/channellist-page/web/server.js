@@ -6,7 +6,7 @@ export class Unreachable extends Error {}  // it did not answer
 async function ask(path, options = {}) {
     let response;
     try {
-        response = await fetch(path, {cache: "no-store", ...options});
+        response = await fetch(path, options);
     } catch {
         throw new Unreachable("the server of this page does not answer");
     }
@@ -16,11 +16,12 @@ async function ask(path, options = {}) {
     return answer;
 }
 
-export const mark = async () => (await ask("/api/mark")).mark;
-export const overview = () => ask("/api/overview");
+export const mark = async () => (await ask("api/mark")).mark;
+export const first = () => ask("api/first");  // index.html asks early
+export const overview = () => ask("api/overview");
 export const lists = (uuids) =>
-    ask("/api/lists?" + uuids.map((uuid) => "uuid=" + encodeURIComponent(uuid)).join("&"));
-export const save = (lists) => ask("/api/save", {
+    ask("api/lists?" + uuids.map((uuid) => "uuid=" + encodeURIComponent(uuid)).join("&"));
+export const save = (lists) => ask("api/save", {
     method: "POST",
     headers: {"Content-Type": "application/json"},
     body: JSON.stringify({lists}),

@@ -225,6 +225,7 @@ CommandLine::CommandLine()
         ->type_name("WHEN")
         ->take_last();
     app_->add_flag("--wide", wide_, "cut no table to the terminal's width");
+    app_->add_flag("--no-pager", noPager_, "show no long table through $PAGER");
 }
 
 CommandLine::~CommandLine() = default;
@@ -304,7 +305,7 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
 }
 
 int CommandLine::run() const {
-    setOutput(color_, wide_);
+    setOutput(color_, wide_, noPager_);
     if (!trace_.empty())
         traceMessages(trace_);
     return action_(database_);

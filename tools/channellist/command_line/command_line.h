@@ -79,6 +79,7 @@ class CommandLine {
     std::string trace_;
     std::string color_ = "auto";
     bool wide_ = false;
+    bool noPager_ = false;
     Action action_;
 };
 

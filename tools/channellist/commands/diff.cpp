@@ -44,7 +44,7 @@ void printServices(std::vector<ServiceChange> const& services) {
     TextTable table(serviceColumns());
     for (ServiceChange const& each : services)
         table.add({each.name, each.triplet, each.what, each.before, each.after});
-    table.print(std::cout);
+    table.show();
     std::cout << "\n";
 }
 
@@ -63,7 +63,7 @@ void printCounts(DatabaseDifference const& difference) {
         add(list.listName + (*list.list == '\0' ? "" : std::string(" (") + list.list + ")"),
             list.tally);
     add("all lists", difference.total);
-    table.print(std::cout);
+    table.show();
 }
 
 void printTables(DatabaseDifference const& difference) {

@@ -29,7 +29,7 @@ struct Options {
     std::string list;
     std::vector<std::string> words;
     std::string from;  // file of the text, "-" for standard input
-    bool mayBeEmpty = false;
+    Allowed allowed;
     bool dryRun = false;
     bool renumber = false;
     bool everywhere = false;
@@ -111,6 +111,21 @@ void applyOperations(Options const& options, std::vector<Operation> const& opera
     report(options, writeAgainAndAgain(see, want, keeping));
 }
 
+enum class Wins { Added, Present };
+
+// The lists of another attempt; `wins` tells which of the same list stays.
+void add(Snapshot const& lists, Snapshot& all, Wins wins) {
+    for (ListEntries const& list : lists) {
+        auto const same = std::find_if(all.begin(), all.end(), [&](ListEntries const& each) {
+            return each.uuid == list.uuid;
+        });
+        if (same == all.end())
+            all.push_back(list);
+        else if (wins == Wins::Added)
+            *same = list;
+    }
+}
+
 // Of other lists the mark goes to FAV1 to FAV4 as well.
 void applyEverywhere(Options const& options, std::vector<Operation> const& operations,
                      Keeping const& keeping) {
@@ -122,8 +137,8 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
             edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
         }
         Written next = writeLists(edits, keeping);
-        if (!written.before.empty())
-            next.before = std::move(written.before);
+        add(written.before, next.before, Wins::Added);
+        add(written.after, next.after, Wins::Present);
         written = std::move(next);
     } while (!written.overtaken.empty());
     report(options, written);
@@ -133,7 +148,7 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
 void takeFile(Options const& options, std::string const& text, Keeping const& keeping) {
     Sight const sight = look(options.list);
     std::vector<Entry> const after =
-        contentOf(sight, text, options.from == "-" ? "input" : options.from, options.mayBeEmpty);
+        contentOf(sight, text, options.from == "-" ? "input" : options.from, options.allowed);
     Written const written = writeLists({{sight.seen, {after, options.renumber}}}, keeping);
     if (written.ending == Ending::Overtaken) {
         throw Failure(
@@ -247,11 +262,14 @@ void addEditCommand(CommandLine& line) {
         .argument("LIST", options->list, kListHelp)
         .arguments("OPERATION", options->words, 0, kAnyNumber, "what to do, see below")
         .option("--from", options->from, "bring the list to what this file says, - for the input")
-        .flag("--empty", options->mayBeEmpty, "take a text without an entry, too")
+        .flag("--empty", options->allowed.empty, "take a text without an entry, too")
+        .flag("--skip-missing", options->allowed.missing,
+              "leave out what the text names and this database lacks")
         .flag("-n,--dry-run", options->dryRun, "edit a copy in memory, and show what would change")
         .flag("--renumber", options->renumber, "close the gaps in FAV lists, see below")
         .flag("--everywhere", options->everywhere, "hide and restore in every list, see below")
         .needs("--empty", "--from")
+        .needs("--skip-missing", "--from")
         .noUndo(options->noUndo)
         .json(options->json)
         .footer(

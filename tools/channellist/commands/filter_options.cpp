@@ -6,7 +6,8 @@ void addFilterOptions(Command& command, ServiceFilter& filter) {
     command.flag("--tv", filter.tv, "TV services alone")
         .flag("--radio", filter.radio, "radio services alone")
         .flag("--hd", filter.hd, "high definition alone")
-        .flag("--free", filter.free, "none that is scrambled")
+        .flag("--free", filter.free,
+              "none that the database calls scrambled; of what nobody told it knows nothing")
         .flag("--scrambled", filter.scrambled, "scrambled ones alone")
         .flag("--hidden", filter.hidden, "hidden and invisible ones alone")
         .option("--delivery", filter.delivery,

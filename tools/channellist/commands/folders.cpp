@@ -3,17 +3,16 @@
 #include <channellist-access/field_ids.h>
 
 #include <cstdlib>
-#include <iostream>
+#include <map>
 
 #include "commands/commands.h"
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
-#include "output/print_rows.h"
-#include "output/text_table.h"
+#include "output/fields.h"
+#include "services/item_counts.h"
 #include "services/service_reader.h"
-#include "text/json_text.h"
 
 namespace tool {
 namespace {
@@ -62,42 +61,68 @@ void addAllServicesList(std::vector<ResultRow>& folders) {
     }
 }
 
-std::vector<Column> tableColumns() {
-    return {{"Name", Align::Left, kIsCut},
-            {"FAV", Align::Left, 5},
-            {"Kind", Align::Left, 4},
-            {"Network", Align::Right, 2},
-            {"Tag", Align::Right, 3},
-            {"Capability", Align::Right, 1},
-            {"UUID"}};
-}
+struct Folder {
+    ResultRow row;
+    ItemCount count;
+};
 
-void printTable(std::vector<ResultRow> const& folders) {
-    TextTable table(tableColumns());
-    for (ResultRow const& folder : folders) {
-        table.add({nameOf(folder), folder[FOLDER_FIELD_FAV_NAME], kindOf(folder),
-                   folder[FOLDER_FIELD_NETWORK_ID], folder[FOLDER_FIELD_UPDATE_TAG],
-                   folder[FOLDER_FIELD_CAPABILITY], folder[FOLDER_FIELD_UUID]});
+std::vector<Folder> withCounts(std::vector<ResultRow> rows) {
+    std::map<unsigned int, ItemCount> const counts = itemCounts();
+    std::map<std::string, ItemCount> byUuid;
+    for (List const& list : allLists()) {
+        auto const count = counts.find(list.pid);
+        byUuid.emplace(list.uuid, count == counts.end() ? ItemCount() : count->second);
     }
-    table.print(std::cout);
-}
-
-void printObjects(std::vector<ResultRow> const& folders) {
-    Json list = Json::array();
-    for (ResultRow const& folder : folders) {
-        list.push_back({{"name", nameOf(folder)},
-                        {"uuid", folder[FOLDER_FIELD_UUID]},
-                        {"fav", folder[FOLDER_FIELD_FAV_NAME]},
-                        {"kind", kindOf(folder)},
-                        {"flags", numberOrText(folder[FOLDER_FIELD_FLAGS])},
-                        {"capability", numberOrText(folder[FOLDER_FIELD_CAPABILITY])},
-                        {"networkId", numberOrText(folder[FOLDER_FIELD_NETWORK_ID])},
-                        {"updateTag", numberOrText(folder[FOLDER_FIELD_UPDATE_TAG])}});
+    std::vector<Folder> folders;
+    folders.reserve(rows.size());
+    for (ResultRow& row : rows) {
+        ItemCount const count = byUuid[row[FOLDER_FIELD_UUID]];
+        folders.push_back({std::move(row), count});
     }
-    printJson(list);
+    return folders;
 }
 
-int run(std::string const& database, Format const& format) {
+Field<Folder> stored(char const* key, Column column, FolderField field, bool isUsual = true) {
+    return {key, std::move(column),
+            [field](Folder const& folder) { return numberOrText(folder.row[field]); }, isUsual};
+}
+
+Field<Folder> text(char const* key, Column column, FolderField field) {
+    return {key, std::move(column), [field](Folder const& folder) { return folder.row[field]; }};
+}
+
+std::vector<Field<Folder>> folderFields() {
+    return {
+        {"name",
+         {"Name", Align::Left, kIsCut},
+         [](Folder const& folder) { return nameOf(folder.row); }},
+        text("fav", {"FAV", Align::Left, 6}, FOLDER_FIELD_FAV_NAME),
+        {"kind", {"Kind", Align::Left, 4}, [](Folder const& folder) { return kindOf(folder.row); }},
+        {"services",
+         {"Services", Align::Right},
+         [](Folder const& folder) { return folder.count.entries; }},
+        {"hidden",
+         {"Hidden", Align::Right, 5},
+         [](Folder const& folder) { return folder.count.hidden; }},
+        stored("networkId", {"Network", Align::Right, 2}, FOLDER_FIELD_NETWORK_ID),
+        stored("updateTag", {"Tag", Align::Right, 3}, FOLDER_FIELD_UPDATE_TAG),
+        stored("capability", {"Capability", Align::Right, 1}, FOLDER_FIELD_CAPABILITY),
+        text("uuid", {"UUID"}, FOLDER_FIELD_UUID),
+        stored("flags", {"Flags", Align::Right}, FOLDER_FIELD_FLAGS, false),
+    };
+}
+
+Style plain(Folder const&) { return Style::Plain; }
+
+struct Options {
+    Format format;
+    std::string columns;
+};
+
+int run(std::string const& database, Options const& options) {
+    Format const& format = options.format;
+    if (format.raw && !options.columns.empty())
+        throw Failure("--raw prints the rows as the library gives them", kUsage);
     Session const session(database);
     Rows folders = format.raw ? readRawFolders() : readFolders();
     if (!format.raw)
@@ -105,7 +130,8 @@ int run(std::string const& database, Format const& format) {
     if (format.raw)
         (format.json ? printRawJson : printRaw)(folders.rows);
     else
-        (format.json ? printObjects : printTable)(folders.rows);
+        printFields(folderFields(), withCounts(std::move(folders.rows)), options.columns,
+                    format.json, plain);
     if (!folders.complete)
         throw Failure("not all lists could be read; \"channellist check\" tells why");
     return kSuccess;
@@ -114,17 +140,19 @@ int run(std::string const& database, Format const& format) {
 }  // namespace
 
 void addFoldersCommand(CommandLine& line) {
-    auto format = std::make_shared<Format>();
+    auto options = std::make_shared<Options>();
     line.add("folders",
              "The lists that a viewer can browse, in the set's order, and that of all services")
-        .json(format->json)
-        .flag("--raw", format->raw, kRawHelp)
-        .footer(narrowHelp(tableColumns()) +
+        .json(options->format.json)
+        .flag("--raw", options->format.raw, kRawHelp)
+        .option("--columns", options->columns, "what to tell, in this order")
+        .footer("Services counts all entries, Hidden those of them that the list hides.\n\n" +
+                narrowHelp(usualColumns(folderFields())) + columnsHelp(keysOf(folderFields())) +
                 "Examples:\n"
                 "  channellist folders\n"
                 "  channellist folders --json | jq '.[].name'\n"
                 "  channellist folders --raw --db copy-of-servicelist.db")
-        .action([format](std::string const& database) { return run(database, *format); });
+        .action([options](std::string const& database) { return run(database, *options); });
 }
 
 }  // namespace tool

@@ -12,6 +12,7 @@
 #include "failure.h"
 #include "lists/list_csv.h"
 #include "lists/text_order.h"
+#include "lists/text_services.h"
 #include "text/display_text.h"
 
 namespace tool {
@@ -31,6 +32,34 @@ std::vector<Entry> accept(TextOrder&& order) {
     for (std::string const& note : order.notes)
         std::cerr << "channellist: " << displayText(note) << "\n";
     return std::move(order.entries);
+}
+
+TextServices servicesIn(Sight const& sight) { return {sight.seen.entries, sight.joining}; }
+
+bool hasMissing(Sight const& sight, ListText const& text) {
+    TextServices const services = servicesIn(sight);
+    return std::any_of(text.lines.begin(), text.lines.end(),
+                       [&](TextLine const& line) { return services.hasNone(line); });
+}
+
+std::string wordOf(TextLine const& line) {
+    if (!line.name.empty() || !line.triplet.empty())
+        return line.name.empty() ? line.triplet : line.name;
+    return "id:" + std::to_string(line.key.value_or(0));
+}
+
+void leaveOutMissing(Sight const& sight, std::string const& source, ListText& text) {
+    TextServices const services = servicesIn(sight);
+    auto const isMissing = [&](TextLine const& line) {
+        bool const isNone = services.hasNone(line);
+        if (isNone)
+            std::cerr << "channellist: " << displayText(source) << ":" << line.line
+                      << ": left out: the database has no service for '"
+                      << displayText(wordOf(line)) << "'\n";
+        return isNone;
+    };
+    text.lines.erase(std::remove_if(text.lines.begin(), text.lines.end(), isMissing),
+                     text.lines.end());
 }
 
 // Without those of an earlier round.
@@ -109,16 +138,21 @@ std::string readText(std::string const& file) {
 }
 
 std::vector<Entry> contentOf(Sight const& sight, std::string const& text, std::string const& source,
-                             bool mayBeEmpty) {
-    ListText const lines = parsed(text);
-    if (lines.lines.empty() && lines.errors.empty() && !sight.seen.entries.empty() && !mayBeEmpty) {
+                             Allowed const& allowed) {
+    ListText lines = parsed(text);
+    if (allowed.missing)
+        leaveOutMissing(sight, source, lines);
+    if (lines.lines.empty() && lines.errors.empty() && !sight.seen.entries.empty() &&
+        !allowed.empty) {
         throw Failure(
-            "the " + source +
-            " names no service; nothing is written (--empty takes all out of FAV1 to FAV4)");
+            source +
+            ": no service is named; nothing is written (--empty takes all out of FAV1 to FAV4)");
     }
     TextOrder order = orderOf(sight, lines);
     if (!order.errors.empty())
-        throw Failure("nothing is written:\n" + explainErrors(source, order.errors));
+        throw Failure(
+            "nothing is written:\n" + explainErrors(source, order.errors) +
+            (hasMissing(sight, lines) ? "\n--skip-missing leaves out what no service fits" : ""));
     return accept(std::move(order));
 }
 

@@ -24,10 +24,16 @@ Sight look(std::string const& word);
 // The text of a file, "-" for standard input.
 std::string readText(std::string const& file);
 
-// Throws Failure with everything that is wrong in the text, and for one without an entry unless it
-// `mayBeEmpty`; `source` names it.
+// What a text may be that would else be refused.
+struct Allowed {
+    bool empty = false;
+    bool missing = false;  // services that the database lacks: their lines are told and left out
+};
+
+// Throws Failure with everything that is wrong in the text, and for one without an entry;
+// `source` names it.
 std::vector<Entry> contentOf(Sight const& sight, std::string const& text, std::string const& source,
-                             bool mayBeEmpty);
+                             Allowed const& allowed);
 
 // A list in the user's editor: what they wrote stays with them until `done`.
 class EditorSession {

@@ -22,6 +22,7 @@ constexpr char kReset[] = "\x1b[0m";
 
 bool hasColour = false;
 bool isWide = false;
+bool isPaged = true;
 
 std::string environment(char const* name) {
     char const* const value = std::getenv(name);
@@ -63,11 +64,12 @@ std::string wrappedLine(std::string line, std::size_t width) {
 
 }  // namespace
 
-void setOutput(std::string const& color, bool wide) {
+void setOutput(std::string const& color, bool wide, bool noPager) {
     if (color != "auto" && color != "always" && color != "never")
         throw Failure("'" + color + "' is none of auto, always and never", kUsage);
     hasColour = color == "always" || (color == "auto" && wantsColour());
     isWide = wide;
+    isPaged = !noPager;
 }
 
 bool knowsSequences() {
@@ -86,6 +88,12 @@ std::size_t terminalWidth(int descriptor) {
 }
 
 std::size_t lineWidth() { return isWide || !isTerminal() ? 0 : terminalWidth(STDOUT_FILENO); }
+
+std::size_t pageHeight() {
+    winsize size = {};
+    bool const isTold = isTerminal() && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0;
+    return isPaged && isTold && knowsSequences() ? size.ws_row : 0;
+}
 
 std::string styled(Style style, std::string const& text) {
     if (!hasColour || style == Style::Plain || text.empty())

@@ -8,10 +8,10 @@ namespace tool {
 
 enum class Style { Plain, Dim, Bold, Red, Yellow };
 
-// "--color auto|always|never" and "--wide", before anything is printed. Throws Failure for another
-// word. "auto" is a terminal that knows escape sequences (TERM is neither empty nor "dumb") of a
-// user who has not set NO_COLOR.
-void setOutput(std::string const& color, bool wide);
+// "--color auto|always|never", "--wide" and "--no-pager", before anything is printed. Throws
+// Failure for another word. "auto" is a terminal that knows escape sequences (TERM is neither empty
+// nor "dumb") of a user who has not set NO_COLOR.
+void setOutput(std::string const& color, bool wide, bool noPager);
 
 // True where TERM names a terminal, and no dumb one.
 bool knowsSequences();
@@ -21,6 +21,9 @@ std::size_t terminalWidth(int descriptor);
 
 // Columns of a line of standard output; 0, any number, for what is no terminal or with "--wide".
 std::size_t lineWidth();
+
+// Rows of standard output; 0, any number, for what is no terminal or with "--no-pager".
+std::size_t pageHeight();
 
 // The text between the style's escape sequences, where there is colour.
 std::string styled(Style style, std::string const& text);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <numeric>
+#include <sstream>
 
+#include "output/pager.h"
 #include "text/display_text.h"
 #include "tool.h"
 
@@ -12,7 +14,7 @@ namespace {
 constexpr char kGap[] = "  ";
 constexpr std::size_t kGapWidth = 2;
 // Of a column whose texts are cut or go on below, while others may leave.
-constexpr std::size_t kLeastCut = 12;
+constexpr std::size_t kLeastCut = 32;
 constexpr std::size_t kLeastWrapped = 24;
 
 bool isFlexible(Column const& column) { return column.leaves < kStays; }
@@ -118,9 +120,11 @@ std::string narrowHelp(std::vector<Column> const& columns) {
     names.reserve(leaving.size());
     for (Column const& column : leaving)
         names.push_back(column.name);
-    return "On a terminal that is too narrow texts are cut (" + joined(cut) + ")" +
-           (wrapping.empty() ? "" : " and go on below (" + joined(wrapping) + ")") +
-           ", then these columns leave: " + joined(names) + ". --wide shows them whole.\n\n";
+    return "On a terminal that is too narrow these columns leave: " + joined(names) +
+           ". Before them, only texts of more than " + std::to_string(kLeastCut) +
+           " columns are cut (" + joined(cut) + ")" +
+           (wrapping.empty() ? "" : " or go on below (" + joined(wrapping) + ")") +
+           ", others last. --wide shows all whole.\n\n";
 }
 
 TextTable::TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {
@@ -150,6 +154,13 @@ void TextTable::print(std::ostream& out) const {
     printRow(out, rules, columns_, widths);
     for (auto const& row : rows_)
         printRow(out, row, columns_, widths);
+}
+
+void TextTable::show() const {
+    constexpr int kHeader = 2;
+    std::ostringstream text;
+    print(text);
+    page(text.str(), kHeader);
 }
 
 }  // namespace tool

@@ -11,9 +11,9 @@ namespace tool {
 
 enum class Align { Left, Right };
 
-// What happens to a column on a terminal that is too narrow for the table: it stays; its texts are
-// cut, or go on below, first in the widest such column; or it leaves when that does not suffice, of
-// several first the one with the lowest number.
+// What happens to a column on a terminal that is too narrow for the table: it stays; it leaves, of
+// several first the one with the lowest number; or its texts are cut, or go on below, first in the
+// widest such column: the long ones before a column leaves, the others when none is left to.
 constexpr int kStays = 0;
 constexpr int kIsCut = -1;
 constexpr int kWraps = -2;
@@ -43,6 +43,8 @@ class TextTable {
     void add(std::vector<Cell> cells, Style style = Style::Plain);
     // The columns' names, a rule and the rows; no blanks at the ends of lines.
     void print(std::ostream& out) const;
+    // On standard output, a page at a time where it is long.
+    void show() const;
 
   private:
     std::vector<Column> columns_;
