@@ -7,6 +7,7 @@
 #include <set>
 
 #include "check/way_out.h"
+#include "database/content_digest.h"
 #include "database/frozen_database.h"
 #include "database/query.h"
 
@@ -133,7 +134,7 @@ std::vector<std::string> certainStatements(Findings const& findings) {
     return certainStatements(findings, lookOnce);
 }
 
-void mend(std::vector<std::string> const& statements) {
+std::string mend(std::vector<std::string> const& statements) {
     auto const run = [](std::string const& sql) {
         if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
             throw Failure("nothing is written: " + std::string(sqlite3_errmsg(db)));
@@ -142,7 +143,9 @@ void mend(std::vector<std::string> const& statements) {
     try {
         for (std::string const& sql : statements)
             run(sql);
+        std::string content = contentDigest(db);
         run("COMMIT");
+        return content;
     } catch (Failure const&) {
         sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
         throw;

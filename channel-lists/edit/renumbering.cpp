@@ -3,6 +3,7 @@
 #include <channellist-access/db_access.h>
 
 #include "database/query.h"
+#include "failure.h"
 
 namespace channel_lists {
 namespace {
@@ -37,6 +38,20 @@ std::string numbersOf(List const& list) {
     return numbers;
 }
 
+// The library gives success, too, for a number that the database did not take. Each number is a row
+// that changes, and so is the highest one in the list's own row.
+void renumberAll(List const& list) {
+    std::int64_t const shown = queryNumber(
+        db,
+        "SELECT count(*) FROM FavoriteItem, Service WHERE isDeleted = 0 AND Pid = ServiceId AND"
+        " FavoriteId = " +
+            std::to_string(list.pid));
+    int const before = sqlite3_total_changes(db);
+    dbaccess::renumberFAVList(list.pid, static_cast<unsigned char>(list.favIndex));
+    if (shown > 0 && sqlite3_total_changes(db) - before < shown + 1)
+        throw Failure("the database does not take every new number");
+}
+
 }  // namespace
 
 bool renumber(List const& favList) {
@@ -44,7 +59,7 @@ bool renumber(List const& favList) {
     return waitWhileLocked([&] {  // begin or commit: all of it is done again then
         Transaction const transaction;
         std::string const before = numbersOf(favList);
-        dbaccess::renumberFAVList(favList.pid, static_cast<unsigned char>(favList.favIndex));
+        renumberAll(favList);
         if (numbersOf(favList) == before)
             return false;
         dbaccess::UpdateListTag(favList.pid);

@@ -105,6 +105,12 @@ TEST_F(ToolTest, HidesInEveryListAtOnceAndTakesItBackAtOnce) {
     output("undo");
     EXPECT_EQ(rows(marks), "12");
     expect({"edit FAV1 move 1 to 2 --everywhere", 2, nullptr, "hide and restore alone"});
+    // Another writer comes between the first list and the next.
+    write("bin/sync", "#!/bin/sh\n[ -e once ] || { >once; " TOOL
+                      " --db set.db edit Astra move 1 to 9 --no-undo >other; }\n");
+    expect({"edit FAV1 hide VOX --everywhere", 0, "Astra  hidden", nullptr});
+    EXPECT_TRUE(std::filesystem::exists(folder / "other"));
+    EXPECT_EQ(rows(marks), "1;11;12;21");
 }
 
 TEST_F(ToolTest, KeepsTheNumbersOfOttChannelsFree) {
@@ -133,7 +139,7 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV1 move 1-2 to 9223372036854775807", 2, nullptr, "channel numbers go from 1"},
         {"edit FAV1 hide 2 move 3 to 2 swap id:2 5", 1, nullptr, "no place to swap with"},
         {"edit FAV1 move 5 to 2147483647 add id:4 at 2147483647", 1, nullptr, "is left behind"},
-        {"edit FAV1 mve 5 to 2", 2, nullptr, "did you mean 'move'?"},
+        {"edit FAV1 mvoe 5 to 2", 2, nullptr, "did you mean 'move'?"},
         {"edit FAV1 remove 30-", 1, nullptr, "FAV1 holds no service '30-'"},
         {"edit FAV1 copy FAV2 to FAV3", 2, nullptr, "the list that is edited, FAV1"},
         {"edit FAV1 sort by provider", 1, nullptr, "does not tell who broadcasts"},
@@ -168,6 +174,13 @@ TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
         EXPECT_EQ(rows("SELECT * FROM FavoriteItem"), items) << sql;
         write("set.db", before);
     }
+    change(
+        "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN new.ChannelNum < old.ChannelNum"
+        " BEGIN SELECT RAISE(ABORT, 'no'); END");
+    expect({"edit FAV1 remove VOX --renumber", 0, "Written, and flushed",
+            "the list is written, but it could not be renumbered: "});
+    EXPECT_EQ(fav(1), "1 1;2 2;5 5");
+    write("set.db", before);
     change(
         "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 21 BEGIN SELECT"
         " RAISE(ABORT, 'no'); END");

@@ -14,11 +14,17 @@ class Question : public ToolTest {
     // At a terminal, with `answer` typed; `redirections` of the tool's own output.
     std::string at(std::string const& command, std::string const& editor, std::string const& answer,
                    std::string const& redirections = "") {
+        return typed("printf '" + answer + "\\n'", command, editor, redirections);
+    }
+
+    // With what `typist` prints, who sees what is "shown".
+    std::string typed(std::string const& typist, std::string const& command,
+                      std::string const& editor, std::string const& redirections = "") {
         write("ed", editor);
         write("run", "EDITOR='sh ./ed' TMPDIR=$PWD " TOOL " --db set.db " + command + redirections +
                          "\necho code $?\n");
-        std::system(("cd '" + folder.string() + "' && printf '" + answer +
-                     "\\n' | PATH=$PWD/bin:$PATH HOME=$PWD VISUAL= script -qec 'sh ./run' /dev/null"
+        std::system(("cd '" + folder.string() + "' && { " + typist +
+                     "; } | PATH=$PWD/bin:$PATH HOME=$PWD VISUAL= script -qefc 'sh ./run' /dev/null"
                      " >shown 2>&1")
                         .c_str());
         return content("shown");
@@ -60,6 +66,20 @@ TEST_F(Question, IsAskedWhereverSomebodySits) {
         EXPECT_EQ(fav(1), c.fav1) << c.command << c.redirections << shown;
         write("set.db", before);
     }
+}
+
+// Ctrl-C is no answer, either.
+TEST_F(Question, IsLeftWithTheTextWhereItSaid) {
+    std::string const shown =
+        typed("while ! grep -q 'y/N' shown; do sleep 0.05; done; printf '\\003'; sleep 0.2",
+              "edit FAV1", kWithoutVox);
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+    std::size_t const at = shown.find("Your text is in ");
+    ASSERT_NE(at, std::string::npos) << shown;
+    std::string const path = shown.substr(at + 16, shown.find(' ', at + 16) - at - 16);
+    EXPECT_THAT(content(path), HasSubstr("Jazz"));
+    EXPECT_THAT(content(path), testing::Not(HasSubstr("VOX")));
+    expect({"undo", 1, nullptr, "nothing is kept"});
 }
 
 // The editor takes the tool's room on the disk away before the second round.

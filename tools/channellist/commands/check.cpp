@@ -69,14 +69,15 @@ void mendThem(std::string const& database, Findings const& findings, CommitGuard
     std::cout << std::flush;
     UndoStore undo(database);
     undo.keepDatabase("check --mend");
+    std::string content;
     try {
-        mend(statements);
+        content = mend(statements);
     } catch (Failure const&) {
         if (guard.hasRefused())
             throw Failure("somebody else wrote to the database meanwhile; nothing is written");
         throw;
     }
-    undo.confirm();
+    undo.confirm(content);
     printWritten("Written, and flushed to the disk; \"channellist undo\" takes it back.");
 }
 

@@ -111,6 +111,21 @@ void applyOperations(Options const& options, std::vector<Operation> const& opera
     report(options, writeAgainAndAgain(see, want, keeping));
 }
 
+enum class Wins { Added, Present };
+
+// The lists of another attempt; `wins` tells which of the same list stays.
+void add(Snapshot const& lists, Snapshot& all, Wins wins) {
+    for (ListEntries const& list : lists) {
+        auto const same = std::find_if(all.begin(), all.end(), [&](ListEntries const& each) {
+            return each.uuid == list.uuid;
+        });
+        if (same == all.end())
+            all.push_back(list);
+        else if (wins == Wins::Added)
+            *same = list;
+    }
+}
+
 // Of other lists the mark goes to FAV1 to FAV4 as well.
 void applyEverywhere(Options const& options, std::vector<Operation> const& operations,
                      Keeping const& keeping) {
@@ -122,8 +137,8 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
             edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
         }
         Written next = writeLists(edits, keeping);
-        if (!written.before.empty())
-            next.before = std::move(written.before);
+        add(written.before, next.before, Wins::Added);
+        add(written.after, next.after, Wins::Present);
         written = std::move(next);
     } while (!written.overtaken.empty());
     report(options, written);
