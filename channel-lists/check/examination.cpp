@@ -6,6 +6,7 @@
 #include <cstring>
 #include <set>
 
+#include "check/grouping.h"
 #include "check/way_out.h"
 #include "database/content_digest.h"
 #include "database/frozen_database.h"
@@ -116,6 +117,7 @@ Findings lookOnce() {
             check(findings);
     }
     checkEdits(findings);
+    findings = grouped(findings);
     nameCauses(findings);
     return findings;
 }
