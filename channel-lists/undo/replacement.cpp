@@ -11,7 +11,7 @@
 #include "database/session.h"
 #include "database/waiting.h"
 #include "failure.h"
-#include "undo/undo_store.h"
+#include "kept/undo_store.h"
 
 namespace channel_lists {
 namespace {

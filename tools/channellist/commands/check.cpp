@@ -10,11 +10,11 @@
 #include "database/time_limit.h"
 #include "edit/commit_guard.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "output/findings.h"
 #include "output/written.h"
 #include "text/display_text.h"
 #include "text/json_text.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {

@@ -13,12 +13,12 @@
 #include "database/waiting.h"
 #include "edit/favourites.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "lists/difference.h"
 #include "output/differences.h"
 #include "output/progress.h"
 #include "output/written.h"
 #include "text/display_text.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {

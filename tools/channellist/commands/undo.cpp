@@ -15,6 +15,7 @@
 #include "database/frozen_database.h"
 #include "database/session.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "lists/difference.h"
 #include "output/differences.h"
 #include "output/print_rows.h"
@@ -25,7 +26,6 @@
 #include "text/json_text.h"
 #include "undo/replacement.h"
 #include "undo/take_back.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "undo/undo_store.h"
+#include "kept/undo_store.h"
 
 #include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
