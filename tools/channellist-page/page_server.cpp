@@ -88,7 +88,7 @@ PageServer::PageServer(ListServer& lists, int port)
         int const yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
-    if (!server_->bind_to_port("127.0.0.1", port))
+    if (port == 0 || !server_->bind_to_port("127.0.0.1", port))
         port = server_->bind_to_any_port("127.0.0.1");
     if (port <= 0)
         throw Failure("no port of this machine is free");
