@@ -204,7 +204,7 @@ Channel parseChannel(std::string const& line) {
     if (channel.frequency == 0)
         throw LineError("the frequency is 0");
     readParameters(fields[2], channel);
-    channel.source = fields[3];
+    channel.source = fields[3] == "S" ? kUnknownSatellite : fields[3];  // of libdvbv5's converter
     checkSource(channel.source);
     channel.symbolRate = numberField("symbol rate", fields[4], 2147483647);
     readVideoPid(fields[5], channel);

@@ -35,7 +35,7 @@ Connection openTemporary(int pageSize) {
 
 std::size_t makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
                              ImportProgress const& progress,
-                             std::function<void()> const& beforeReplacing) {
+                             std::function<void(sqlite3*)> const& beforeReplacing) {
     struct stat file;
     bool const exists = lstat(path.c_str(), &file) == 0;
     if (exists && !replace)
@@ -53,7 +53,7 @@ std::size_t makeDatabaseFile(ChannelsConf const& list, std::string const& path, 
     std::size_t const services = importChannels(database, list, progress);
     createSchema(temporary.get(), Indexes::Recommended);
     if (exists && beforeReplacing)
-        beforeReplacing();
+        beforeReplacing(temporary.get());
     (exists ? replaceContent : writeNewFile)(temporary.get(), path);
     return services;
 }

@@ -16,7 +16,6 @@ namespace {
 
 constexpr char kSourceComment[] = "# SOURCE";
 constexpr int kLargestFrequency = 2000000000;
-constexpr char const* kUnknownSatellite = "S0E";
 
 struct Word {
     int value;
@@ -239,6 +238,8 @@ std::string formatDvbv5(Channel const& channel) {
     text += line("INVERSION", channel.parameter('I') == 1 ? "ON" : "AUTO");
     if (isSatellite)
         text += satelliteLines(channel);
+    if (isSatellite && channel.parameter('S') == 1)  // without these it is converted to nothing
+        text += line("ROLLOFF", "AUTO") + line("PILOT", "AUTO");
     return text + line("DELIVERY_SYSTEM", system + (channel.parameter('S') == 1 ? "2" : "")) + "\n";
 }
 

@@ -9,6 +9,9 @@
 
 namespace channel_database {
 
+/// The source of a satellite channel of which nobody tells the satellite.
+constexpr char kUnknownSatellite[] = "S0E";
+
 inline std::string_view trimmed(std::string_view text) {
     constexpr std::string_view kBlank = " \t\r\n";
     auto const first = text.find_first_not_of(kBlank);

@@ -2,8 +2,10 @@
 #include <channellist-access/db_access.h>
 
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
+#include <cstring>
 #include <map>
 #include <set>
+#include <unordered_map>
 
 #include "check/finding.h"
 #include "database/list_naming.h"
@@ -69,6 +71,12 @@ bool converts(ResultRow const& row) {
     }
 }
 
+bool isTeletext(RawColumn const& column) { return std::strncmp(column.name, "Ttx", 3) == 0; }
+
+// Whether the row says if it is an input, which has no teletext. A name or uuid that is missing is
+// a finding of its own.
+bool isTold(ResultRow const& row) { return !row[kInternalName].empty() && !row[kUuid].empty(); }
+
 // Whether the column alone does not convert. The names that make it an input stay, because an
 // input needs fewer columns.
 bool isFoul(ResultRow const& row, std::size_t column) {
@@ -86,19 +94,17 @@ std::string itemIds(List const& list, std::string const& servicePid) {
     return ids.text(0);
 }
 
-// A service stands in many lists: one finding names them all. A missing row of a transponder is
-// told once, with all services that need it.
+// A service stands in many lists, and a transponder has many services: one finding speaks for all.
 class ServiceFindings {
   public:
     void add(Finding const& finding, List const& list, ResultRow const& row) {
-        std::string const cause =
-            finding.what.find("Tuner has no row") != std::string::npos ? "" : finding.row;
-        auto const [known, isNew] = known_.emplace(cause + finding.what, findings_.size());
-        if (isNew)
+        auto const [known, isNew] =
+            known_.emplace(finding.row + ": " + finding.what, findings_.size());
+        if (isNew) {
             findings_.push_back(finding);
-        if (!isNew && cause.empty() && findings_[known->second].row != finding.row) {
-            if (services_.insert(row[kPid]).second)
-                also_[known->second] += ", " + row[kPid];
+            services_.push_back({row[kPid], {}});
+        } else if (services_[known->second].first != row[kPid]) {
+            services_[known->second].others.insert(row[kPid]);
             return;
         }
         constexpr int kMostLists = 5;
@@ -111,83 +117,102 @@ class ServiceFindings {
     }
     Findings findings() const {
         Findings all = findings_;
-        for (auto const& [index, services] : also_)
-            all[index].row += services;
+        for (std::size_t i = 0; i < all.size(); ++i)
+            if (std::size_t const others = services_[i].others.size(); others != 0)
+                all[i].viewer += ", and " + std::to_string(others) + " more service" +
+                                 (others == 1 ? "" : "s") + " of the transponder";
         return all;
     }
 
   private:
+    struct Services {
+        std::string first;
+        std::set<std::string> others;
+    };
     Findings findings_;
-    std::set<std::string> services_;           // that others speak for
-    std::map<std::size_t, std::string> also_;  // their keys, by the finding
-    std::map<std::string, std::size_t> known_;
+    std::vector<Services> services_;  // by the finding
+    std::unordered_map<std::string, std::size_t> known_;
     std::map<std::size_t, int> lists_;
 };
 
 std::string quotedValue(Query const& rows, std::size_t column) {
     int const index = static_cast<int>(column);
-    return rows.isNull(index) ? "NULL" : "'" + rows.text(index) + "'";
+    if (rows.isNull(index))
+        return "NULL";
+    std::string quoted;
+    for (char const c : rows.text(index))
+        quoted += c == '\'' ? "''" : std::string(1, c);
+    return "'" + quoted + "'";
 }
 
-// Of a teletext column, in the table of the service's kind. 0 in place of NULL changes nothing for
-// a viewer; what a value was meant to be, and whether a service is to be shown, is for its owner to
-// say.
-WayOut mending(RawColumn const& column, bool isNull, List const& list, ResultRow const& row) {
+// Of all rows with the value; a teletext column's table is that of the service's kind. 0 in place
+// of NULL changes nothing for a viewer; what a value was meant to be, and whether a service is to
+// be shown, is for its owner to say.
+WayOut mending(RawColumn const& column, std::string const& value, ResultRow const& row) {
     std::string const stored = column.stored;
     std::string const name = stored.substr(0, stored.find(' '));
-    bool const decides = !isNull || column.owner == Owner::Item || name == "Type" ||
+    bool const decides = value != "NULL" || column.owner == Owner::Item || name == "Type" ||
                          name == "Visible" || name == "Selectable";
-    std::string table = "Service", where = "Pid = " + row[kPid];
-    if (column.owner == Owner::Item) {
-        table = "FavoriteItem";
-        where = "FavoriteId = " + std::to_string(list.pid) + " AND ServiceId = " + row[kPid];
-    } else if (stored.find(' ') != std::string::npos) {
+    std::string table = column.owner == Owner::Item ? "FavoriteItem" : "Service";
+    if (isTeletext(column))
         table = row[kType] == "1" ? "AnalogService" : "DvbService";
-        where = "ServiceId = " + row[kPid];
-    }
-    std::string const sql =
-        "UPDATE " + table + " SET " + name + " = " + (decides ? "..." : "0") + " WHERE " + where;
+    std::string const sql = "UPDATE " + table + " SET " + name + " = " + (decides ? "..." : "0") +
+                            " WHERE " + name + " IS " + value;
     return decides ? decision("which number is meant: " + sql) : statements(sql);
 }
 
-// The row or value without which a tuning URI is null.
-std::string whatIsMissing(ResultRow const& row) {
+// The row or values without which a tuning URI is null.
+struct Missing {
+    std::string row;
+    std::string what;
+};
+
+Missing whatIsMissing(ResultRow const& row) {
     constexpr char const* kTables[] = {"",           "AnalogService", "DvbTTuner",
                                        "DvbCTuner",  "DvbSTuner",     "DvbIpTuner",
                                        "DvbT2Tuner", "DvbC2Tuner",    "DvbS2Tuner"};
     constexpr std::size_t kKinds = sizeof kTables / sizeof *kTables;
     std::size_t const type =
         row[kType].size() == 1 ? static_cast<std::size_t>(row[kType][0] - '0') : 0;
-    if (type < 2 || type >= kKinds)
-        return "a value of its tuning URI is NULL";
-    Query key(db, "SELECT ifnull(TunerId, 'NULL') FROM DvbService WHERE ServiceId = " + row[kPid]);
-    if (!key.next())
-        return "DvbService has no row with ServiceId " + row[kPid];
-    for (std::string const& table : {std::string("Tuner"), std::string(kTables[type])}) {
-        Query found(db, "SELECT * FROM " + table + " WHERE TunerId = ?");
-        if (key.text(0) == "NULL" || !found.bind(key.text(0)).next())
-            return table + " has no row with TunerId " + key.text(0);
-        for (int i = 0; i < found.columns(); ++i)
-            if (found.isNull(i))
-                return "a value of its tuning URI is NULL, as in " + table + " with TunerId " +
-                       key.text(0);
+    Missing missing{"Service " + row[kPid], "a value of its tuning URI is NULL"};
+    Query service(db, "SELECT TunerId, * FROM DvbService WHERE ServiceId = " + row[kPid]);
+    if (type < 2 || type >= kKinds || !service.next())
+        return missing;
+    std::string nulls;
+    auto const addNulls = [&](std::string const& table, Query const& values, int first) {
+        for (int i = first; i < values.columns(); ++i)
+            if (values.isNull(i))
+                nulls += (nulls.empty() ? "" : ", ") + table + "." + values.name(i);
+    };
+    if (!service.isNull(0)) {
+        for (std::string const& table : {std::string("Tuner"), std::string(kTables[type])}) {
+            Query tuner(db, "SELECT * FROM " + table + " WHERE TunerId = ?");
+            if (!tuner.bind(service.text(0)).next())
+                return {table + " " + service.text(0),
+                        "does not exist, and DvbService names it as TunerId"};
+            addNulls(table, tuner, 0);
+        }
     }
-    return "a value of its tuning URI is NULL, as in DvbService with ServiceId " + row[kPid];
+    addNulls("DvbService", service, 1);
+    missing.what += nulls.empty() ? "" : "; NULL in its rows: " + nulls;
+    return missing;
 }
 
 void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
                      ServiceFindings& findings) {
     for (std::size_t i = 0; i < row.size(); ++i) {
         RawColumn const& column = kColumns[i];
-        if (column.owner == Owner::Derived || !isFoul(row, i))
+        if (column.owner == Owner::Derived || !isFoul(row, i) ||
+            (isTeletext(column) && !isTold(row)))
             continue;
         std::string const name = column.owner == Owner::Item
                                      ? "FavoriteItem " + itemIds(list, row[kPid])
                                      : "Service " + row[kPid];
+        std::string const value = quotedValue(rows, i);
         findings.add({"unreadable-number", Severity::Seen, name,
-                      std::string(column.stored) + " is " + quotedValue(rows, i) + ", no number",
+                      std::string(column.stored) + " is " + value + ", no number",
                       "the set takes it as 0 for " + row[kExternalName] + ", in",
-                      mending(column, rows.isNull(static_cast<int>(i)), list, row)},
+                      mending(column, value, row)},
                      list, row);
     }
 }
@@ -195,12 +220,14 @@ void nameFoulColumns(List const& list, Query const& rows, ResultRow const& row,
 void checkLocator(List const& list, ResultRow const& row, ServiceFindings& findings) {
     bool const unknownType = sv.locator == "about:blank";
     if (sv.locator.empty() || unknownType) {
-        findings.add(
-            {"no-locator", Severity::Tuning, "Service " + row[kPid],
-             unknownType ? "Type " + row[kType] + " is no kind of delivery" : whatIsMissing(row),
-             row[kExternalName] + " is shown, but cannot be tuned, in",
-             decision("scan the service anew")},
-            list, row);
+        Missing const missing =
+            unknownType
+                ? Missing{"Service " + row[kPid], "Type " + row[kType] + " is no kind of delivery"}
+                : whatIsMissing(row);
+        findings.add({"no-locator", Severity::Tuning, missing.row, missing.what,
+                      row[kExternalName] + " is shown, but cannot be tuned, in",
+                      decision("scan the service anew")},
+                     list, row);
     }
 }
 

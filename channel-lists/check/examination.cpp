@@ -6,7 +6,9 @@
 #include <cstring>
 #include <set>
 
+#include "check/grouping.h"
 #include "check/way_out.h"
+#include "database/content_digest.h"
 #include "database/frozen_database.h"
 #include "database/query.h"
 
@@ -115,6 +117,7 @@ Findings lookOnce() {
             check(findings);
     }
     checkEdits(findings);
+    findings = grouped(findings);
     nameCauses(findings);
     return findings;
 }
@@ -133,7 +136,7 @@ std::vector<std::string> certainStatements(Findings const& findings) {
     return certainStatements(findings, lookOnce);
 }
 
-void mend(std::vector<std::string> const& statements) {
+std::string mend(std::vector<std::string> const& statements) {
     auto const run = [](std::string const& sql) {
         if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
             throw Failure("nothing is written: " + std::string(sqlite3_errmsg(db)));
@@ -142,7 +145,9 @@ void mend(std::vector<std::string> const& statements) {
     try {
         for (std::string const& sql : statements)
             run(sql);
+        std::string content = contentDigest(db);
         run("COMMIT");
+        return content;
     } catch (Failure const&) {
         sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
         throw;

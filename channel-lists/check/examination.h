@@ -12,8 +12,8 @@ Findings examineDatabase();
 // What of `findings` can be mended with certainty: statements that together harm nothing.
 std::vector<std::string> certainStatements(Findings const& findings);
 
-// Runs them on the open database in one transaction. Throws Failure; nothing is written then, as
-// where a CommitGuard refuses.
-void mend(std::vector<std::string> const& statements);
+// Runs them on the open database in one transaction, and returns the digest of what it holds then.
+// Throws Failure; nothing is written then, as where a CommitGuard refuses.
+std::string mend(std::vector<std::string> const& statements);
 
 }  // namespace channel_lists

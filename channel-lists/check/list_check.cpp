@@ -103,7 +103,6 @@ constexpr Rule kRules[] = {
      " || CASE WHEN i.ServiceId IS NULL THEN '; edits of a FAV list pass the entry over' ELSE '' END"
      ", 'whether a scan brings the service back, or: DELETE FROM FavoriteItem WHERE ServiceId IS '"
      " || quote(i.ServiceId)"
-     " || ' AND FavoriteId IS ' || quote(i.FavoriteId)"
      " FROM FavoriteItem i LEFT JOIN Service s ON s.Pid = i.ServiceId"
      " LEFT JOIN FavoriteList l ON l.Pid = i.FavoriteId"
      " WHERE s.Pid IS NULL GROUP BY i.FavoriteId, i.ServiceId ORDER BY min(Id)"},
@@ -132,8 +131,10 @@ constexpr Rule kRules[] = {
      ", 'the entry stands in the wrong place of its list, without a number, and edits of the list are"
      " refused'"
      ", 'UPDATE FavoriteItem SET ChannelNum = ... WHERE Id = ' || Id"
-     " FROM FavoriteItem WHERE typeof(ChannelNum) <> 'integer'"
-     " OR ChannelNum NOT BETWEEN -2147483648 AND 2147483647 ORDER BY Id"},
+     " FROM FavoriteItem WHERE CASE WHEN typeof(ChannelNum) = 'integer' THEN ChannelNum NOT BETWEEN"
+     " -2147483648 AND 2147483647 ELSE ChannelNum IS NULL OR typeof(ChannelNum) = 'real' OR"
+     " CAST(ChannelNum AS TEXT) <> CAST(CAST(CAST(ChannelNum AS TEXT) AS INTEGER) AS TEXT) END"
+     " ORDER BY Id"},
 
     {"channel-number", Severity::Seen, Mend::Decision,
      "SELECT 'FavoriteItem ' || Id, 'ChannelNum is ' || ChannelNum || ', and numbers begin with 1'"
@@ -162,9 +163,10 @@ constexpr Rule kRules[] = {
      " GROUP BY FavoriteId, i.ServiceId HAVING count(*) > 1"},
 
     {"hidden-in-all", Severity::Odd, Mend::Decision,
-     "SELECT 'FavoriteItem ' || group_concat(f.Id, ', '), 'service ' || f.ServiceId"
-     " || ' is hidden in the All list, and shown in ' || group_concat(ifnull(l.Name, l.Uuid), ', ')"
-     ", 'the service is gone from the list of all services, but not from the favourites'"
+     "SELECT 'FavoriteItem ' || group_concat(f.Id, ', '), 'the service is hidden in the All list, and"
+     " shown in ' || group_concat(ifnull(l.Name, l.Uuid), ', ')"
+     ", 'service ' || f.ServiceId || ' is gone from the list of all services, but not from the"
+     " favourites'"
      ", 'whether it is to be shown: restore it in the All list, or hide it in the other'"
      " FROM FavoriteItem f JOIN FavoriteList l ON l.Pid = f.FavoriteId AND l.Creator LIKE"
      " 'User.tvFAV%' WHERE f.isDeleted = 0 AND f.ServiceId IN (SELECT a.ServiceId FROM FavoriteList b"
@@ -201,23 +203,23 @@ constexpr char const* kKeyColumns[][2] = {
 // For one FAV list: %1 its Pid, %2 the tag column, %3 its name.
 constexpr Rule kTagRules[] = {
     {"fav-tag", Severity::Seen, Mend::Statement,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has %2 ' || quote(%2) || ', but is not in %3'"
-     ", 'the service is marked as a favourite that %3 does not show'"
+     "SELECT 'Service ' || Pid, 'has %2 ' || quote(%2) || ', but is not in %3'"
+     ", ifnull(Name, 'the service') || ' is marked as a favourite that %3 does not show'"
      ", 'UPDATE Service SET %2 = 0 WHERE Pid = ' || Pid"
      " FROM Service WHERE %2 <> 0"
      " AND Pid NOT IN (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = %1"
      " AND ServiceId IS NOT NULL)"},
 
     {"fav-tag", Severity::Seen, Mend::Statement,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has %2 ' || quote(%2) || ', but is in %3'"
-     ", '%3 shows the service, but it is not marked as a favourite'"
+     "SELECT 'Service ' || Pid, 'has %2 ' || quote(%2) || ', but is in %3'"
+     ", '%3 shows ' || ifnull(Name, 'the service') || ', which is not marked as a favourite'"
      ", 'UPDATE Service SET %2 = 1 WHERE Pid = ' || Pid"
      " FROM Service WHERE ifnull(%2, 0) = 0"
      " AND Pid IN (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = %1)"},
 
     {"fav-tag", Severity::Odd, Mend::Statement,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has %2 ' || quote(%2) || ', not 0 or 1'"
-     ", 'a client that looks for 1 does not mark it as a favourite'"
+     "SELECT 'Service ' || Pid, 'has %2 ' || quote(%2) || ', not 0 or 1'"
+     ", 'a client that looks for 1 does not mark ' || ifnull(Name, 'it') || ' as a favourite'"
      ", 'UPDATE Service SET %2 = 1 WHERE Pid = ' || Pid"
      " FROM Service WHERE %2 NOT IN (0, 1)"
      " AND Pid IN (SELECT ServiceId FROM FavoriteItem WHERE FavoriteId = %1)"},

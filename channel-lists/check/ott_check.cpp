@@ -59,11 +59,13 @@ void checkOtt(Findings& findings) {
                                     " = lower('") +
                             kTable + "')") == 0)
             return;  // which means no OTT channels
-        addRows(std::string("SELECT 'favIndex of ' || ifnull(favName, 'NULL') || ' is ' ||"
-                            " quote(favIndex) || ', no number' FROM ") +
+        addRows(std::string(
+                    "SELECT 'favIndex of ' || ifnull(favName, 'NULL') || ' is ' ||"
+                    " quote(favIndex) || ', no number' || CASE count(*) WHEN 1 THEN '' ELSE ', in '"
+                    " || count(*) || ' rows' END FROM ") +
                     kTable +
                     " WHERE typeof(favIndex) <> 'integer' OR favIndex NOT BETWEEN 0 AND"
-                    " 2147483647",
+                    " 2147483647 GROUP BY favName, favIndex",
                 "no number is kept free for the channel", "its owner has to give it a number",
                 findings);
         addRows(

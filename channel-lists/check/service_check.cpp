@@ -18,6 +18,15 @@ namespace {
 #define EVERY_SATELLITE_TUNER                                                                \
     "(SELECT 'DvbSTuner' AS Kind, TunerId, Satellite, Polarization FROM DvbSTuner UNION ALL" \
     " SELECT 'DvbS2Tuner', TunerId, Satellite, Polarization FROM DvbS2Tuner)"
+// Those of a transponder.
+#define SERVICES \
+    "min(Name) || CASE count(*) WHEN 1 THEN '' ELSE ' and ' || (count(*) - 1) || ' more' END"
+// A text of digits does as well as the number.
+#define IS_NO_ID(column)                                                                        \
+    "(CAST(" #column " AS TEXT) <> CAST(CAST(" #column " AS INTEGER) AS TEXT) OR CAST(" #column \
+    " AS INTEGER) NOT BETWEEN 0 AND 65535)"
+#define NO_ID(column) \
+    "CASE WHEN " IS_NO_ID(column) " THEN '" #column " ' || quote(" #column ") || ', ' ELSE '' END"
 // Which kinds of delivery a transponder's row is there for.
 #define EVERY_KIND                                                                            \
     "(SELECT 2 AS Kind, TunerId FROM DvbTTuner UNION ALL SELECT 3, TunerId FROM DvbCTuner"    \
@@ -27,9 +36,9 @@ namespace {
 // clang-format off
 constexpr Rule kRules[] = {
     {"service-uuid", Severity::Seen, Mend::Decision,
-     "SELECT 'Service ' || Pid, quote(Name) || CASE ifnull(Uuid, '') WHEN '' THEN ' has no uuid'"
-     " ELSE ': its uuid ' || why_foul_text(Uuid) END"
-     ", 'the service is shown, but no request can name it'"
+     "SELECT 'Service ' || Pid, CASE ifnull(Uuid, '') WHEN '' THEN 'has no uuid'"
+     " ELSE 'its uuid ' || why_foul_text(Uuid) END"
+     ", ifnull(Name, 'the service') || ' is shown, but no request can name it'"
      ", 'UPDATE Service SET Uuid = ... WHERE Pid = ' || Pid"
      " FROM Service WHERE why_foul_text(Uuid) IS NOT NULL"},
 
@@ -54,14 +63,15 @@ constexpr Rule kRules[] = {
      " FROM FavoriteItem WHERE NOT EXISTS (SELECT 1 FROM Service) HAVING count(*) > 0"},
 
     {"service-in-no-list", Severity::Seen, Mend::Decision,
-     "SELECT 'Service ' || Pid, quote(Name) || ' stands in no list'"
-     ", 'nothing shows the service'"
+     "SELECT 'Service ' || Pid, 'stands in no list'"
+     ", 'nothing shows ' || ifnull(Name, 'the service')"
      ", 'put it into the All list, or remove it and its rows'"
      " FROM Service WHERE Pid NOT IN (SELECT ServiceId FROM FavoriteItem WHERE ServiceId IS NOT NULL)"},
 
     {"service-not-in-all", Severity::Seen, Mend::Decision,
-     "SELECT 'Service ' || Pid, quote(Name) || ' is not in the All list'"
-     ", 'the list of all services lacks it, and it cannot be added to a FAV list there'"
+     "SELECT 'Service ' || Pid, 'is not in the All list'"
+     ", 'the list of all services lacks ' || ifnull(Name, 'it') || ', which cannot be added to a"
+     " FAV list there'"
      ", 'at which number: INSERT INTO FavoriteItem (ServiceId, FavoriteId, OriginalFavoriteId, ChannelNum) ...'"
      " FROM Service WHERE Pid IN (SELECT ServiceId FROM FavoriteItem JOIN FavoriteList l ON"
      " FavoriteId = l.Pid AND Creator NOT LIKE 'tamun.sl2.servicelist$%')"
@@ -71,8 +81,8 @@ constexpr Rule kRules[] = {
      " AND EXISTS (SELECT 1 FROM FavoriteList WHERE Creator = 'tamun.sl2.servicelist$all')"},
 
     {"service-without-delivery", Severity::Seen, Mend::Decision,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has no row in AnalogService or DvbService'"
-     ", 'no list shows the service; ' || count(*) || ' of them hold it'"
+     "SELECT 'Service ' || Pid, 'has no row in AnalogService or DvbService'"
+     ", 'no list shows ' || ifnull(Name, 'the service') || '; ' || count(*) || ' of them hold it'"
      ", 'give it its row by a new scan, or remove it with its entries'"
      " FROM FavoriteItem i JOIN Service s ON s.Pid = i.ServiceId"
      " WHERE Pid NOT IN (SELECT ServiceId FROM AnalogService WHERE ServiceId IS NOT NULL)"
@@ -80,18 +90,16 @@ constexpr Rule kRules[] = {
      " GROUP BY Pid"},
 
     {"ids", Severity::Tuning, Mend::Decision,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has the triplet ' || quote(Oid) || ', ' || quote(Tid)"
-     " || ', ' || quote(Sid) || ', and ids have 16 bits'"
-     ", 'the service is not found on its transponder'"
+     "SELECT 'Service ' || Pid, 'has ' || " NO_ID(Oid) " || " NO_ID(Tid) " || " NO_ID(Sid)
+     " || 'and ids have 16 bits'"
+     ", ifnull(Name, 'the service') || ' is not found on its transponder'"
      ", 'UPDATE DvbService SET Oid = ..., Tid = ..., Sid = ... WHERE ServiceId = ' || Pid"
      " FROM DvbService JOIN Service ON Pid = ServiceId WHERE Oid NOT NULL AND Tid NOT NULL"
-     " AND Sid NOT NULL AND (typeof(Oid) <> 'integer' OR"
-     " typeof(Tid) <> 'integer' OR typeof(Sid) <> 'integer' OR Oid NOT BETWEEN 0 AND 65535"
-     " OR Tid NOT BETWEEN 0 AND 65535 OR Sid NOT BETWEEN 0 AND 65535)"},
+     " AND Sid NOT NULL AND (" IS_NO_ID(Oid) " OR " IS_NO_ID(Tid) " OR " IS_NO_ID(Sid) ")"},
 
     {"ids", Severity::Tuning, Mend::Decision,
      "SELECT 'Tuner ' || t.TunerId, 'NITId is ' || quote(NITId) || ', and ids have 16 bits'"
-     ", 'the network of ' || count(*) || ' services is not found, ' || min(Name) || ' among them'"
+     ", 'the network of ' || " SERVICES " || ' is not found'"
      ", 'which network: UPDATE Tuner SET NITId = ... WHERE TunerId = ' || t.TunerId"
      " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
      " WHERE NITId NOT NULL AND (typeof(NITId) <> 'integer' OR NITId NOT BETWEEN 0 AND 65535)"
@@ -106,14 +114,14 @@ constexpr Rule kRules[] = {
      " GROUP BY TunerId, Oid, Tid, Sid HAVING count(*) > 1 AND count(DISTINCT Name) > 1"},
 
     {"sid", Severity::Tuning, Mend::Decision,
-     "SELECT 'Service ' || Pid, quote(Name) || ' has Sid 0'"
-     ", 'no programme has this number: the service cannot be tuned'"
+     "SELECT 'Service ' || Pid, 'has Sid 0, which no programme has'"
+     ", ifnull(Name, 'the service') || ' cannot be tuned'"
      ", 'scan the transponder anew'"
      " FROM DvbService JOIN Service ON Pid = ServiceId WHERE Sid = 0 AND Type IN (2, 3, 4, 6, 7, 8)"},
 
     {"frequency", Severity::Tuning, Mend::Decision,
      "SELECT 'Tuner ' || t.TunerId, 'Frequency is ' || quote(Frequency) || ', no frequency'"
-     ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
+     ", " SERVICES " || ' cannot be tuned'"
      ", 'scan the transponder anew'"
      " FROM " EVERY_TUNER " t JOIN DvbService d USING (TunerId) JOIN Service ON Pid = ServiceId"
      " WHERE Frequency NOT NULL AND (typeof(Frequency) <> 'integer' OR Frequency NOT BETWEEN 1 AND"
@@ -122,7 +130,7 @@ constexpr Rule kRules[] = {
     {"satellite", Severity::Tuning, Mend::Decision,
      "SELECT Kind || ' ' || t.TunerId, 'Satellite is ' || quote(Satellite)"
      " || ', Polarization ' || quote(Polarization)"
-     ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
+     ", " SERVICES " || ' cannot be tuned'"
      ", 'scan the transponder anew'"
      " FROM " EVERY_SATELLITE_TUNER " t JOIN DvbService USING (TunerId) JOIN Service ON Pid ="
      " ServiceId WHERE Satellite NOT NULL AND Polarization NOT NULL AND"
@@ -173,14 +181,14 @@ constexpr Rule kRules[] = {
 constexpr Rule kFrontends[] = {
     {"frontend", Severity::Tuning, Mend::Decision,
      "SELECT 'Tuner ' || t.TunerId, 'Frontend is ' || quote(Frontend) || ', no delivery system'"
-     ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
+     ", " SERVICES " || ' cannot be tuned'"
      ", 'UPDATE Tuner SET Frontend = ... WHERE TunerId = ' || t.TunerId"
      " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
      " WHERE Frontend NOT NULL AND (typeof(Frontend) <> 'integer' OR Frontend NOT BETWEEN 1 AND 8)"
      " GROUP BY t.TunerId"},
     {"frontend", Severity::Tuning, Mend::Statement,
      "SELECT 'Tuner ' || t.TunerId, 'Frontend is ' || Frontend || ', and its services are of Type ' || min(Type)"
-     ", count(*) || ' services cannot be tuned, ' || min(Name) || ' among them'"
+     ", " SERVICES " || ' cannot be tuned'"
      ", 'UPDATE Tuner SET Frontend = ' || min(Type) || ' WHERE TunerId = ' || t.TunerId"
      " FROM Tuner t JOIN DvbService USING (TunerId) JOIN Service ON Pid = ServiceId"
      " JOIN " EVERY_KIND " k ON k.TunerId = t.TunerId AND Kind = Type"

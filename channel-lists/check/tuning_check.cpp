@@ -13,6 +13,7 @@ namespace channel_lists {
 namespace {
 
 struct Quantity {
+    char family;  // kinds of delivery that one program writes alike
     char const* table;
     char const* column;
     double ranges[3][2];  // in Hz or Bd, what there is in air and cable
@@ -34,11 +35,11 @@ constexpr double kMega = 1e6, kGiga = 1e9;
     }
 
 constexpr Quantity kQuantities[] = {
-    {"DvbTTuner", "Frequency", CABLE},     {"DvbT2Tuner", "Frequency", CABLE},
-    {"DvbCTuner", "Frequency", CABLE},     {"DvbC2Tuner", "Frequency", CABLE},
-    {"DvbSTuner", "Frequency", SATELLITE}, {"DvbS2Tuner", "Frequency", SATELLITE},
-    {"DvbCTuner", "SymbolRate", SYMBOLS},  {"DvbSTuner", "SymbolRate", SYMBOLS},
-    {"DvbS2Tuner", "SymbolRate", SYMBOLS},
+    {'T', "DvbTTuner", "Frequency", CABLE},     {'T', "DvbT2Tuner", "Frequency", CABLE},
+    {'C', "DvbCTuner", "Frequency", CABLE},     {'C', "DvbC2Tuner", "Frequency", CABLE},
+    {'S', "DvbSTuner", "Frequency", SATELLITE}, {'S', "DvbS2Tuner", "Frequency", SATELLITE},
+    {'C', "DvbCTuner", "SymbolRate", SYMBOLS},  {'S', "DvbSTuner", "SymbolRate", SYMBOLS},
+    {'S', "DvbS2Tuner", "SymbolRate", SYMBOLS},
 };
 
 #undef CABLE
@@ -57,6 +58,8 @@ constexpr int kNone = -1;
 
 // The one unit in which the value is possible.
 int unitOf(Quantity const& quantity, std::int64_t value) {
+    if (value <= 0)
+        return kNone;
     for (std::size_t unit = 0; unit < kUnits.size(); ++unit)
         for (auto const& range : quantity.ranges) {
             double const size = static_cast<double>(value) * static_cast<double>(kUnits[unit].size);
@@ -93,25 +96,38 @@ std::string nameOf(Quantity const& quantity, int unit) {
     return quantity.column[0] == 'F' ? named.frequency : named.symbolRate;
 }
 
-// From one unit to another, where the number is a whole one in it.
+// From one unit to another, of the rows that hold a number in it.
 std::string conversion(Quantity const& quantity, Value const& value, int unit) {
     auto const from = kUnits[static_cast<std::size_t>(value.unit)].size;
     auto const to = kUnits[static_cast<std::size_t>(unit)].size;
     std::string const column = quantity.column;
-    return "UPDATE " + std::string(quantity.table) + " SET " + column + " = " +
-           std::to_string(value.value * from / to) + " WHERE " + column + " = " +
-           std::to_string(value.value);
+    return "UPDATE " + std::string(quantity.table) + " SET " + column + " = " + column +
+           (from > to ? " * " + std::to_string(from / to) : " / " + std::to_string(to / from)) +
+           " WHERE TunerId IN (" + value.keys + ")";
 }
 
-// What most rows of all tables use, because one program wrote them; the library's where as many use
-// another.
-int usualUnit(std::map<int, std::int64_t> const& services) {
-    constexpr int kKilo = 1;
+// By their units.
+struct Services {
+    std::map<int, std::int64_t> counts;
+    int values = 0;
+
+    void add(Value const& value) {
+        if (value.unit == kNone)
+            return;
+        counts[value.unit] += value.services;
+        ++values;
+    }
+};
+
+// What most services use; `tied` where as many use another.
+int usualUnit(Services const& services, int tied) {
     int usual = kNone;
-    for (auto const& [unit, count] : services)
-        if (unit != kNone && (usual == kNone || count > services.at(usual) ||
-                              (count == services.at(usual) && unit == kKilo)))
-            usual = unit;
+    std::int64_t most = -1;
+    for (auto const& [unit, count] : services.counts) {
+        if (count >= most)
+            usual = count == most ? tied : unit;
+        most = std::max(most, count);
+    }
     return usual;
 }
 
@@ -125,6 +141,23 @@ bool agree(std::vector<Value> const& values) {
                                     });
 }
 
+// All that one table holds in a unit of its own is one value, the first.
+std::vector<Value> byUnit(std::vector<Value> const& values) {
+    std::vector<Value> groups;
+    for (Value const& value : values) {
+        auto const group = std::find_if(groups.begin(), groups.end(), [&](Value const& each) {
+            return each.unit == value.unit && value.unit != kNone;
+        });
+        if (group == groups.end()) {
+            groups.push_back(value);
+            continue;
+        }
+        group->keys += ", " + value.keys;
+        group->services += value.services;
+    }
+    return groups;
+}
+
 void judge(Quantity const& quantity, Value const& value, int usual, Findings& findings) {
     // A frequency of 0, or beyond all that there is, is another rule's.
     bool const isFrequency = quantity.column[0] == 'F';
@@ -136,7 +169,8 @@ void judge(Quantity const& quantity, Value const& value, int usual, Findings& fi
                     std::string(quantity.table) + " " + value.keys,
                     stored + (isFrequency ? ", no frequency of this kind of delivery"
                                           : ", and there are 1 to 60 million symbols a second"),
-                    std::to_string(value.services) + " services cannot be tuned",
+                    std::to_string(value.services) +
+                        (value.services == 1 ? " service" : " services") + " cannot be tuned",
                     decision("scan the transponder anew")};
     if (value.unit != kNone) {
         finding.what = stored + ", in " + nameOf(quantity, value.unit) +
@@ -148,19 +182,26 @@ void judge(Quantity const& quantity, Value const& value, int usual, Findings& fi
 
 void checkColumn(std::string const& column, Findings& findings) {
     std::map<Quantity const*, std::vector<Value>> all;
-    std::map<int, std::int64_t> services;
+    Services everywhere;
+    std::map<char, Services> families;
     for (Quantity const& quantity : kQuantities) {
         if (column != quantity.column)
             continue;
         all[&quantity] = valuesOf(quantity);
-        for (Value const& value : all[&quantity])
-            services[value.unit] += value.services;
+        for (Value const& value : all[&quantity]) {
+            everywhere.add(value);
+            families[quantity.family].add(value);
+        }
     }
-    int const usual = usualUnit(services);
-    for (auto const& [quantity, values] : all)
-        for (Value const& value : values)
-            if (!agree(values))
-                judge(*quantity, value, usual, findings);
+    constexpr int kKilo = 1;  // the library's
+    int const usual = usualUnit(everywhere, kKilo);
+    for (auto const& [quantity, values] : all) {
+        Services const& family = families[quantity->family];
+        int const own = family.values > 1 ? usualUnit(family, usual) : usual;
+        if (!agree(values))
+            for (Value const& value : byUnit(values))
+                judge(*quantity, value, own, findings);
+    }
 }
 
 }  // namespace

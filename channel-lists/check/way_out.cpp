@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <unordered_set>
 
+#include "check/grouping.h"
 #include "database/frozen_database.h"
 #include "database/query.h"
 
@@ -18,7 +20,17 @@ using Look = std::function<Findings()>;
 using Tried = std::vector<Finding*>;
 using Counts = std::map<std::string, std::int64_t>;  // of rows, by their tables
 
-std::string nameOf(Finding const& finding) { return finding.rule + " of " + finding.row; }
+// Its rows, each by the rule: a mended one may leave its group.
+std::vector<std::string> namesOf(Finding const& finding) {
+    RowName const row = rowName(finding.row);
+    if (row.keys.empty())
+        return {finding.rule + " of " + finding.row};
+    std::vector<std::string> names;
+    names.reserve(row.keys.size());
+    for (std::string const& key : row.keys)
+        names.push_back(finding.rule + " of " + row.table + key);
+    return names;
+}
 
 Counts countRows() {
     Counts counts;
@@ -30,9 +42,7 @@ Counts countRows() {
 
 // The rows that "FavoriteItem 812, 813" names.
 void addNamed(std::string const& row, Counts& named) {
-    auto const blank = row.find(' ');
-    if (blank != std::string::npos)
-        named[row.substr(0, blank)] += 1 + std::count(row.begin(), row.end(), ',');
+    named[row.substr(0, row.find(' '))] += static_cast<std::int64_t>(rowName(row).keys.size());
 }
 
 std::string whatIsLost(Counts const& before, Tried const& tried) {
@@ -50,16 +60,22 @@ std::string whatIsLost(Counts const& before, Tried const& tried) {
 }
 
 std::string whatIsWrong(Findings const& before, Findings const& after, Tried const& tried) {
-    std::set<std::string> known, left;
+    std::unordered_set<std::string> known, left;
     for (Finding const& finding : before)
-        known.insert(nameOf(finding));
+        for (std::string const& name : namesOf(finding))
+            known.insert(name);
     for (Finding const& finding : after) {
-        left.insert(nameOf(finding) + finding.what);
-        if (known.count(nameOf(finding)) == 0)
-            return "then there is " + nameOf(finding) + ": " + finding.what;
+        for (std::string const& name : namesOf(finding)) {
+            left.insert(name + finding.what);
+            if (known.count(name) == 0)
+                return "then there is " + name + ": " + finding.what;
+        }
     }
     bool const isLeft = std::any_of(tried.begin(), tried.end(), [&](Finding const* finding) {
-        return left.count(nameOf(*finding) + finding->what) != 0;
+        std::vector<std::string> const names = namesOf(*finding);
+        return std::any_of(names.begin(), names.end(), [&](std::string const& name) {
+            return left.count(name + finding->what) != 0;
+        });
     });
     return isLeft ? "the finding stays" : "";
 }

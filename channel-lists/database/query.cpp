@@ -70,6 +70,7 @@ std::int64_t Query::number(int column) const {
 }
 
 int Query::columns() const { return sqlite3_column_count(statement_.get()); }
+std::string Query::name(int column) const { return sqlite3_column_name(statement_.get(), column); }
 
 std::int64_t queryNumber(sqlite3* connection, std::string const& sql) {
     Query query(connection, sql);

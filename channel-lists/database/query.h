@@ -36,6 +36,7 @@ class Query {
     std::string text(int column) const;  // "" for NULL
     std::int64_t number(int column) const;
     int columns() const;
+    std::string name(int column) const;
 
   private:
     struct Finalizer {

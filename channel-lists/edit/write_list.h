@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "edit/seen_list.h"
-#include "undo/undo_store.h"
+#include "kept/undo_store.h"
 
 namespace channel_lists {
 

@@ -38,18 +38,21 @@ std::string folded(std::string const& text) {
 std::size_t editDistance(std::string const& from, std::string const& to) {
     auto const a = charactersOf(from);
     auto const b = charactersOf(to);
-    std::vector<std::size_t> row(b.size() + 1);  // for the beginning of `a` that is looked at
-    std::iota(row.begin(), row.end(), std::size_t{0});
+    // Row i, column j: between the first i characters of `a` and the first j of `b`.
+    std::vector<std::vector<std::size_t>> distance(a.size() + 1,
+                                                   std::vector<std::size_t>(b.size() + 1));
+    std::iota(distance[0].begin(), distance[0].end(), std::size_t{0});
     for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
+        distance[i][0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            std::size_t const replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
+            std::size_t const replaced = distance[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            distance[i][j] = std::min({distance[i - 1][j] + 1, distance[i][j - 1] + 1, replaced});
+            bool const areSwapped = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
+            if (areSwapped)
+                distance[i][j] = std::min(distance[i][j], distance[i - 2][j - 2] + 1);
         }
     }
-    return row.back();
+    return distance.back().back();
 }
 
 }  // namespace channel_lists

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "undo/undo_store.h"
+#include "kept/undo_store.h"
 
 namespace channel_lists {
 

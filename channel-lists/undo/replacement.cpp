@@ -6,11 +6,12 @@
 
 #include <filesystem>
 
+#include "database/content_digest.h"
 #include "database/query.h"
 #include "database/session.h"
 #include "database/waiting.h"
 #include "failure.h"
-#include "undo/undo_store.h"
+#include "kept/undo_store.h"
 
 namespace channel_lists {
 namespace {
@@ -110,10 +111,11 @@ std::string bringBack(std::string const& file, std::string const& database,
     std::string changes = exists ? changesOf(database) : std::string();
     if (replacement.dryRun)
         return changes;
+    std::string const content = contentDigest(db);
     UndoStore undo(database, exists && !replacement.command.empty());
     undo.keepDatabase(replacement.command, replacement.undoes);
     (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
-    undo.confirm();
+    undo.confirm(content);
     return changes;
 }
 

@@ -4,6 +4,7 @@ import gzip
 import http.client
 import json
 import os
+import shutil
 import signal
 import socket
 import sqlite3
@@ -272,6 +273,51 @@ class Together(Story):
             page.wait(lambda: page.find("#save").is_enabled())
             page.save()
         self.assertEqual(world.names("FAV1"), [names[0], *names[2:]])
+
+
+    def test_a_database_that_is_moved_or_another_is_told_and_the_work_kept(self):
+        world = self.world
+        world.serve()
+        page = world.browser()
+        names = world.names("FAV1")
+        page.row(0, names[2]).click()
+        page.press("top", 0)
+        other = World()
+        self.addCleanup(other.close)
+        other.execute("UPDATE FavoriteList SET Uuid = 'x' || Uuid")
+        before = other.content("FAV1")
+        os.rename(world.database, world.database + ".away")
+        page.wait(lambda: "there is no database" in page.text("#trouble"))
+        shutil.copy(other.database, world.database)
+        page.wait(lambda: "has other lists now" in page.text("#trouble"))
+        page.press("save")
+        page.wait(lambda: "no such list any more" in page.text("#trouble"))
+        page.driver.refresh()
+        page.wait(lambda: "for lists that this database does not have" in page.text("#trouble"))
+        self.assertEqual(world.content("FAV1"), before)
+        os.rename(world.database + ".away", world.database)
+        page.driver.refresh()
+        page.wait(lambda: page.rows(0) and page.rows(0)[0][1] == names[2])
+        page.save()
+        self.assertEqual(world.names("FAV1"), [names[2], *names[:2], *names[3:]])
+
+    def test_every_width_has_everything_in_reach(self):
+        self.world.serve()
+        page = self.world.browser()
+        for width in (320, 720, 1280, 3840):
+            page.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+                "width": width, "height": 740, "deviceScaleFactor": 1, "mobile": False})
+            outside = page.run("""
+                const shown = [...document.querySelectorAll('button, select, input, summary, .row .name')]
+                    .filter((each) => each.checkVisibility() && !each.closest('.row[hidden]'));
+                return [shown.length < 20, document.documentElement.scrollWidth > innerWidth]
+                    .concat(shown.filter((each) => each.getBoundingClientRect().right > innerWidth
+                        || each.getBoundingClientRect().left < 0).map((each) => each.outerHTML));""")
+            self.assertEqual(outside, [False, False], width)
+        page.run("dispatchEvent(new Event('beforeprint'))")
+        page.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": "print"})
+        self.assertEqual(page.text("#print").split("\n\n")[:2], ["FAV1", "1 NPO 1"])
+        self.assertFalse(page.find("main").is_displayed())
 
 
 class Strangers(Story):

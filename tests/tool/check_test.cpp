@@ -37,7 +37,7 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
         {"UPDATE FavoriteList SET Attributes = 'x' WHERE Pid = 21",
          "FavoriteList 21: Attributes is 'x', no number", "overview of lists lacks Astra", nullptr},
         {"DELETE FROM Service WHERE Pid = 2",
-         "FavoriteItem 8: names service 2, which does not exist", "Mine lacks number 2", nullptr},
+         "FavoriteItem 2, 8: names service 2, which does not exist", "all lacks number 2", nullptr},
         {"DELETE FROM Service", "Service: holds no row, and 14 entries of lists name services",
          "no list shows anything", nullptr},
         {"UPDATE FavoriteItem SET ServiceId = NULL WHERE Id = 8", "names service NULL",
@@ -49,8 +49,8 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
          "FavoriteItem 8: comes from list 99, which does not exist", "without a network",
          "UPDATE FavoriteItem SET OriginalFavoriteId = FavoriteId WHERE OriginalFavoriteId IS 99"},
         {"DELETE FROM DvbService WHERE ServiceId = 4",
-         "Service 4: 'テレビ東京' has no row in AnalogService or DvbService",
-         "no list shows the service; 1 of them hold it", nullptr},
+         "Service 4: has no row in AnalogService or DvbService",
+         "no list shows テレビ東京; 1 of them hold it", nullptr},
         {"UPDATE FavoriteItem SET ChannelNum = 'x' WHERE Id = 8",
          "FavoriteItem 8: ChannelNum is 'x', no number", "in the wrong place", nullptr},
         {"UPDATE FavoriteItem SET ChannelNum = 1 WHERE Id = 8",
@@ -59,19 +59,18 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
          "(3, 11, 11, 9)",
          "name service 3 again in Mine", "shown more than once", nullptr},
         {"UPDATE Service SET FavTag3 = 1 WHERE Pid = 1",
-         "Service 1: 'Das Erste' has FavTag3 1, but is not in FAV3", "FAV3 does not show",
+         "Service 1: has FavTag3 1, but is not in FAV3", "FAV3 does not show",
          "UPDATE Service SET FavTag3 = 0 WHERE Pid = 1"},
-        {"UPDATE Service SET FavTag = 0 WHERE Pid = 1",
-         "Service 1: 'Das Erste' has FavTag 0, but is in FAV1", "not marked as a favourite",
-         "UPDATE Service SET FavTag = 1 WHERE Pid = 1"},
+        {"UPDATE Service SET FavTag = 0 WHERE Pid = 1", "Service 1: has FavTag 0, but is in FAV1",
+         "not marked as a favourite", "UPDATE Service SET FavTag = 1 WHERE Pid = 1"},
         {"UPDATE Service SET Encrypted = NULL WHERE Pid = 3",
          "Service 3: Encrypted is NULL, no number",
          "takes it as 0 for VOX, in all (number 3), FAV1 (number 3), FAV2 (number 1)",
-         "UPDATE Service SET Encrypted = 0 WHERE Pid = 3"},
+         "UPDATE Service SET Encrypted = 0 WHERE Encrypted IS NULL"},
         {"UPDATE FavoriteItem SET Selectable = NULL WHERE Id = 8",
          "FavoriteItem 8: Selectable is NULL, no number", "ZDF HD, in FAV1 (number 2)", nullptr},
         {"DELETE FROM Tuner WHERE TunerId = (SELECT TunerId FROM DvbService WHERE ServiceId = 4)",
-         "Service 4: Tuner has no row with TunerId 4",
+         "Tuner 4: does not exist, and DvbService names it",
          "is shown, but cannot be tuned, in all (number 4)", nullptr},
         {"UPDATE Service SET Type = 12 WHERE Pid = 2", "Service 2: Type 12 is no kind of delivery",
          "cannot be tuned", nullptr},
@@ -118,7 +117,7 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
          nullptr},
         {"UPDATE Service SET FavTag = 2 WHERE Pid = 1", "has FavTag 2, not 0 or 1", "",
          "UPDATE Service SET FavTag = 1 WHERE Pid = 1"},
-        {"UPDATE Service SET Uuid = '' WHERE Pid = 2", "Service 2: 'ZDF HD' has no uuid", "",
+        {"UPDATE Service SET Uuid = '' WHERE Pid = 2", "Service 2: has no uuid", "ZDF HD is shown",
          nullptr},
         {"UPDATE Service SET Uuid = 'service-1' WHERE Pid = 2",
          "Service 1, 2: share the uuid 'service-1'", "may mean the other", nullptr},
@@ -127,13 +126,12 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
         {"UPDATE Service SET Name = 'A' || char(0) WHERE Pid = 2", "2: its name holds a NUL", "",
          nullptr},
         {"UPDATE Service SET Name = '' WHERE Pid = 2", "Service 2: its name is empty", "", nullptr},
-        {"DELETE FROM FavoriteItem WHERE ServiceId = 4", "'テレビ東京' stands in no list", "",
-         nullptr},
+        {"DELETE FROM FavoriteItem WHERE ServiceId = 4", "Service 4: stands in no list",
+         "テレビ東京", nullptr},
         {"DELETE FROM FavoriteItem WHERE ServiceId = 3 AND FavoriteId = 1",
-         "Service 3: 'VOX' is not in the All list", "lacks it", nullptr},
+         "Service 3: is not in the All list", "lacks VOX", nullptr},
         {"UPDATE DvbService SET Sid = 65536 WHERE ServiceId = 2",
-         "Service 2: 'ZDF HD' has the triplet 1, 1011, 65536, and ids have 16 bits", "not found",
-         nullptr},
+         "Service 2: has Sid 65536, and ids have 16 bits", "not found", nullptr},
         {"UPDATE DvbService SET Oid = 1, Tid = 1011, Sid = 11110, TunerId = (SELECT TunerId FROM "
          "DvbService WHERE ServiceId = 2) WHERE ServiceId = 3",
          "Service 2, 3: have the triplet 1, 1011, 11110 on one transponder", "same programme",
@@ -209,16 +207,36 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
          "CAST(CAST(CAST(FavoriteId AS TEXT) AS INTEGER) AS TEXT)"},
         {"UPDATE DvbSTuner SET Frequency = 11362 WHERE TunerId = 3",
          "DvbSTuner 3: Frequency is 11362, in MHz, and the others are in kHz", "cannot be tuned",
-         "UPDATE DvbSTuner SET Frequency = 11362000 WHERE Frequency = 11362"},
+         "UPDATE DvbSTuner SET Frequency = Frequency * 1000 WHERE TunerId IN (3)"},
+        {"UPDATE DvbSTuner SET Frequency = 11362000000 WHERE TunerId = 3",
+         "DvbSTuner 3: Frequency is 11362000000, in Hz, and the others are in kHz",
+         "1 service cannot",
+         "UPDATE DvbSTuner SET Frequency = Frequency / 1000 WHERE TunerId IN (3)"},
+        {"UPDATE DvbCTuner SET Frequency = 330000000 WHERE TunerId = 5",
+         "DvbCTuner 5: Frequency is 330000000, in Hz, and the others are in kHz", "",
+         "UPDATE DvbCTuner SET Frequency = Frequency / 1000 WHERE TunerId IN (5)"},
+        {"UPDATE Service SET Type = 4 WHERE Pid = 4; UPDATE Tuner SET Frontend = 4 WHERE TunerId = "
+         "4;"
+         " INSERT INTO DvbSTuner (TunerId, Frequency, SymbolRate, Satellite) SELECT 4, 12188000,"
+         " SymbolRate, Satellite FROM DvbSTuner WHERE TunerId = 3; UPDATE DvbSTuner SET Frequency ="
+         " 11000 + TunerId WHERE TunerId < 4",
+         "DvbSTuner 1, 3: Frequency is 11001, in MHz, and the others are in kHz", "2 services",
+         "UPDATE DvbSTuner SET Frequency = Frequency * 1000 WHERE TunerId IN (1, 3)"},
+        {"UPDATE Service SET Visible = 'yes' WHERE Pid > 1",
+         "Service 2, 3, 4, 5, 6 and 1 more: Visible is 'yes', no number", "so it is with 5 others",
+         nullptr},
+        {"UPDATE Service SET FavTag3 = 1 WHERE Pid IN (2, 5)",
+         "Service 2, 5: has FavTag3 1, but is not in FAV3", "ZDF HD is marked",
+         "UPDATE Service SET FavTag3 = 0 WHERE Pid IN (2, 5)"},
         {"UPDATE DvbSTuner SET SymbolRate = 22000000 WHERE TunerId = 3",
          "SymbolRate is 22000000, in Bd, and the others are in kBd", "",
-         "UPDATE DvbSTuner SET SymbolRate = 22000 WHERE SymbolRate = 22000000"},
+         "UPDATE DvbSTuner SET SymbolRate = SymbolRate / 1000 WHERE TunerId IN (3)"},
         {"UPDATE DvbSTuner SET SymbolRate = 0 WHERE TunerId = 3", "DvbSTuner 3: SymbolRate is 0",
          "cannot be tuned", nullptr},
         {"UPDATE Tuner SET Frontend = 2 WHERE TunerId = 1",
          "Tuner 1: Frontend is 2, and its services are of Type 4", "",
          "UPDATE Tuner SET Frontend = 4 WHERE TunerId = 1"},
-        {"UPDATE DvbService SET Sid = 0 WHERE ServiceId = 2", "Service 2: 'ZDF HD' has Sid 0",
+        {"UPDATE DvbService SET Sid = 0 WHERE ServiceId = 2", "Service 2: has Sid 0",
          "cannot be tuned", nullptr},
         {"UPDATE Service SET Name = 'A' || char(8238) WHERE Pid = 2",
          "2: its name holds controls, or letters that turn", "", nullptr},
@@ -227,8 +245,8 @@ TEST_F(ToolTest, FindsEachFaultAndAWayOutThatMendsItAlone) {
         {"UPDATE Service SET Name = ' ' || char(160) WHERE Pid = 2", "Service 2: its name is blank",
          "", nullptr},
         {"UPDATE FavoriteItem SET isDeleted = 1 WHERE ServiceId = 2 AND FavoriteId = 1",
-         "FavoriteItem 8: service 2 is hidden in the All list, and shown in Mine", "favourites",
-         nullptr},
+         "FavoriteItem 8: the service is hidden in the All list, and shown in Mine",
+         "service 2 is gone", nullptr},
         {"UPDATE FavoriteItem SET isDeleted = 1 WHERE FavoriteId = 11",
          "FavoriteList 11: all 4 entries of Mine are hidden", "looks empty", nullptr},
     };
@@ -257,6 +275,10 @@ TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
         "ALTER TABLE FavoriteItem ADD COLUMN Twice AS (ChannelNum * 2); ALTER TABLE Service ADD "
         "COLUMN"
         " Sort TEXT COLLATE RTRIM; CREATE TABLE Foreign1 (a); DROP TABLE Foreign1",
+        "CREATE TABLE Big AS WITH n(i) AS (SELECT 1 UNION SELECT i + 1 FROM n WHERE i < 99) SELECT"
+        " randomblob(900) FROM n; DROP TABLE Big; CREATE TABLE Lost (a); PRAGMA writable_schema = "
+        "1;"
+        " DELETE FROM sqlite_master WHERE name = 'Lost'",  // pages that are free, and one of nobody
         "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = replace(sql, 'bissKey          "
         "   TEXT',"
         " 'bissKey TEXT COLLATE klingon')",
@@ -274,6 +296,21 @@ TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
         change(sql);
         expect({"check", 0, "No findings.\n", nullptr});
     }
+    using namespace channel_database;
+    std::filesystem::remove(folder / "set.db");
+    sqlite3* opened = nullptr;
+    sqlite3_open((folder / "set.db").c_str(), &opened);
+    sqlite3_exec(opened, "PRAGMA encoding = 'UTF-16'", nullptr, nullptr, nullptr);
+    ChannelDatabase d(opened);
+    auto const all = d.list("tamun.sl2.servicelist$all", 1).name("$all").uuid("u-all");
+    for (int i = 1; i <= 4; ++i)
+        d.list("User.tvFAV" + std::to_string(i), 10 + i)
+            .name("FAV" + std::to_string(i))
+            .uuid("u" + std::to_string(i));
+    d.put(all, d.dvbs("テレビ東京", 1), 1);
+    d.put(all, d.dvbs2("ZDF HD", 2), 2);
+    expect({"check", 0, "No findings.\n", nullptr});
+    sqlite3_close(opened);
 }
 
 TEST_F(ToolTest, CountsFindingsAndShortensLongOnes) {
@@ -337,10 +374,24 @@ TEST_F(ToolTest, MendsWhatIsCertainAndTakesItBack) {
 }
 
 TEST_F(ToolTest, ExaminesTheOttDatabase) {
-    ott({2, 9, 9});
+    ott({2, 9, 9, -1, -1});
     output("check", 1);
     EXPECT_THAT(out, HasSubstr("number 2 of FAV1, and so has service 2 (ZDF HD)"));
+    EXPECT_THAT(out, HasSubstr("renumbering moves ZDF HD"));
     EXPECT_THAT(out, HasSubstr("2 OTT channels have number 9 of FAV1"));
+    EXPECT_THAT(out, HasSubstr("favIndex of FAV1 is -1, no number, in 2 rows"));
+    std::string const file = folder / "zentova_DB_V1.3.db";
+    {
+        channel_database::ChannelDatabase other(file);
+        other.run("BEGIN EXCLUSIVE");
+        expect({"check", 1, "database is locked", nullptr});
+    }
+    if (geteuid() == 0) {  // to whom every file is readable
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+        std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+        EXPECT_EQ(run("--db set.db check", "setpriv --reuid=65534 --clear-groups"), 1) << err;
+        EXPECT_THAT(out, HasSubstr("OTT database: cannot open"));
+    }
     write("zentova_DB_V1.3.db", "no database");
     expect({"check", 1, "file is not a database", nullptr});
 }

@@ -139,7 +139,7 @@ TEST_F(ToolTest, RefusesEditsWithAReasonAndWritesNothing) {
         {"edit FAV1 move 1-2 to 9223372036854775807", 2, nullptr, "channel numbers go from 1"},
         {"edit FAV1 hide 2 move 3 to 2 swap id:2 5", 1, nullptr, "no place to swap with"},
         {"edit FAV1 move 5 to 2147483647 add id:4 at 2147483647", 1, nullptr, "is left behind"},
-        {"edit FAV1 mve 5 to 2", 2, nullptr, "did you mean 'move'?"},
+        {"edit FAV1 mvoe 5 to 2", 2, nullptr, "did you mean 'move'?"},
         {"edit FAV1 remove 30-", 1, nullptr, "FAV1 holds no service '30-'"},
         {"edit FAV1 copy FAV2 to FAV3", 2, nullptr, "the list that is edited, FAV1"},
         {"edit FAV1 sort by provider", 1, nullptr, "does not tell who broadcasts"},

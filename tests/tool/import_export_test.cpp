@@ -440,6 +440,33 @@ TEST_F(ReceiverTest, TakesArchivesOfItsSettings) {
     }
 }
 
+// Transponders of the same ids differ in the namespace alone, whose low half is the receiver's.
+TEST_F(ReceiverTest, GetsItsBouquetsBackByItsOwnNamespaces) {
+    write("e2/lamedb",
+          "eDVB services /4/\ntransponders\n"
+          "ffffab01:0008:0003\n\tc 394000:6900000:2:5:0:0:0\n/\n"
+          "ffffcd02:0008:0003\n\tc 410000:6900000:2:5:0:0:0\n/\nend\nservices\n"
+          "000a:ffffab01:0008:0003:1:0\nNews\np:\n"
+          "000a:ffffcd02:0008:0003:1:0\nNews\np:\n"
+          "000b:ffffcd02:0008:0003:1:0\nFilm\np:\nend\n");
+    std::string const entries =
+        "#NAME Mine\n#SERVICE 1:0:1:A:8:3:FFFFCD02:0:0:0:\n#DESCRIPTION News\n"
+        "#SERVICE 1:0:1:B:8:3:FFFFCD02:0:0:0:\n#DESCRIPTION Film\n";
+    write("e2/userbouquet.a.tv", entries);
+    ASSERT_EQ(run("import e2 first.db"), 0) << err;
+    EXPECT_EQ(output("export --db first.db --format enigma2 user-tv-1 --like e2/lamedb"), entries);
+    EXPECT_EQ(err, "channellist: 2 of 2 entries have the namespace of e2/lamedb\n");
+    fs::create_directory(folder / "again");
+    write("again/lamedb", output("export --db first.db --format lamedb all"));
+    write("again/userbouquet.a.tv",
+          output("export --db first.db --format enigma2 user-tv-1 --like again/lamedb"));
+    ASSERT_EQ(run("import again again.db"), 0) << err;
+    EXPECT_TRUE(content("again.db") == content("first.db"));
+    output("export --format enigma2 FAV1 --like e2/lamedb");
+    EXPECT_THAT(err, HasSubstr("e2/lamedb has no transponder for VOX\n"));
+    EXPECT_THAT(err, HasSubstr("1 of 4 entries have the namespace of e2/lamedb\n"));
+}
+
 // A folder takes no more than an archive, and no file of elsewhere.
 TEST_F(ReceiverTest, StaysInItsFolder) {
     write("e2/bouquets.tv",

@@ -135,7 +135,8 @@ TEST_F(ToolTest, TellsEverythingWrongInATextAtOnce) {
             "channellist: text:4: left out: the database has no service for 'id:77'\n"});
     for (char const* text : {"", "\n \n", "# nothing\n", "Number,Key\n"}) {
         write("text", text);
-        expect({"edit FAV1 --from text", 1, nullptr, "names no service; nothing is written"});
+        expect(
+            {"edit FAV1 --from text", 1, nullptr, "text: no service is named; nothing is written"});
     }
     for (char const* input : {"<&-", "</dev/null"})
         EXPECT_EQ(run("--db set.db edit FAV1 --from -",

@@ -14,7 +14,11 @@ namespace {
 constexpr int kEditors = 3;
 constexpr int kServicesEach = 8;
 constexpr int kOperations = 20;
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kReported = 1000;  // which is slow
+#else
 constexpr int kReported = 10000;  // operations of all editors
+#endif
 
 // One of them: it adds, removes, hides, restores and moves services that no other one touches, in
 // edits of twenty operations, and looks after each whether they are as it was told.

@@ -172,6 +172,15 @@ TEST_F(ToolTest, TellsWhatGoesWithAWholeDatabase) {
     expect({"undo 2", 1, "Taking back", "it would take back, too:\n  3  edit FAV1 of "});
     output("undo 2 --force");
     EXPECT_EQ(fav(1), "2 2;3 3;5 5;9 1");
+    for (std::string const command : {"restore old", "import --force " SAMPLE_CHANNELS " set.db"}) {
+        output(command);
+        expect({"undo", 0, "Taking back", nullptr});
+        output(command);
+        change("UPDATE Service SET Name = 'new' WHERE Pid = 5");
+        expect({"undo", 1, "Taking back", "take back, too:\n  what others wrote to the database"});
+        output("undo --force");
+        EXPECT_EQ(fav(1), "2 2;3 3;5 5;9 1");
+    }
 }
 
 TEST_F(ToolTest, KeepsTheLastTenAndNothingOfWhatFailed) {

@@ -240,8 +240,8 @@ CHANNELLIST_ACCESS_EXPORT int attributesCallback(void* context, int count, char*
 /// write and the commit may wait up to 50 attempts; a query that stays locked out says so. An edit
 /// that another connection overtook, between its first query and its first write, is made anew
 /// behind a lock, for which it may wait up to 50 attempts more: it means the lists that its uuid
-/// and the FAV lists' creators name there, and announces a list that has another key or was made
-/// anew.
+/// and the FAV lists' creators name there, and advances the list's update tag again: what the first
+/// look announced may have been another list, which bore the key then.
 ///
 /// @return 0 or 101: the edit is committed (0: a FAV list edit that added and removed nothing).
 ///         -1: the number of strings is not 1 + 3k, or a number does not convert. -2: the database

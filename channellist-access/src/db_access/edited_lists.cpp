@@ -6,7 +6,6 @@
 #include "db_access/session.h"
 #include "db_access/sql_literal.h"
 #include "db_access/waiting_reads.h"
-#include "support/number_text.h"
 
 namespace channellist {
 namespace {
@@ -84,15 +83,6 @@ EditOutcome findLists(CallSite const& site, std::string const& uuid,
         LOG_FORMAT_AT(site, kLogModule, Verbose, "The edited list is FAV[%d] list.",
                       static_cast<int>(lists.favIndex()));
     return outcome;
-}
-
-bool isFreshList(CallSite const& site, unsigned int favoriteListId) {
-    unsigned int count = 0;
-    readNumber(site,
-               "SELECT count(*) FROM FavoriteList WHERE UpdateTag = 0 AND Pid = " +
-                   numberText(favoriteListId) + ";",
-               count, "Look for the announcement.");
-    return count != 0;
 }
 
 }  // namespace channellist

@@ -15,7 +15,6 @@ namespace channellist {
 // nobody else has written.
 struct EditedLists {
     unsigned int edited = 0;
-    unsigned int announced = 0;     // `edited`, unless its update tag was locked
     std::vector<unsigned int> fav;  // position p is FAV(p + 1)
 
     // 1 to 4; 0 when the edited list is no FAV list.
@@ -27,10 +26,6 @@ struct EditedLists {
 EditOutcome findLists(CallSite const& site, std::string const& uuid,
                       std::function<EditOutcome(unsigned int favoriteListId)> const& announce,
                       EditedLists& lists);
-
-// Whether the list bears no announcement: it was made anew since. An announced tag is 0 only where
-// it has wrapped, and announcing that one again does no harm.
-bool isFreshList(CallSite const& site, unsigned int favoriteListId);
 
 }  // namespace channellist
 

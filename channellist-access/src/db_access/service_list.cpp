@@ -86,9 +86,10 @@ int dbaccess::select_dbservice(sqlite3* connection, std::string favoriteUuId, vo
     Order const order = readOrder(favoriteUuId, site);
     int const code =
         queryServices(connection, serviceQuery(favoriteUuId, order.byMediaType), rows, site);
-    // A lock that kept the order from us, but not the rows: the transaction shows the same state
-    // to both now.
-    bool const isOrderMissing = order.code == SQLITE_BUSY && code == SQLITE_OK;
+    // A lock (of a connection with a shared cache: SQLITE_LOCKED) that kept the order from us, but
+    // not the rows: the transaction shows the same state to both now.
+    bool const wasLocked = order.code == SQLITE_BUSY || order.code == SQLITE_LOCKED;
+    bool const isOrderMissing = wasLocked && code == SQLITE_OK;
     if (isOrderMissing && rows != nullptr && readOrder(favoriteUuId, site).byMediaType) {
         rows->resize(before);
         queryServices(connection, serviceQuery(favoriteUuId, true), rows, site);

@@ -93,15 +93,14 @@ EditOutcome writeEdit(EditedLists const& lists, FavListPlan const& plan,
 //
 // Clients are told to read the list again before the transaction, so that they do even when the
 // edit fails later.
-EditOutcome editUndisturbed(CallSite const& site, std::vector<std::string> const& arguments,
-                            EditedLists& lists) {
+EditOutcome editUndisturbed(CallSite const& site, std::vector<std::string> const& arguments) {
+    EditedLists lists;
     CommitsOfOthers others;
     auto const announce = [&](unsigned int favoriteListId) {
         others.start(db);
         int const code = dbaccess::UpdateListTag(favoriteListId);
         if (code == SQLITE_OK && !isInTransaction(db))  // that of a host commits nothing yet
             others.countOwn();
-        lists.announced = code == SQLITE_BUSY ? 0 : favoriteListId;
         return EditOutcome::Done;
     };
     EditOutcome outcome = findLists(site, arguments[0], announce, lists);
@@ -118,13 +117,11 @@ EditOutcome editUndisturbed(CallSite const& site, std::vector<std::string> const
     });
 }
 
-// The same with everything behind the lock. `overtaken` is what was believed before; a list that it
-// did not announce, or that was made anew, is announced here.
-EditOutcome editBehindLock(CallSite const& site, std::vector<std::string> const& arguments,
-                           EditedLists const& overtaken) {
-    auto const announce = [&](unsigned int favoriteListId) {
-        if (favoriteListId != overtaken.announced || isFreshList(site, favoriteListId))
-            dbaccess::UpdateListTag(favoriteListId);
+// The same with everything behind the lock. What was announced before it may have been another
+// list, which bore the key then: the list is announced here in any case.
+EditOutcome editBehindLock(CallSite const& site, std::vector<std::string> const& arguments) {
+    auto const announce = [](unsigned int favoriteListId) {
+        dbaccess::UpdateListTag(favoriteListId);
         // Some failures roll the whole transaction back, and further writes would stand alone.
         return isInTransaction(db) ? EditOutcome::Done : EditOutcome::Failed;
     };
@@ -142,12 +139,11 @@ EditOutcome editList(CallSite const& site, std::vector<std::string> const& argum
     EditOutcome const checked = checkRequest(site, arguments);
     if (!isDone(checked))
         return checked;
-    EditedLists lists;
-    EditOutcome const outcome = editUndisturbed(site, arguments, lists);
+    EditOutcome const outcome = editUndisturbed(site, arguments);
     if (outcome != EditOutcome::Overtaken)
         return outcome;
     LOG_TEXT_AT(site, kLogModule, Notice, "another process wrote meanwhile, start again");
-    return editBehindLock(site, arguments, lists);
+    return editBehindLock(site, arguments);
 }
 
 }  // namespace

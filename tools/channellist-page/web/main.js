@@ -222,7 +222,16 @@ function takeOverview(overview) {
 }
 
 async function reload() {
-    takeOverview(await server.overview());
+    const overview = await server.overview();
+    const uuids = new Set(overview.lists.map((list) => list.uuid));
+    const isOther = Object.keys(app.state.base).some((uuid) => !uuids.has(uuid));
+    if (isOther && st.changedLists(app.state).length > 0)
+        throw new server.Refused("The database has other lists now: bring the former one back, or discard");
+    if (isOther) {
+        app.state = st.start({});
+        return load();
+    }
+    takeOverview(overview);
     const known = Object.keys(app.state.base).filter((uuid) => app.lists[uuid]);
     take(await server.lists(known));
 }
@@ -277,6 +286,8 @@ async function poll() {
 function resume(kept) {
     if (!kept)
         return;
+    if (kept.past.some((op) => !app.lists[op.list]))
+        return app.trouble("Unsaved work is for lists that this database does not have. It stays until you change something here.");
     const fits = Object.entries(kept.versions).every(([uuid, version]) =>
         !app.state.base[uuid] || app.state.base[uuid].version === version);
     try {
@@ -307,8 +318,12 @@ async function load() {
 async function start() {
     if (!await attempt(load))
         return;
+    const kept = work.kept(app.database);
+    const others = new Set(kept?.past.map((op) => op.list).filter((uuid) => app.lists[uuid] && !app.entries(uuid)));
+    if (others.size > 0 && !await attempt(async () => take(await server.lists([...others]))))
+        return;
     app.isBegun = true;
-    resume(work.kept(app.database));
+    resume(kept);
 }
 
 async function begin() {

@@ -10,11 +10,11 @@
 #include "database/time_limit.h"
 #include "edit/commit_guard.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "output/findings.h"
 #include "output/written.h"
 #include "text/display_text.h"
 #include "text/json_text.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {
@@ -69,14 +69,15 @@ void mendThem(std::string const& database, Findings const& findings, CommitGuard
     std::cout << std::flush;
     UndoStore undo(database);
     undo.keepDatabase("check --mend");
+    std::string content;
     try {
-        mend(statements);
+        content = mend(statements);
     } catch (Failure const&) {
         if (guard.hasRefused())
             throw Failure("somebody else wrote to the database meanwhile; nothing is written");
         throw;
     }
-    undo.confirm();
+    undo.confirm(content);
     printWritten("Written, and flushed to the disk; \"channellist undo\" takes it back.");
 }
 

@@ -14,13 +14,13 @@
 #include "editing/question.h"
 #include "editing/text_edit.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "lists/difference.h"
 #include "lists/operations.h"
 #include "output/differences.h"
 #include "output/print_rows.h"
 #include "output/written.h"
 #include "text/display_text.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {

@@ -196,6 +196,13 @@ void writeM3u(Export const& job) {
     noteLeftOut(job, written, "no IP channel");
 }
 
+void noteDvbv5Losses(Channel const& channel, Leftovers& leftovers) {
+    if (channel.name.find_first_of("[]") != std::string::npos)
+        ++leftovers.losses["a [ or ] in a name"];
+    if (channel.isEncrypted())
+        ++leftovers.losses["that a channel is scrambled"];
+}
+
 void writeDvbv5(Export const& job) {
     Query tuning(db, kTuning);
     std::size_t written = 0;
@@ -204,6 +211,7 @@ void writeDvbv5(Export const& job) {
         if (!channel || isDeleted(service) || channel->delivery() == Delivery::DvbC2)
             continue;
         channel->number = static_cast<int>(entryOf(service).number.value_or(0));
+        noteDvbv5Losses(*channel, job.leftovers);
         std::cout << formatDvbv5(*channel);
         ++written;
     }

@@ -7,17 +7,18 @@
 #include <map>
 
 #include "commands/commands.h"
+#include "database/content_digest.h"
 #include "database/frozen_database.h"
 #include "database/session.h"
 #include "database/waiting.h"
 #include "edit/favourites.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "lists/difference.h"
 #include "output/differences.h"
 #include "output/progress.h"
 #include "output/written.h"
 #include "text/display_text.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {
@@ -84,12 +85,16 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
     tellWaitsFor(options.database);
     UndoStore undo(options.database, options.force && !options.noUndo);
     std::size_t services = 0;
+    std::string content;
     {
         Progress progress;
         services = makeDatabaseFile(list, options.database, options.force, std::ref(progress),
-                                    [&] { undo.keepDatabase("import --force"); });
+                                    [&](sqlite3* made) {
+                                        undo.keepDatabase("import --force");
+                                        content = contentDigest(made);
+                                    });
     }
-    undo.confirm();
+    undo.confirm(content);
     printWritten(displayText(options.database) + ": " + std::to_string(services) + " channels, " +
                  std::to_string(list.groups.size()) + " groups, " +
                  std::to_string(list.rejected.size() + list.others.size()) + " lines skipped");

@@ -11,8 +11,11 @@
 #include <sstream>
 
 #include "commands/commands.h"
+#include "database/content_digest.h"
+#include "database/frozen_database.h"
 #include "database/session.h"
 #include "failure.h"
+#include "kept/undo_store.h"
 #include "lists/difference.h"
 #include "output/differences.h"
 #include "output/print_rows.h"
@@ -23,7 +26,6 @@
 #include "text/json_text.h"
 #include "undo/replacement.h"
 #include "undo/take_back.h"
-#include "undo/undo_store.h"
 
 namespace tool {
 namespace {
@@ -134,13 +136,28 @@ Copies settledCopies(std::string const& database) {
     return store.copies();
 }
 
+// "" of what cannot be read, which may be the reason to take it back.
+std::string digestOf(std::string const& database) {
+    try {
+        Session const session(database);
+        FrozenDatabase const frozen;
+        return contentDigest(db);
+    } catch (Failure const&) {
+        return "";
+    }
+}
+
 // A whole database comes back with everything that was written since.
-void checkLater(KeptCopy const& copy, Copies const& copies, Options const& options) {
+void checkLater(std::string const& database, KeptCopy const& copy, Copies const& copies,
+                Options const& options) {
     std::string later;
     for (KeptCopy const& each : copies)
         if (each.number > copy.number && each.undoes == 0 && !isTakenBack(each, copies))
             later +=
                 "\n  " + std::to_string(each.number) + "  " + each.command + " of " + each.time;
+    std::string const now = later.empty() && !copy.content.empty() ? digestOf(database) : "";
+    if (!now.empty() && now != copy.content)
+        later = "\n  what others wrote to the database since";
     if (later.empty())
         return;
     later = "it would take back, too:" + later;
@@ -209,7 +226,7 @@ int run(std::string const& database, Options const& options) {
     int code = kSuccess;
     bool const isRedo = copy.undoes != 0;
     if (!copy.file.empty()) {
-        checkLater(copy, copies, options);
+        checkLater(database, copy, copies, options);
         bool const isKept = !isRedo || options.force;
         std::string const changes =
             bringBack(copy.file, database,

@@ -145,8 +145,8 @@ std::vector<Entry> contentOf(Sight const& sight, std::string const& text, std::s
     if (lines.lines.empty() && lines.errors.empty() && !sight.seen.entries.empty() &&
         !allowed.empty) {
         throw Failure(
-            "the " + source +
-            " names no service; nothing is written (--empty takes all out of FAV1 to FAV4)");
+            source +
+            ": no service is named; nothing is written (--empty takes all out of FAV1 to FAV4)");
     }
     TextOrder order = orderOf(sight, lines);
     if (!order.errors.empty())

@@ -33,6 +33,7 @@ struct KeptCopy {
     Snapshot after;  // the same lists as it left them; of older copies nothing is known of that
     std::map<std::string, std::vector<StoredItem>> items;  // by the uuid of a list, before
     std::string file;        // the whole database; "" where there are lists
+    std::string content;     // digest of the whole database as the command left it; "" unknown
     int undoes = 0;          // the copy that was taken back by this write
     bool isReadable = true;  // else nothing but the number is known
 };
@@ -57,7 +58,8 @@ class UndoStore {
     // The write is done. Of what keepLists kept, only the lists that differ from `now` stay;
     // nothing when none does.
     void keepOnlyChanged(Snapshot const& now);
-    void confirm();
+    // `content` digests the whole database as the write left it.
+    void confirm(std::string const& content);
     // The write was refused: nothing is kept of it.
     void discard();
 
@@ -78,6 +80,7 @@ class UndoStore {
     KeptCopy read(int number, char const* ending) const;
     void removeOld(bool isUndo) const;
     void keep(KeptCopy& copy);
+    void rewriteAndConfirm();
     void keepIn(std::string const& command, Snapshot const& lists, int undoes);
 
     std::string database_;

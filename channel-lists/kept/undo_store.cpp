@@ -1,4 +1,4 @@
-#include "undo/undo_store.h"
+#include "kept/undo_store.h"
 
 #include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
@@ -120,6 +120,7 @@ KeptCopy copyFrom(int number, Json const& json) {
     copy.time = json.at("time");
     copy.command = json.at("command");
     copy.undoes = json.value("undoes", 0);
+    copy.content = json.value("content", "");
     for (Json const& list : json.at("lists")) {
         copy.lists.push_back(listFrom(list));
         if (list.contains("items"))
@@ -173,9 +174,20 @@ void UndoStore::discard() {
     close(std::exchange(claimed_, -1));
 }
 
-void UndoStore::confirm() {
-    if (last_.number != 0 &&
-        rename(fileOf(last_.number, ".part").c_str(), fileOf(last_.number, ".json").c_str()) != 0)
+void UndoStore::confirm(std::string const& content) {
+    last_.content = content;
+    rewriteAndConfirm();
+}
+
+void UndoStore::rewriteAndConfirm() {
+    if (last_.number == 0)
+        return;
+    try {
+        write(last_);
+    } catch (Failure const& failure) {  // the copy knows less than it could
+        listener().note(failure.what());
+    }
+    if (rename(fileOf(last_.number, ".part").c_str(), fileOf(last_.number, ".json").c_str()) != 0)
         listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
     last_.number = 0;
     close(std::exchange(claimed_, -1));
@@ -245,6 +257,8 @@ void UndoStore::write(KeptCopy const& copy) const {
     Json json = {{"time", copy.time}, {"command", copy.command}, {"lists", lists}};
     if (copy.undoes != 0)
         json["undoes"] = copy.undoes;
+    if (!copy.content.empty())
+        json["content"] = copy.content;
     for (ListEntries const& list : copy.after)
         json["after"].push_back(toJson(list));
     std::string const text = json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -356,12 +370,7 @@ void UndoStore::keepOnlyChanged(Snapshot const& now) {
     for (ListEntries const& list : last_.lists)
         std::copy_if(now.begin(), now.end(), std::back_inserter(last_.after),
                      [&](ListEntries const& each) { return each.uuid == list.uuid; });
-    try {
-        write(last_);
-    } catch (Failure const& failure) {  // the copy knows less than it could
-        listener().note(failure.what());
-    }
-    confirm();
+    rewriteAndConfirm();
 }
 
 std::vector<KeptCopy> UndoStore::copies() const {

@@ -1,0 +1,63 @@
+#include "database/content_digest.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "database/query.h"
+
+namespace channel_lists {
+namespace {
+
+// 64 bits of FNV-1a.
+class Digest {
+  public:
+    // With its length, so that values do not run into each other.
+    void add(std::string_view value) {
+        mix(std::to_string(value.size()) + ":");
+        mix(value);
+    }
+    std::string text() const { return std::to_string(state_); }
+
+  private:
+    void mix(std::string_view bytes) {
+        for (char const byte : bytes)
+            state_ = (state_ ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+    }
+
+    std::uint64_t state_ = 14695981039346656037U;
+};
+
+void addRows(sqlite3* connection, std::string const& sql, Digest& digest) {
+    Query rows(connection, sql);
+    while (rows.next())
+        for (int column = 0; column < rows.columns(); ++column)
+            digest.add(rows.text(column));
+}
+
+}  // namespace
+
+std::string contentDigest(sqlite3* connection) {
+    Digest digest;
+    std::vector<std::string> selections;
+    {
+        // quote() tells types apart.
+        Query columns(connection,
+                      "SELECT 'SELECT ' || group_concat('quote(\"' ||"
+                      " replace(c.name, '\"', '\"\"') || '\")') || ' FROM main.\"' ||"
+                      " replace(t.name, '\"', '\"\"') || '\"'"
+                      " FROM main.sqlite_master t, pragma_table_xinfo(t.name) c"
+                      " WHERE t.type = 'table' AND t.rootpage > 0 GROUP BY t.name ORDER BY t.name");
+        while (columns.next())
+            selections.push_back(columns.text(0));
+    }
+    addRows(connection,
+            "SELECT type, name, sql FROM main.sqlite_master"
+            " WHERE name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY 1, 2",
+            digest);
+    for (std::string const& sql : selections)
+        addRows(connection, sql, digest);
+    return digest.text();
+}
+
+}  // namespace channel_lists

@@ -1,0 +1,15 @@
+// Whether a database holds what it held.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+
+namespace channel_lists {
+
+// A short text for the tables of the connection's main database, as they are defined, and their
+// rows: another one, but for one case in some 10^19, where anything differs. Not for proof against
+// somebody who means to deceive. Throws Failure.
+std::string contentDigest(sqlite3* connection);
+
+}  // namespace channel_lists
