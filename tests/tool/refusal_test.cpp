@@ -34,7 +34,7 @@ TEST_F(ToolTest, ExplainsItselfInHelpAndManual) {
     for (std::string const& command : commands) {
         EXPECT_EQ(run(command + " --help"), 0);
         EXPECT_THAT(out, HasSubstr("Examples:\n  channellist " + command)) << command;
-        EXPECT_THAT(manual, ContainsRegex("\n\\.TP\n\\.B[IR]+ [^\n]*" + command))
+        EXPECT_THAT(manual, ContainsRegex("\n\\.TP\n\\.B[IR]+ (anchor \", \" )?" + command + " "))
             << command << " has no entry in channellist.1";
     }
 }
@@ -73,6 +73,7 @@ TEST_F(ToolTest, CompletesWhatIsTyped) {
         {"channellist edit FAV1 move VOX to --db set.db", 6, "--db"},
         {"channellist services FAV1 --sort n", 4, "number name"},
         {"channellist services F --db missing.db", 2, "FAV1 FAV2 FAV3 FAV4"},
+        {"channellist watch FAV1 A --db set.db", 3, "Astra"},
         {"channellist import se", 2, "set.db"},
         {"channellist --db se", 2, "set.db"},
         {"channellist services --db = set.db A", 5, "Astra"},

@@ -28,10 +28,11 @@ std::vector<Values> const& values() {
     static std::vector<Values> const all = {
         {"--db", {kFiles}},
         {"--from", {kFiles}},
+        {"--like", {kFiles}},
         {"--trace", {"1", "3000", "4000", "5000", "all"}},
         {"--color", {"auto", "always", "never"}},
         {"--list", {"FAV1", "FAV2", "FAV3", "FAV4"}},
-        {"--format", {"vdr", "enigma2", "lamedb", "csv"}},
+        {"--format", {"vdr", "enigma2", "lamedb", "csv", "m3u", "dvbv5", "html"}},
         {"--delivery", {"satellite", "cable", "terrestrial", "analogue", "IP"}},
         {"--sort", {"number", "name", "triplet"}},
         {"--fail-on", {"edits", "seen", "tuning", "slow", "odd"}},
@@ -140,7 +141,7 @@ bool takesLists(Line const& line) {
     for (char const* command : {"services", "list", "attributes", "edit"})
         if (line.command == command)
             return line.arguments.empty();
-    return line.command == "export" || line.command == "driver";
+    return line.command == "export" || line.command == "driver" || line.command == "watch";
 }
 
 Words argumentWords(Line const& line) {
