@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
@@ -126,17 +127,46 @@ int pageSizeOf(sqlite3* connection) {
     return size == 0 ? kDefaultPageSize : size;
 }
 
-void copyContent(sqlite3* source, sqlite3* target, std::string const& path) {
+// Of what the connection last read.
+unsigned int dataVersion(sqlite3* connection) {
+    unsigned int version = 0;
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    return version;
+}
+
+// False, and nothing is written, when somebody has written to the target by the time that it is
+// locked, since it had the version.
+bool copyUnlessOvertaken(sqlite3* source, sqlite3* target, std::string const& path,
+                         unsigned int version) {
     sqlite3_backup* const backup = sqlite3_backup_init(target, "main", source, "main");
     if (backup == nullptr)
         throw std::runtime_error("cannot write " + path + ": " + sqlite3_errmsg(target));
-    int const step = sqlite3_backup_step(backup, -1);
+    int step = sqlite3_backup_step(backup, 0);  // takes the lock, and copies nothing
+    bool const isOvertaken = step == SQLITE_OK && dataVersion(target) != version;
+    if (step == SQLITE_OK && !isOvertaken)
+        step = sqlite3_backup_step(backup, -1);
     int const end = sqlite3_backup_finish(backup);
+    if (isOvertaken)
+        return false;
     if (step == SQLITE_BUSY || step == SQLITE_LOCKED)
         throw std::runtime_error(path + " is locked by another process; nothing is written");
     if (step != SQLITE_DONE || end != SQLITE_OK)
         throw std::runtime_error("cannot write " + path + ": " +
                                  sqlite3_errstr(step != SQLITE_DONE ? step : end));
+    return true;
+}
+
+void copyContent(sqlite3* source, sqlite3* target, std::string const& path,
+                 std::function<void()> const& beforeReplacing = {}) {
+    constexpr int kMostTries = 20;
+    for (int tries = 0; tries < kMostTries; ++tries) {
+        unsigned int const version = dataVersion(target);
+        if (beforeReplacing)
+            beforeReplacing();
+        if (copyUnlessOvertaken(source, target, path, version))
+            return;
+    }
+    throw std::runtime_error("others write to " + path + " all the time; nothing is written");
 }
 
 // A whole database as the bytes of a file.
@@ -225,13 +255,15 @@ void checkReplaceable(std::string const& path) {
 
 int pageSize(std::string const& path) { return pageSizeOf(openSettled(path).get()); }
 
-void replaceContent(sqlite3* source, std::string const& path) {
+void replaceContent(sqlite3* source, std::string const& path,
+                    std::function<void()> const& beforeReplacing) {
     Connection const target = openSettled(path);
     int const size = pageSizeOf(target.get());
     bool const isWal = setting(source, "PRAGMA journal_mode") == "wal";
     if (!isWal && size == pageSizeOf(source))
-        return copyContent(source, target.get(), path);
-    copyContent(inPagesOf(size, imageOf(source, path), path).get(), target.get(), path);
+        return copyContent(source, target.get(), path, beforeReplacing);
+    copyContent(inPagesOf(size, imageOf(source, path), path).get(), target.get(), path,
+                beforeReplacing);
 }
 
 void writeNewFile(sqlite3* source, std::string const& path) {

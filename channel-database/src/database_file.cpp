@@ -52,9 +52,13 @@ std::size_t makeDatabaseFile(ChannelsConf const& list, std::string const& path, 
     ChannelDatabase database(temporary.get(), Indexes::PrimaryKeysOnly);
     std::size_t const services = importChannels(database, list, progress);
     createSchema(temporary.get(), Indexes::Recommended);
-    if (exists && beforeReplacing)
-        beforeReplacing(temporary.get());
-    (exists ? replaceContent : writeNewFile)(temporary.get(), path);
+    if (exists)
+        replaceContent(temporary.get(), path, [&] {
+            if (beforeReplacing)
+                beforeReplacing(temporary.get());
+        });
+    else
+        writeNewFile(temporary.get(), path);
     return services;
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "database/connection.h"
 #include "database/query.h"
 
 namespace channel_lists {
@@ -58,6 +59,23 @@ std::string contentDigest(sqlite3* connection) {
     for (std::string const& sql : selections)
         addRows(connection, sql, digest);
     return digest.text();
+}
+
+std::string fileDigest(std::string const& path) {
+    sqlite3* connection = nullptr;
+    auto const close = [&] { sqlite3_close(connection); };
+    try {
+        openConnection(path, SQLITE_OPEN_READONLY, connection);
+        sqlite3* const copy = copyInMemory(connection);  // of one moment
+        close();
+        connection = copy;
+        std::string digest = contentDigest(connection);
+        close();
+        return digest;
+    } catch (...) {
+        close();
+        throw;
+    }
 }
 
 }  // namespace channel_lists

@@ -12,4 +12,7 @@ namespace channel_lists {
 // somebody who means to deceive. Throws Failure.
 std::string contentDigest(sqlite3* connection);
 
+// Of what the file holds at one moment. Throws Failure, Locked where others hold it for long.
+std::string fileDigest(std::string const& path);
+
 }  // namespace channel_lists

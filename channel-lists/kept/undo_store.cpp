@@ -154,13 +154,21 @@ std::vector<StoredItem> storedItems(std::string const& listUuid) {
 bool isTakenBack(KeptCopy const& copy, std::vector<KeptCopy> const& copies) {
     return std::any_of(
         copies.begin(), copies.end(),
-        [&](KeptCopy const& each) { return each.undoes == copy.number; });
+        [&](KeptCopy const& each) {
+            bool const isOfAll =
+                each.undoes != 0 && !each.file.empty();  // what came later went, too
+            return each.undoes == copy.number ||
+                   (isOfAll && copy.undoes == 0 && each.undoes < copy.number &&
+                    copy.number < each.number);
+        });
 }
 
 UndoStore::UndoStore(std::string const& database, bool isOn) : database_(database), isOn_(isOn) {
     std::string const state = stateFolder();
     std::error_code failed;
-    fs::path const real = fs::canonical(database, failed);
+    fs::path real = fs::absolute(database, failed);
+    if (!failed)
+        real = fs::weakly_canonical(real, failed);  // also of a database that is gone
     if (isOn && !state.empty() && !failed)
         folder_ = state + "/channellist" + real.string();
 }
@@ -191,6 +199,10 @@ void UndoStore::rewriteAndConfirm() {
         listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
     last_.number = 0;
     close(std::exchange(claimed_, -1));
+    try {
+        removeOld(last_.undoes != 0);
+    } catch (Failure const&) {  // they are in nobody's way
+    }
 }
 
 std::string UndoStore::fileOf(int number, char const* ending) const {
@@ -285,12 +297,12 @@ KeptCopy UndoStore::read(int number, char const* ending) const {
     return copy;
 }
 
-// Room for one more. Neither goes without the other: a copy, and that of its taking back.
+// Neither goes without the other: a copy, and that of its taking back.
 void UndoStore::removeOld(bool isUndo) const {
     std::vector<KeptCopy> const all = copies();
     std::size_t count = 0;
     for (auto copy = all.rbegin(); copy != all.rend(); ++copy) {
-        if ((copy->undoes != 0) != isUndo || ++count < kMostCopies)
+        if ((copy->undoes != 0) != isUndo || ++count <= kMostCopies)
             continue;
         remove(copy->number);
         for (KeptCopy const& other : all)
@@ -317,7 +329,6 @@ void UndoStore::keep(KeptCopy& copy) {
         close(std::exchange(claimed_, -1));
         throw;
     }
-    removeOld(copy.undoes != 0);
 }
 
 void UndoStore::keepIn(std::string const& command, Snapshot const& lists, int undoes) {
@@ -345,12 +356,12 @@ void UndoStore::keepDatabase(std::string const& command, int undoes) {
     std::error_code failed;
     if (!isOn_ || (fs::file_size(database_, failed) == 0 && !failed))
         return;
+    discard();  // what was kept before somebody else wrote
     try {
         keepIn(command, {}, undoes);
     } catch (std::exception const& error) {
-        throw Failure(std::string("no copy could be kept, and nothing is written (--no-undo does"
-                                  " without): ") +
-                      error.what());
+        throw Failure(std::string("no copy could be kept, and nothing is written") +
+                      (undoes == 0 ? " (--no-undo does without): " : ": ") + error.what());
     }
 }
 

@@ -108,13 +108,25 @@ std::string bringBack(std::string const& file, std::string const& database,
     session.continueOnCopy();  // what is examined is what is written
     examineCopy(file);
     tellWaitsFor(database);
-    std::string changes = exists ? changesOf(database) : std::string();
-    if (replacement.dryRun)
+    std::string changes;
+    auto const lookAtIt = [&] {
+        if (replacement.check)
+            replacement.check();
+        changes = exists ? changesOf(database) : std::string();
+    };
+    if (replacement.dryRun) {
+        lookAtIt();
         return changes;
+    }
     std::string const content = contentDigest(db);
     UndoStore undo(database, exists && !replacement.command.empty());
-    undo.keepDatabase(replacement.command, replacement.undoes);
-    (exists ? channel_database::replaceContent : channel_database::writeNewFile)(db, database);
+    if (exists)
+        channel_database::replaceContent(db, database, [&] {
+            lookAtIt();
+            undo.keepDatabase(replacement.command, replacement.undoes);
+        });
+    else
+        channel_database::writeNewFile(db, database);
     undo.confirm(content);
     return changes;
 }

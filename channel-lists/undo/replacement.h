@@ -1,14 +1,16 @@
 // A copy of a whole database in place of its content.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace channel_lists {
 
 struct Replacement {
     bool dryRun = false;
-    std::string command;  // for "undo --list"; "" keeps nothing for it
-    int undoes = 0;       // the kept copy that is taken back
+    std::string command;               // for "undo --list"; "" keeps nothing for it
+    int undoes = 0;                    // the kept copy that is taken back
+    std::function<void()> check = {};  // throws where what the database holds is not to be replaced
 };
 
 // Gives `database` the content of the database `file`, which is examined first. What changes comes

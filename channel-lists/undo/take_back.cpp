@@ -78,6 +78,16 @@ std::vector<Entry> inPlacesOf(std::vector<Entry> entries, std::vector<Entry> con
     return result;
 }
 
+// Whether an entry would come to a number that an OTT channel has taken since.
+bool takesReserved(std::vector<Entry> const& entries, SeenList const& seen) {
+    return std::any_of(
+        entries.begin(), entries.end(),
+        [&](Entry const& entry) {
+            return entry.number && !entry.deleted && seen.reserved.count(*entry.number) != 0 &&
+                   std::find(seen.entries.begin(), seen.entries.end(), entry) == seen.entries.end();
+        });
+}
+
 // Stored items without those that are delivered.
 std::vector<StoredItem> undelivered(std::vector<StoredItem> items,
                                     std::vector<Entry> const& delivered) {
@@ -125,7 +135,8 @@ class Planner {
             base = inPlacesOf(base, now);
         }
         Merge merged;
-        if (std::is_permutation(base.begin(), base.end(), now.begin(), now.end()))
+        if (std::is_permutation(base.begin(), base.end(), now.begin(), now.end()) &&
+            !takesReserved(mine, edit.seen))
             merged.entries = mine;
         else
             merged = merge(base, now, mine, edit.seen.reserved);

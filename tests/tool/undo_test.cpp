@@ -183,6 +183,40 @@ TEST_F(ToolTest, TellsWhatGoesWithAWholeDatabase) {
     }
 }
 
+TEST_F(ToolTest, GoesOnBeforeWhatWentWithAWholeDatabase) {
+    output("backup old");
+    output("edit FAV1 move 1 to 9");
+    output("restore old");
+    output("edit FAV1 remove VOX");
+    output("undo 2 --force");  // the removal went with it
+    expect({"undo", 0, "Taking back \"edit FAV1\"", nullptr});
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+    output("restore old");
+    fs::remove(folder / "set.db");
+    output("undo");
+    EXPECT_EQ(fav(1), "1 1;2 2;3 3;5 5");
+}
+
+// Others write while the lock is waited for, which a copy of before does not know.
+TEST_F(ToolTest, KeepsWhatOthersWroteBeforeTheLock) {
+    for (char const* const mode : {"DELETE", "WAL"}) {
+        change(std::string("PRAGMA journal_mode = ") + mode);
+        output("backup old");
+        write("beside",
+              "python3 -c 'import sqlite3, time; c = sqlite3.connect(\"set.db\");"
+              " c.execute(\"BEGIN IMMEDIATE\"); c.execute(\"UPDATE Service SET Name ="
+              " \\\"late\\\" WHERE Pid = 5\"); open(\"held\", \"w\"); time.sleep(1);"
+              " c.commit()' & while [ ! -e held ]; do sleep 0.05; done; \"$@\"; wait");
+        run("restore old --db set.db", "sh beside");
+        EXPECT_THAT(out, HasSubstr("1 services changed"));
+        output("undo");
+        EXPECT_THAT(output("services all"), HasSubstr("late"));
+        output("undo --redo");
+        fs::remove(folder / "held");
+        fs::remove(folder / "old");
+    }
+}
+
 TEST_F(ToolTest, KeepsTheLastTenAndNothingOfWhatFailed) {
     expect({"undo", 1, nullptr, "there is nothing to undo"});
     expect({"undo --list", 0, "Nothing is kept of this database.", nullptr});

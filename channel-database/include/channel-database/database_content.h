@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <functional>
 #include <string>
 
 namespace channel_database {
@@ -15,9 +16,11 @@ void checkReplaceable(std::string const& path);
 /// one else writes to. SQLite's backup interface does it in one transaction: the locks of other
 /// processes are waited for, up to ten seconds, an unfinished journal or write-ahead log is settled
 /// first, and the file itself stays, with its owner, mode and links. Journal mode and page size
-/// stay as well. It is flushed to the disk, the removal of the journal included. Throws
-/// std::runtime_error; the content is the old one then.
-void replaceContent(sqlite3* source, std::string const& path);
+/// stay as well. It is flushed to the disk, the removal of the journal included. `beforeReplacing`
+/// is called first, to keep or look at what is replaced, and again as often as somebody writes
+/// between that and the lock. Throws std::runtime_error; the content is the old one then.
+void replaceContent(sqlite3* source, std::string const& path,
+                    std::function<void()> const& beforeReplacing = {});
 
 /// Makes the file `path` with the content of `source`, in the mode of the rollback journal, so that
 /// it can be read from a medium that nothing can be written to. It has no name until it is whole

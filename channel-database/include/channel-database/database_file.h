@@ -12,7 +12,8 @@ namespace channel_database {
 /// database_content.h): a new file appears whole, and with `replace` the content of an existing
 /// database is replaced as a whole. A failure (a list without channels, too) throws
 /// std::runtime_error and leaves everything as it was. `beforeReplacing` is called with the
-/// new content when all is ready to replace another one. Gives the number of services.
+/// new content when all is ready to replace another one, as replaceContent does. Gives the number
+/// of services.
 std::size_t makeDatabaseFile(ChannelsConf const& list, std::string const& path, bool replace,
                              ImportProgress const& progress = {},
                              std::function<void(sqlite3*)> const& beforeReplacing = {});

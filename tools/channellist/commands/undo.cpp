@@ -12,7 +12,7 @@
 
 #include "commands/commands.h"
 #include "database/content_digest.h"
-#include "database/frozen_database.h"
+#include "database/query.h"
 #include "database/session.h"
 #include "failure.h"
 #include "kept/undo_store.h"
@@ -139,9 +139,9 @@ Copies settledCopies(std::string const& database) {
 // "" of what cannot be read, which may be the reason to take it back.
 std::string digestOf(std::string const& database) {
     try {
-        Session const session(database);
-        FrozenDatabase const frozen;
-        return contentDigest(db);
+        return fileDigest(database);
+    } catch (Locked const&) {
+        throw;
     } catch (Failure const&) {
         return "";
     }
@@ -158,6 +158,8 @@ void checkLater(std::string const& database, KeptCopy const& copy, Copies const&
     std::string const now = later.empty() && !copy.content.empty() ? digestOf(database) : "";
     if (!now.empty() && now != copy.content)
         later = "\n  what others wrote to the database since";
+    else if (!later.empty())
+        later += "\n  and whatever others wrote since";
     if (later.empty())
         return;
     later = "it would take back, too:" + later;
@@ -226,12 +228,11 @@ int run(std::string const& database, Options const& options) {
     int code = kSuccess;
     bool const isRedo = copy.undoes != 0;
     if (!copy.file.empty()) {
-        checkLater(database, copy, copies, options);
         bool const isKept = !isRedo || options.force;
-        std::string const changes =
-            bringBack(copy.file, database,
-                      {options.dryRun, isKept ? "undo " + std::to_string(copy.number) : "",
-                       isRedo ? 0 : copy.number});
+        std::string const changes = bringBack(
+            copy.file, database,
+            {options.dryRun, isKept ? "undo " + std::to_string(copy.number) : "",
+             isRedo ? 0 : copy.number, [&] { checkLater(database, copy, copies, options); }});
         printReplacement(copy.file, database, changes, options.dryRun);
     } else {
         code = takeBackLists(database, copy, options);
