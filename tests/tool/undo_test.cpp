@@ -255,7 +255,7 @@ TEST_F(ToolTest, WritesWhereNothingCanBeKept) {
 // Both wait for the lock; the second finds the edit taken back, and leaves it to --redo and undo.
 TEST_F(ToolTest, TakesBackOnceBesideAnotherUndo) {
     output("edit FAV1 move VOX to 7");
-    constexpr char kUndo[] = "( \"$1\" --db set.db undo 1 >/dev/null 2>>told; echo $? >>codes ) & ";
+    constexpr char kUndo[] = "( \"$@\" --db set.db undo 1 >/dev/null 2>>told; echo $? >>codes ) & ";
     write("two", std::string("python3 -c 'import sqlite3, time; c = sqlite3.connect(\"set.db\");"
                              " c.execute(\"BEGIN IMMEDIATE\"); open(\"held\", \"w\");"
                              " time.sleep(1)' & while [ ! -e held ]; do sleep 0.05; done; ") +
