@@ -137,12 +137,7 @@ class ServiceFindings {
 
 std::string quotedValue(Query const& rows, std::size_t column) {
     int const index = static_cast<int>(column);
-    if (rows.isNull(index))
-        return "NULL";
-    std::string quoted;
-    for (char const c : rows.text(index))
-        quoted += c == '\'' ? "''" : std::string(1, c);
-    return "'" + quoted + "'";
+    return rows.isNull(index) ? "NULL" : '\'' + doubled(rows.text(index), '\'') + '\'';
 }
 
 // Of all rows with the value; a teletext column's table is that of the service's kind. 0 in place

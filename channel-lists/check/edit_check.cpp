@@ -351,12 +351,7 @@ std::vector<Complaint> tryList(List const& list, std::string const& without) {
     return singly.empty() ? atOnce : singly;
 }
 
-std::string quotedName(std::string const& name) {
-    std::string quoted = "\"";
-    for (char const c : name)
-        quoted += c == '"' ? "\"\"" : std::string(1, c);
-    return quoted + "\"";
-}
+std::string quotedName(std::string const& name) { return '"' + doubled(name, '"') + '"'; }
 
 // Triggers first: an index seldom does harm.
 std::vector<Suspect> suspects() {

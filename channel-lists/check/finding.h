@@ -39,6 +39,9 @@ struct Finding {
 
 using Findings = std::vector<Finding>;
 
+// With each `mark` written twice, as within the quotes of SQL.
+std::string doubled(std::string const& text, char mark);
+
 // Adds what kept a rule from looking: why, and once for each of them the view or table that has no
 // end.
 void addUnread(std::string const& rule, std::string const& why, Findings& findings);

@@ -3,22 +3,11 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "text/display_text.h"
+#include "text/json_text.h"
+
 namespace channel_lists {
 namespace {
-
-bool isKey(std::string const& text) {
-    auto const isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    std::size_t const sign = !text.empty() && text[0] == '-' ? 1 : 0;
-    return text.size() > sign &&
-           std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign), text.end(), isDigit);
-}
-
-std::string joined(std::vector<std::string> const& keys, std::size_t begin, std::size_t end) {
-    std::string text;
-    for (std::size_t i = begin; i < end; ++i)
-        text += (i == begin ? "" : ", ") + keys[i];
-    return text;
-}
 
 // What several findings share, while they are gathered.
 struct Group {
@@ -70,15 +59,18 @@ std::string statementsOf(Group const& group) {
     }
     std::vector<std::string> const& keys = group.row.keys;
     std::string const before = beforeKey(group.first.mend.sql, keys[0]);
-    for (std::size_t begin = 0; begin < keys.size(); begin += kMostKeys)
+    for (std::size_t begin = 0; begin < keys.size(); begin += kMostKeys) {
+        auto const first = keys.begin() + static_cast<std::ptrdiff_t>(begin);
+        std::size_t const count = std::min(kMostKeys, keys.size() - begin);
         sql += (sql.empty() ? "" : "; ") + before.substr(0, before.size() - 2) + "IN (" +
-               joined(keys, begin, std::min(begin + kMostKeys, keys.size())) + ")";
+               joined({first, first + static_cast<std::ptrdiff_t>(count)}) + ")";
+    }
     return sql;
 }
 
 Finding findingOf(Group const& group) {
     Finding finding = group.first;
-    finding.row = group.row.table + joined(group.row.keys, 0, group.row.keys.size());
+    finding.row = group.row.table + joined(group.row.keys);
     finding.mend.sql = statementsOf(group);
     if (group.decidesMore)
         finding.mend.decision += "; and so on";
@@ -98,7 +90,7 @@ RowName rowName(std::string const& row) {
     for (std::size_t at = begin + 1; at <= row.size();) {
         std::size_t const end = std::min(row.find(", ", at), row.size());
         name.keys.push_back(row.substr(at, end - at));
-        if (!isKey(name.keys.back()))
+        if (!wholeNumber(name.keys.back()))
             return {row, {}};
         at = end + 2;
     }

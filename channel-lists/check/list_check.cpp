@@ -233,11 +233,6 @@ void replaceAll(std::string& text, std::string const& what, std::string const& b
     }
 }
 
-std::string quoted(std::string text) {
-    replaceAll(text, "'", "''");
-    return text;
-}
-
 void checkFavList(List const& list, Findings& findings) {
     std::string const digit = std::to_string(list.favIndex);
     std::string const tag = list.favIndex == 1 ? "FavTag" : "FavTag" + digit;
@@ -253,7 +248,7 @@ void checkFavList(List const& list, Findings& findings) {
         std::string sql = rule.sql;
         replaceAll(sql, "%1", std::to_string(list.pid));
         replaceAll(sql, "%2", tag);
-        replaceAll(sql, "%3", quoted(displayName(list)));
+        replaceAll(sql, "%3", doubled(displayName(list), '\''));
         apply(rule, sql, findings);
     }
 }

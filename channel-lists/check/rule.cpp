@@ -74,6 +74,13 @@ void whyFoulText(sqlite3_context* context, int /*count*/, sqlite3_value** values
 
 }  // namespace
 
+std::string doubled(std::string const& text, char mark) {
+    std::string all;
+    for (char const c : text)
+        all += c == mark ? std::string(2, c) : std::string(1, c);
+    return all;
+}
+
 void addUnread(std::string const& rule, std::string const& why, Findings& findings) {
     while (std::optional<std::string> const work = TimeLimit::newlyEndless()) {
         findings.push_back({"endless", Severity::Edits, work->substr(work->find(' ') + 1),

@@ -62,20 +62,13 @@ std::string contentDigest(sqlite3* connection) {
 }
 
 std::string fileDigest(std::string const& path) {
-    sqlite3* connection = nullptr;
-    auto const close = [&] { sqlite3_close(connection); };
-    try {
-        openConnection(path, SQLITE_OPEN_READONLY, connection);
-        sqlite3* const copy = copyInMemory(connection);  // of one moment
-        close();
-        connection = copy;
-        std::string digest = contentDigest(connection);
-        close();
-        return digest;
-    } catch (...) {
-        close();
-        throw;
-    }
+    struct Connection {
+        ~Connection() { sqlite3_close(handle); }
+        sqlite3* handle = nullptr;
+    } file, copy;
+    openConnection(path, SQLITE_OPEN_READONLY, file.handle);
+    copy.handle = copyInMemory(file.handle);  // of one moment
+    return contentDigest(copy.handle);
 }
 
 }  // namespace channel_lists

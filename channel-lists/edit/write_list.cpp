@@ -116,14 +116,6 @@ void afterTheCommit(std::string const& what, Step step) {
     }
 }
 
-// By the uuids of lists: the first wins.
-void addMissing(Snapshot const& lists, Snapshot& all) {
-    for (ListEntries const& list : lists)
-        if (std::none_of(all.begin(), all.end(),
-                         [&](ListEntries const& each) { return each.uuid == list.uuid; }))
-            all.push_back(list);
-}
-
 // The lists as this write left them: what stands there, unless others have written since.
 Snapshot writtenLists(Snapshot const& expected) {
     sqlite3* const file = db;

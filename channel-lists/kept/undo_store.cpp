@@ -187,13 +187,23 @@ void UndoStore::confirm(std::string const& content) {
     rewriteAndConfirm();
 }
 
+bool UndoStore::tryToWrite() const {
+    try {
+        write(last_);
+    } catch (Failure const& failure) {
+        listener().note(failure.what());
+        return false;
+    }
+    return true;
+}
+
 void UndoStore::rewriteAndConfirm() {
     if (last_.number == 0)
         return;
-    try {
-        write(last_);
-    } catch (Failure const& failure) {  // the copy knows less than it could
-        listener().note(failure.what());
+    if (!tryToWrite()) {  // it had room without what was added
+        last_.after.clear();
+        last_.content.clear();
+        tryToWrite();
     }
     if (rename(fileOf(last_.number, ".part").c_str(), fileOf(last_.number, ".json").c_str()) != 0)
         listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));

@@ -80,6 +80,7 @@ class UndoStore {
     KeptCopy read(int number, char const* ending) const;
     void removeOld(bool isUndo) const;
     void keep(KeptCopy& copy);
+    bool tryToWrite() const;
     void rewriteAndConfirm();
     void keepIn(std::string const& command, Snapshot const& lists, int undoes);
 

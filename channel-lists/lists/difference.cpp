@@ -159,6 +159,13 @@ std::vector<Change> told(std::vector<Change> const& changes) {
     return shown;
 }
 
+void addMissing(Snapshot const& lists, Snapshot& all) {
+    for (ListEntries const& list : lists)
+        if (std::none_of(all.begin(), all.end(),
+                         [&](ListEntries const& each) { return each.uuid == list.uuid; }))
+            all.push_back(list);
+}
+
 std::vector<Change> differences(Snapshot const& before, Snapshot const& after) {
     std::vector<Change> changes;
     for (std::size_t i = 0; i < before.size() && i < after.size(); ++i) {

@@ -24,6 +24,9 @@ using Snapshot = std::vector<ListEntries>;
 
 Snapshot takeSnapshot(List const& edited);
 
+// Adds those of `lists` that `all` does not hold.
+void addMissing(Snapshot const& lists, Snapshot& all);
+
 struct Change {
     std::string listName;
     std::vector<std::string> what;  // "added", "removed", "moved", "hidden", "restored"

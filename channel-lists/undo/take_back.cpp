@@ -205,12 +205,6 @@ class Planner {
     std::vector<Entry> const all_;
 };
 
-void addMissing(Snapshot const& lists, Snapshot& all) {
-    for (ListEntries const& list : lists)
-        if (withUuid(all, list.uuid) == nullptr)
-            all.push_back(list);
-}
-
 // False when somebody wrote in between.
 bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& result) {
     JoiningItems joining;

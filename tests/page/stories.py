@@ -274,7 +274,6 @@ class Together(Story):
             page.save()
         self.assertEqual(world.names("FAV1"), [names[0], *names[2:]])
 
-
     def test_a_database_that_is_moved_or_another_is_told_and_the_work_kept(self):
         world = self.world
         world.serve()

@@ -152,13 +152,6 @@ struct Task {
     Snapshot before;
 };
 
-void addMissing(Snapshot const& lists, Snapshot& all) {
-    for (ListEntries const& list : lists)
-        if (std::none_of(all.begin(), all.end(),
-                         [&](ListEntries const& each) { return each.uuid == list.uuid; }))
-            all.push_back(list);
-}
-
 Task taskOf(Json const& request) {
     Task task;
     FrozenDatabase const frozen;

@@ -111,19 +111,13 @@ void applyOperations(Options const& options, std::vector<Operation> const& opera
     report(options, writeAgainAndAgain(see, want, keeping));
 }
 
-enum class Wins { Added, Present };
-
-// The lists of another attempt; `wins` tells which of the same list stays.
-void add(Snapshot const& lists, Snapshot& all, Wins wins) {
-    for (ListEntries const& list : lists) {
-        auto const same = std::find_if(all.begin(), all.end(), [&](ListEntries const& each) {
-            return each.uuid == list.uuid;
-        });
-        if (same == all.end())
-            all.push_back(list);
-        else if (wins == Wins::Added)
-            *same = list;
-    }
+// `all`, with the lists as they were before an earlier attempt.
+void takeEarlier(Snapshot const& earlier, Snapshot& all) {
+    for (ListEntries const& list : earlier)
+        for (ListEntries& each : all)
+            if (each.uuid == list.uuid)
+                each = list;
+    addMissing(earlier, all);
 }
 
 // Of other lists the mark goes to FAV1 to FAV4 as well.
@@ -137,8 +131,8 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
             edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
         }
         Written next = writeLists(edits, keeping);
-        add(written.before, next.before, Wins::Added);
-        add(written.after, next.after, Wins::Present);
+        takeEarlier(written.before, next.before);
+        addMissing(written.after, next.after);
         written = std::move(next);
     } while (!written.overtaken.empty());
     report(options, written);
