@@ -134,6 +134,13 @@ unsigned int dataVersion(sqlite3* connection) {
     return version;
 }
 
+// What is written to a file without its name nobody would see.
+bool isMoved(sqlite3* connection) {
+    int moved = 0;
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    return moved != 0;
+}
+
 // False, and nothing is written, when somebody has written to the target by the time that it is
 // locked, since it had the version.
 bool copyUnlessOvertaken(sqlite3* source, sqlite3* target, std::string const& path,
@@ -143,9 +150,12 @@ bool copyUnlessOvertaken(sqlite3* source, sqlite3* target, std::string const& pa
         throw std::runtime_error("cannot write " + path + ": " + sqlite3_errmsg(target));
     int step = sqlite3_backup_step(backup, 0);  // takes the lock, and copies nothing
     bool const isOvertaken = step == SQLITE_OK && dataVersion(target) != version;
-    if (step == SQLITE_OK && !isOvertaken)
+    bool const isGone = step == SQLITE_OK && isMoved(target);
+    if (step == SQLITE_OK && !isOvertaken && !isGone)
         step = sqlite3_backup_step(backup, -1);
     int const end = sqlite3_backup_finish(backup);
+    if (isGone)
+        throw std::runtime_error(path + " was replaced or renamed meanwhile; nothing is written");
     if (isOvertaken)
         return false;
     if (step == SQLITE_BUSY || step == SQLITE_LOCKED)

@@ -19,6 +19,8 @@ class CommitGuard {
     CommitGuard& operator=(CommitGuard const&) = delete;
 
     bool hasRefused() const { return hasRefused_; }
+    // Of the file, as our commits so far have left it.
+    std::optional<unsigned int> version() const { return version_; }
 
   private:
     static int mayCommit(void* guard);

@@ -2,7 +2,10 @@
 
 #include <channellist-access/db_access.h>
 
+#include <optional>
+
 #include "database/query.h"
+#include "edit/commit_guard.h"
 #include "failure.h"
 
 namespace channel_lists {
@@ -52,17 +55,31 @@ void renumberAll(List const& list) {
         throw Failure("the database does not take every new number");
 }
 
+// By whatever key it has now.
+List asItIsNow(List const& favList) {
+    std::optional<List> found;
+    for (List const& list : allLists())
+        if (list.uuid == favList.uuid && list.favIndex != 0 && (!found || list.pid == favList.pid))
+            found = list;
+    if (!found)
+        throw Failure("the list is in the database no more");
+    return *found;
+}
+
 }  // namespace
 
 bool renumber(List const& favList) {
     ResultLock const lock;
     return waitWhileLocked([&] {  // begin or commit: all of it is done again then
         Transaction const transaction;
-        std::string const before = numbersOf(favList);
-        renumberAll(favList);
-        if (numbersOf(favList) == before)
+        List const list = asItIsNow(favList);
+        std::string const before = numbersOf(list);
+        renumberAll(list);
+        if (numbersOf(list) == before)
             return false;
-        dbaccess::UpdateListTag(favList.pid);
+        dbaccess::UpdateListTag(list.pid);
+        if (isMoved(db))
+            throw Failure("the database was replaced or renamed meanwhile");
         transaction.commit();
         return true;
     });

@@ -32,6 +32,8 @@ SeenList seeList(List const& list) {
     seen.undelivered = items > seen.entries.size() ? items - seen.entries.size() : 0;
     seen.reached = takeSnapshot(list);
     seen.stored = storedState(list.uuid);
+    for (ListEntries const& each : seen.reached)
+        seen.reachedStates.emplace(each.uuid, storedState(each.uuid));
     return seen;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@ struct SeenList {
     std::size_t undelivered = 0;      // stored items that the library does not show
     Snapshot reached;                 // the lists that an edit of it reaches, itself among them
     std::string stored;               // see storedState
+    std::map<std::string, std::string> reachedStates;  // the same of the lists that it reaches
 };
 
 // Call it, and what else the edit rests on, within one FrozenDatabase. Throws Failure for a list

@@ -9,6 +9,7 @@
 #include "database/frozen_database.h"
 #include "database/query.h"
 #include "edit/commit_guard.h"
+#include "edit/only_writer.h"
 #include "edit/renumbering.h"
 #include "edit/request.h"
 #include "failure.h"
@@ -48,30 +49,62 @@ std::vector<std::string> requestFor(SeenList const& seen, WantedList const& want
                : otherListRequest(seen.list, seen.entries, wanted.entries, wanted.renumber);
 }
 
-bool stillStands(SeenList const& seen) {
-    return waitWhileLocked([&] { return storedState(seen.list.uuid); }) == seen.stored;
+// Several reads of one state of the file.
+class ReadTransaction {
+  public:
+    ReadTransaction() { Query(db, "BEGIN").next(); }
+    ~ReadTransaction() { sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr); }
+    ReadTransaction(ReadTransaction const&) = delete;
+    ReadTransaction& operator=(ReadTransaction const&) = delete;
+};
+
+// A service that joins the list is named by its key, which a scan may have given to another one.
+bool areSameServices(SeenList const& seen, std::vector<Entry> const& wanted) {
+    std::set<unsigned int> held;
+    for (Entry const& entry : seen.entries)
+        held.insert(entry.serviceId);
+    // As a C string, which is how the library delivers it.
+    Query service(db, "SELECT 1 FROM Service WHERE Pid = ? AND printf('%s', Uuid) = ?");
+    return std::all_of(wanted.begin(), wanted.end(), [&](Entry const& entry) {
+        service.reset();
+        return held.count(entry.serviceId) != 0 || entry.uuid.empty() ||
+               service.bind(std::int64_t{entry.serviceId}).bind(entry.uuid).next();
+    });
+}
+
+bool stillStands(ListEdit const& edit, OnlyWriter& writer) {
+    return waitWhileLocked([&] {
+        ReadTransaction const oneState;
+        writer.look();
+        return storedState(edit.seen.list.uuid) == edit.seen.stored &&
+               areSameServices(edit.seen, edit.wanted.entries);
+    });
 }
 
 // False when the list is another one by now. What others write elsewhere in the file makes SQLite
 // refuse the commit, too; then the list is looked at again.
-bool commitIfUnchanged(SeenList const& seen, std::vector<std::string> const& request) {
+template <class Commit>
+bool commitIfUnchanged(ListEdit const& edit, OnlyWriter& writer, Commit commit) {
     for (int attempt = 1; attempt <= kMostCommits; ++attempt) {
-        if (!stillStands(seen))
+        if (!stillStands(edit, writer))
             return false;
         CommitGuard const guard;
         try {
-            submit(request);
+            commit();
+            writer.hasCommitted(guard.version());
             return true;
         } catch (Failure const&) {
             if (isMoved(db))
                 throw Failure("the database was replaced or renamed meanwhile; nothing is written");
-            if (!guard.hasRefused() && stillStands(seen))
+            if (!guard.hasRefused() && stillStands(edit, writer))
                 throw;
         }
         forgetMessages();
         giveWay(attempt);
     }
-    throw Failure("other processes write to the database all the time; nothing is written");
+    throw Failure(
+        "other processes write to the database all the time, or its disk is full; nothing is "
+        "written");
 }
 
 // A service that joins a FAV list is shown at first.
@@ -87,7 +120,7 @@ std::vector<std::size_t> joiningHidden(SeenList const& seen, std::vector<Entry> 
 }
 
 // As the list is by then.
-void hideJoined(List const& list, std::vector<Entry> const& joined) {
+void hideJoined(List const& list, std::vector<Entry> const& joined, OnlyWriter& writer) {
     for (int attempt = 1; attempt <= kMostTries; ++attempt) {
         SeenList seen;
         {
@@ -99,7 +132,10 @@ void hideJoined(List const& list, std::vector<Entry> const& joined) {
             for (Entry& entry : entries)
                 if (entry.serviceId == each.serviceId)  // others may have moved it
                     entry.deleted = true;
-        if (entries == seen.entries || commitIfUnchanged(seen, favListRequest(list, entries)))
+        bool const isDone = entries == seen.entries;
+        std::vector<std::string> const request = favListRequest(list, entries);
+        if (isDone || commitIfUnchanged({std::move(seen), {std::move(entries), false}}, writer,
+                                        [&] { submit(request); }))
             return;
         giveWay(attempt);
     }
@@ -116,14 +152,13 @@ void afterTheCommit(std::string const& what, Step step) {
     }
 }
 
-// The lists as this write left them: what stands there, unless others have written since.
-Snapshot writtenLists(Snapshot const& expected) {
+// The lists as this write left them: what stands there, unless others have written, too.
+Snapshot writtenLists(Snapshot const& expected, OnlyWriter const& writer) {
     sqlite3* const file = db;
-    auto const version = fileVersion(file);
     Snapshot lists;
     try {
         FrozenDatabase const frozen(kReadAgain);
-        if (!version || fileVersion(file) != version)
+        if (!writer.isAlone(fileVersion(file)))
             return expected;
         for (ListEntries const& list : expected)
             lists.push_back({list.uuid, list.listName, readEntries(list.uuid).entries, list.isFav});
@@ -143,31 +178,53 @@ void noteUndelivered(SeenList const& seen) {
 }
 
 // One list; false when it was overtaken.
-bool writeOne(ListEdit const& edit) {
+bool writeOne(ListEdit const& edit, OnlyWriter& writer) {
     SeenList const& seen = edit.seen;
     std::vector<Entry> const& entries = edit.wanted.entries;
     bool const closesGaps = edit.wanted.renumber && seen.list.favIndex != 0;
-    if (areSame(entries, seen.entries)) {
-        if (closesGaps)
-            renumber(seen.list);
-        return true;
-    }
-    if (!commitIfUnchanged(seen, requestFor(seen, edit.wanted)))
+    if (areSame(entries, seen.entries))
+        return !closesGaps || commitIfUnchanged(edit, writer, [&] { renumber(seen.list); });
+    std::vector<std::string> const request = requestFor(seen, edit.wanted);
+    if (!commitIfUnchanged(edit, writer, [&] { submit(request); }))
         return false;
     noteUndelivered(seen);
     std::vector<Entry> joined;
     for (std::size_t const i : joiningHidden(seen, entries))
         joined.push_back(entries[i]);
     if (!joined.empty())
-        afterTheCommit("what joins hidden is shown", [&] { hideJoined(seen.list, joined); });
+        afterTheCommit("what joins hidden is shown",
+                       [&] { hideJoined(seen.list, joined, writer); });
     if (closesGaps)
-        afterTheCommit("it could not be renumbered", [&] { renumber(seen.list); });
+        afterTheCommit("it could not be renumbered", [&] {
+            if (renumber(seen.list))
+                writer.hasCommittedUnseen();
+        });
     return true;
 }
 
 bool isAsked(ListEdit const& edit) {
     return !areSame(edit.wanted.entries, edit.seen.entries) ||
            (edit.wanted.renumber && edit.seen.list.favIndex != 0);
+}
+
+// What the request of the edit makes of the lists that it reaches.
+void expect(ListEdit const& edit, Snapshot& lists) {
+    SeenList const& seen = edit.seen;
+    std::vector<Entry> const& entries = edit.wanted.entries;
+    std::map<unsigned int, bool> deleted;  // by service, what an edit of other lists changes
+    for (std::size_t i = 0; seen.list.favIndex == 0 && i < entries.size(); ++i)
+        if (entries[i].deleted != seen.entries[i].deleted)
+            deleted[entries[i].serviceId] = entries[i].deleted;
+    for (ListEntries& list : lists) {
+        if (list.uuid == seen.list.uuid) {
+            list.entries = entries;
+            continue;
+        }
+        for (Entry& entry : list.entries)
+            if (auto const found = deleted.find(entry.serviceId);
+                list.isFav && found != deleted.end())
+                entry.deleted = found->second;
+    }
 }
 
 bool areSame(Snapshot const& before, Snapshot const& after) {
@@ -180,62 +237,53 @@ bool areSame(Snapshot const& before, Snapshot const& after) {
 
 }  // namespace
 
-Snapshot expectedLists(ListEdit const& edit) {
-    SeenList const& seen = edit.seen;
-    std::vector<Entry> const& entries = edit.wanted.entries;
-    std::map<unsigned int, bool> deleted;  // by service, what an edit of other lists changes
-    for (std::size_t i = 0; seen.list.favIndex == 0 && i < entries.size(); ++i)
-        if (entries[i].deleted != seen.entries[i].deleted)
-            deleted[entries[i].serviceId] = entries[i].deleted;
-    Snapshot lists = seen.reached;
-    for (ListEntries& list : lists) {
-        if (list.uuid == seen.list.uuid) {
-            list.entries = entries;
-            continue;
-        }
-        for (Entry& entry : list.entries)
-            if (auto const found = deleted.find(entry.serviceId); found != deleted.end())
-                entry.deleted = found->second;
-    }
+Snapshot expectedLists(ListEdit const& edit) { return expectedLists(std::vector{edit}); }
+
+Snapshot expectedLists(std::vector<ListEdit> const& edits) {
+    Snapshot lists;
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, lists);
+    for (ListEdit const& edit : edits)
+        expect(edit, lists);
     return lists;
 }
 
 Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping) {
     Written result;
-    for (ListEdit const& edit : edits)
+    std::map<std::string, std::string> states;
+    for (ListEdit const& edit : edits) {
         addMissing(edit.seen.reached, result.before);
+        states.insert(edit.seen.reachedStates.begin(), edit.seen.reachedStates.end());
+    }
     result.after = result.before;
     Snapshot expected = result.before;
+    OnlyWriter writer(std::move(states));
     bool isKept = false;
     std::vector<std::string> written;  // their names
     for (ListEdit const& edit : edits) {
         if (!isAsked(edit))
             continue;
         if (!isKept)
-            keeping.store.keepLists(keeping.command, result.before);
+            keeping.store.keepLists(keeping.command, result.before, expectedLists(edits));
         isKept = true;
         try {
-            if (!writeOne(edit)) {
+            if (!writeOne(edit, writer)) {
                 result.overtaken = displayName(edit.seen.list);
                 break;
             }
         } catch (std::exception const& error) {
             if (result.ending != Ending::Written)
                 throw;
-            keeping.store.keepOnlyChanged(writtenLists(expected));
+            keeping.store.keepOnlyChanged(writtenLists(expected, writer));
             throw Failure(displayName(edit.seen.list) + ": " + error.what() +
                           "; written before: " + joined(written));
         }
         result.ending = Ending::Written;
         written.push_back(displayName(edit.seen.list));
-        for (ListEntries const& list : expectedLists(edit))
-            for (ListEntries& each : expected)
-                if (each.uuid == list.uuid &&
-                    (list.uuid == edit.seen.list.uuid || edit.seen.list.favIndex == 0))
-                    each.entries = list.entries;
+        expect(edit, expected);
     }
     if (result.ending == Ending::Written)
-        result.after = writtenLists(expected);
+        result.after = writtenLists(expected, writer);
     if (areSame(result.before, result.after)) {  // there were no gaps
         keeping.store.discard();
         result.ending = result.overtaken.empty() ? Ending::NothingToDo : Ending::Overtaken;

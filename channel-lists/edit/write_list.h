@@ -31,8 +31,10 @@ enum class Ending {
 
 struct Written {
     Ending ending = Ending::NothingToDo;
-    Snapshot before, after;  // of the lists that the write reaches; `after` by this write alone
-    std::string overtaken;   // the list that somebody changed, of several the first; "" for none
+    // Of the lists that the write reaches. `after` is by this write alone: where others wrote to
+    // the lists, too, it is what the request alone makes of them.
+    Snapshot before, after;
+    std::string overtaken;  // the list that somebody changed, of several the first; "" for none
 };
 
 // One list of a write.
@@ -51,6 +53,8 @@ Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping);
 // The lists as the write of one will leave them, as far as the request alone tells: not what is
 // renumbered.
 Snapshot expectedLists(ListEdit const& edit);
+// Of several, one after the other.
+Snapshot expectedLists(std::vector<ListEdit> const& edits);
 
 // Sees the list, asks what is wanted of it and writes that: again, with the list as it is then, as
 // often as somebody changed it in between, some fifty times. Throws Failure when that does not

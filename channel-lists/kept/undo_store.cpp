@@ -4,6 +4,7 @@
 #include <channellist-access/db_access.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,6 +28,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMostCopies = 10;
+constexpr std::int64_t kLastNumber = 1000000000;
 
 std::string stateFolder() {
     char const* const state = std::getenv("XDG_STATE_HOME");
@@ -83,6 +85,14 @@ bool isChanged(ListEntries const& list, Snapshot const& now) {
         });
 }
 
+// Locks the open file unless another process has, or has given the name to something else since.
+bool lockNamed(int descriptor, std::string const& file) {
+    struct stat opened, named;
+    return flock(descriptor, LOCK_EX | LOCK_NB) == 0 && fstat(descriptor, &opened) == 0 &&
+           stat(file.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+           opened.st_ino == named.st_ino;
+}
+
 // The members of a stored item and their names in a copy.
 constexpr std::pair<char const*, std::optional<std::int64_t> StoredItem::*> kMembers[] = {
     {"number", &StoredItem::number},
@@ -120,6 +130,7 @@ KeptCopy copyFrom(int number, Json const& json) {
     copy.time = json.at("time");
     copy.command = json.at("command");
     copy.undoes = json.value("undoes", 0);
+    copy.alongside = json.value("alongside", copy.alongside);
     copy.content = json.value("content", "");
     for (Json const& list : json.at("lists")) {
         copy.lists.push_back(listFrom(list));
@@ -155,11 +166,9 @@ bool isTakenBack(KeptCopy const& copy, std::vector<KeptCopy> const& copies) {
     return std::any_of(
         copies.begin(), copies.end(),
         [&](KeptCopy const& each) {
-            bool const isOfAll =
-                each.undoes != 0 && !each.file.empty();  // what came later went, too
             return each.undoes == copy.number ||
-                   (isOfAll && copy.undoes == 0 && each.undoes < copy.number &&
-                    copy.number < each.number);
+                   std::find(each.alongside.begin(), each.alongside.end(), copy.number) !=
+                       each.alongside.end();
         });
 }
 
@@ -226,7 +235,7 @@ std::vector<int> UndoStore::numbers(char const* ending) const {
          file.increment(failed)) {
         fs::path const& path = file->path();
         auto const number = wholeNumber(path.stem().string());
-        if (number && path.extension() == ending)
+        if (number && *number <= kLastNumber && path.extension() == ending)
             found.push_back(static_cast<int>(*number));
     }
     if (failed && failed != std::errc::no_such_file_or_directory)
@@ -260,9 +269,14 @@ void UndoStore::makeFolder() const {
 
 // Another command may be at the same; one that died has left what it had claimed.
 bool UndoStore::claim(int number) {
-    claimed_ = open(fileOf(number, ".part").c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-    if (claimed_ >= 0)
-        return flock(claimed_, LOCK_EX | LOCK_NB) == 0;
+    std::string const file = fileOf(number, ".part");
+    claimed_ = open(file.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (claimed_ >= 0 && lockNamed(claimed_, file))
+        return true;
+    if (claimed_ >= 0) {  // whoever settles was faster
+        close(std::exchange(claimed_, -1));
+        return false;
+    }
     if (errno == EEXIST)
         return false;
     throw Failure("cannot write to " + folder_ + ": " + std::strerror(errno));
@@ -279,6 +293,8 @@ void UndoStore::write(KeptCopy const& copy) const {
     Json json = {{"time", copy.time}, {"command", copy.command}, {"lists", lists}};
     if (copy.undoes != 0)
         json["undoes"] = copy.undoes;
+    if (!copy.alongside.empty())
+        json["alongside"] = copy.alongside;
     if (!copy.content.empty())
         json["content"] = copy.content;
     for (ListEntries const& list : copy.after)
@@ -293,11 +309,11 @@ void UndoStore::write(KeptCopy const& copy) const {
 }
 
 KeptCopy UndoStore::read(int number, char const* ending) const {
-    std::ifstream in(fileOf(number, ending));
     KeptCopy copy;
     try {
+        std::ifstream in(fileOf(number, ending));
         copy = copyFrom(number, Json::parse(in));
-    } catch (Json::exception const&) {
+    } catch (std::exception const&) {  // of a folder, too
         copy = KeptCopy();
         copy.number = number;
         copy.isReadable = false;
@@ -341,34 +357,42 @@ void UndoStore::keep(KeptCopy& copy) {
     }
 }
 
-void UndoStore::keepIn(std::string const& command, Snapshot const& lists, int undoes) {
+void UndoStore::keepIn(KeptCopy copy) {
     if (folder_.empty())
         throw Failure("neither XDG_STATE_HOME nor HOME names a folder for it");
-    KeptCopy copy;
-    copy.command = command;
-    copy.lists = lists;
-    copy.undoes = undoes;
     keep(copy);
     last_ = std::move(copy);
 }
 
-void UndoStore::keepLists(std::string const& command, Snapshot const& lists, int undoes) {
+void UndoStore::keepLists(std::string const& command, Snapshot const& lists, Snapshot const& after,
+                          int undoes) {
     if (!isOn_)
         return;
+    KeptCopy copy;
+    copy.command = command;
+    copy.lists = lists;
+    copy.after = after;
+    copy.undoes = undoes;
     try {
-        keepIn(command, lists, undoes);
+        keepIn(std::move(copy));
     } catch (std::exception const& error) {
         listener().note(std::string("\"undo\" will not know of this: ") + error.what());
     }
 }
 
-void UndoStore::keepDatabase(std::string const& command, int undoes) {
+void UndoStore::keepDatabase(std::string const& command, std::string const& content, int undoes,
+                             std::vector<int> const& alongside) {
     std::error_code failed;
     if (!isOn_ || (fs::file_size(database_, failed) == 0 && !failed))
         return;
     discard();  // what was kept before somebody else wrote
+    KeptCopy copy;
+    copy.command = command;
+    copy.content = content;
+    copy.undoes = undoes;
+    copy.alongside = alongside;
     try {
-        keepIn(command, {}, undoes);
+        keepIn(std::move(copy));
     } catch (std::exception const& error) {
         throw Failure(std::string("no copy could be kept, and nothing is written") +
                       (undoes == 0 ? " (--no-undo does without): " : ": ") + error.what());
@@ -388,6 +412,7 @@ void UndoStore::keepOnlyChanged(Snapshot const& now) {
         return;  // and the copy goes with this object
     if (!reachesAll)
         last_.lists = std::move(changed);
+    last_.after.clear();
     for (ListEntries const& list : last_.lists)
         std::copy_if(now.begin(), now.end(), std::back_inserter(last_.after),
                      [&](ListEntries const& each) { return each.uuid == list.uuid; });
@@ -405,7 +430,7 @@ void UndoStore::settle(std::function<bool(KeptCopy const&)> const& wasWritten) c
     for (int const number : numbers(".part")) {
         std::string const file = fileOf(number, ".part");
         int const claimed = open(file.c_str(), O_RDWR | O_CLOEXEC);
-        if (claimed >= 0 && flock(claimed, LOCK_EX | LOCK_NB) == 0) {
+        if (claimed >= 0 && lockNamed(claimed, file)) {
             KeptCopy const copy = read(number, ".part");
             if (!copy.isReadable || !wasWritten(copy))
                 remove(number);

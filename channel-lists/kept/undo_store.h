@@ -30,12 +30,13 @@ struct KeptCopy {
     std::string time;
     std::string command;  // that kept it: "edit FAV1"
     Snapshot lists;       // before the command
-    Snapshot after;  // the same lists as it left them; of older copies nothing is known of that
+    Snapshot after;       // the same lists as it left them, until then as it was to leave them
     std::map<std::string, std::vector<StoredItem>> items;  // by the uuid of a list, before
-    std::string file;        // the whole database; "" where there are lists
-    std::string content;     // digest of the whole database as the command left it; "" unknown
-    int undoes = 0;          // the copy that was taken back by this write
-    bool isReadable = true;  // else nothing but the number is known
+    std::string file;            // the whole database; "" where there are lists
+    std::string content;         // digest of the whole database as the command left it; "" unknown
+    int undoes = 0;              // the copy that was taken back by this write
+    std::vector<int> alongside;  // later ones that went with it
+    bool isReadable = true;      // else nothing but the number is known
 };
 
 // Whether a later one took the copy back.
@@ -50,10 +51,14 @@ class UndoStore {
     UndoStore(UndoStore const&) = delete;
     UndoStore& operator=(UndoStore const&) = delete;
 
-    // Where nothing can be kept, the listener is told, and the command goes on.
-    void keepLists(std::string const& command, Snapshot const& lists, int undoes = 0);
-    // Nothing else brings a whole database back: throws Failure where it cannot be kept.
-    void keepDatabase(std::string const& command, int undoes = 0);
+    // What the command is to make of them tells, should it die, whether it did. Where nothing can
+    // be kept, the listener is told, and the command goes on.
+    void keepLists(std::string const& command, Snapshot const& lists, Snapshot const& after,
+                   int undoes = 0);
+    // `content` as in KeptCopy. Nothing else brings a whole database back: throws Failure where it
+    // cannot be kept.
+    void keepDatabase(std::string const& command, std::string const& content, int undoes = 0,
+                      std::vector<int> const& alongside = {});
 
     // The write is done. Of what keepLists kept, only the lists that differ from `now` stay;
     // nothing when none does.
@@ -65,7 +70,7 @@ class UndoStore {
 
     // The oldest first. Throws Failure when the folder cannot be read.
     std::vector<KeptCopy> copies() const;
-    // What is left of processes that died is kept if they had written, and removed else.
+    // What is left of processes that died is kept if they may have written, and removed else.
     void settle(std::function<bool(KeptCopy const&)> const& wasWritten) const;
     void remove(int number) const;
     // Whether another command takes the copy back, or has done so by now.
@@ -82,7 +87,7 @@ class UndoStore {
     void keep(KeptCopy& copy);
     bool tryToWrite() const;
     void rewriteAndConfirm();
-    void keepIn(std::string const& command, Snapshot const& lists, int undoes);
+    void keepIn(KeptCopy copy);
 
     std::string database_;
     bool isOn_;

@@ -128,7 +128,7 @@ void findCauses(std::vector<Change>& changes) {
 Snapshot takeSnapshot(List const& edited) {
     Snapshot snapshot;
     for (List const& list : allLists()) {
-        if (list.pid != edited.pid && list.favIndex == 0)
+        if (list.pid != edited.pid && (list.favIndex == 0 || edited.favIndex != 0))
             continue;
         snapshot.push_back(
             {list.uuid, displayName(list), readEntries(list.uuid).entries, list.favIndex != 0});

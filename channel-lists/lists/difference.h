@@ -22,6 +22,7 @@ struct ListEntries {
 // The edited list, if one has its key, and the FAV lists.
 using Snapshot = std::vector<ListEntries>;
 
+// The lists that an edit of one reaches: of FAV1 to FAV4 itself, else these and itself.
 Snapshot takeSnapshot(List const& edited);
 
 // Adds those of `lists` that `all` does not hold.

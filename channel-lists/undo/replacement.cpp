@@ -123,7 +123,8 @@ std::string bringBack(std::string const& file, std::string const& database,
     if (exists)
         channel_database::replaceContent(db, database, [&] {
             lookAtIt();
-            undo.keepDatabase(replacement.command, replacement.undoes);
+            undo.keepDatabase(replacement.command, content, replacement.undoes,
+                              replacement.alongside);
         });
     else
         channel_database::writeNewFile(db, database);

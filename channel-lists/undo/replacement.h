@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace channel_lists {
 
@@ -10,6 +11,7 @@ struct Replacement {
     bool dryRun = false;
     std::string command;               // for "undo --list"; "" keeps nothing for it
     int undoes = 0;                    // the kept copy that is taken back
+    std::vector<int> alongside = {};   // the later ones that go with it
     std::function<void()> check = {};  // throws where what the database holds is not to be replaced
 };
 

@@ -55,6 +55,7 @@ class KeptServices {
             return std::nullopt;
         entry.serviceId = service->serviceId;
         entry.name = service->name;
+        entry.uuid = service->uuid;
         return entry;
     }
 
@@ -224,17 +225,20 @@ bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& 
 
 struct Plan {
     std::vector<ListEdit> otherLists, favLists;
+    Snapshot expected;  // the lists behind both
 };
 
 // All of one state of the database.
 Plan makePlan(KeptCopy const& copy, TakenBack& result) {
     FrozenDatabase const frozen;
     Planner planner(copy, result);
-    Plan plan = {planner.plan(Kind::OtherLists), planner.plan(Kind::FavLists)};
-    for (std::vector<ListEdit> const* edits : {&plan.otherLists, &plan.favLists})
-        for (ListEdit const& edit : *edits)
-            addMissing(edit.seen.reached, result.before);
+    Plan plan = {planner.plan(Kind::OtherLists), planner.plan(Kind::FavLists), {}};
+    std::vector<ListEdit> edits = plan.otherLists;
+    edits.insert(edits.end(), plan.favLists.begin(), plan.favLists.end());
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, result.before);
     result.after = result.before;
+    plan.expected = expectedLists(edits);
     return plan;
 }
 
@@ -285,7 +289,7 @@ bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenB
     if (!result.isWritten) {
         bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
         store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number),
-                        result.before, isRedo ? 0 : copy.number);
+                        result.before, plan.expected, isRedo ? 0 : copy.number);
     }
     bool const isDone = writePlan(std::move(plan), copy, result);
     if (!result.isWritten)

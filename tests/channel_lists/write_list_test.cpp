@@ -122,8 +122,9 @@ SeenList see(std::string const& word) {
 
 constexpr char kUntouched[] = "11:1:1 11:2:2 11:3:3 12:4:4 ";
 
-// Entry 2 goes to 7 while others write, at every moment that the library speaks of. Whatever comes
-// first, nobody's change is lost: an edit that rests on what is no longer so writes nothing.
+// Entry 2 goes to 7 and service 4 joins while others write, at every moment that the library speaks
+// of. Whatever comes first, nobody's change is lost: an edit that rests on what is no longer so
+// writes nothing.
 TEST_P(WriteList, WritesOnlyWhatWasSeenAtEveryMoment) {
     const struct {
         char const* others;
@@ -136,8 +137,9 @@ TEST_P(WriteList, WritesOnlyWhatWasSeenAtEveryMoment) {
         {"UPDATE Service SET Uuid = 'another' WHERE Pid = 2", Ending::Overtaken, kUntouched},
         {"UPDATE FavoriteList SET Uuid = Uuid || 'x' WHERE Pid = 11", Ending::Overtaken,
          kUntouched},
+        {"UPDATE Service SET Uuid = 'another' WHERE Pid = 4", Ending::Overtaken, kUntouched},
         {"UPDATE FavoriteItem SET ChannelNum = 9 WHERE FavoriteId = 12", Ending::Written,
-         "11:1:1 11:3:3 11:7:2 12:9:4 "},
+         "11:1:1 11:3:3 11:7:2 11:8:4 12:9:4 "},
     };
     for (auto const& c : cases) {
         int written = 0;
@@ -146,6 +148,8 @@ TEST_P(WriteList, WritesOnlyWhatWasSeenAtEveryMoment) {
             SeenList const seen = see("fav1");
             WantedList wanted{seen.entries, false};
             wanted.entries[1].number = 7;
+            wanted.entries.push_back(see("all").entries[3]);
+            wanted.entries.back().number = 8;
             UndoStore store(file(), false);
             Other other(file(), c.others, moment);
             Written const result = writeLists({{seen, wanted}}, {store, "edit"});
@@ -207,6 +211,44 @@ TEST_P(WriteList, TakesBackItsOwnChangeAloneAtAnyMoment) {
             }
         }
         EXPECT_GT(between, 3) << c.others << ": hardly ever in between";
+    }
+}
+
+// What others write to a list that the edit reaches, at whatever moment, is neither told as the
+// edit's nor goes with it: entry 1 is hidden or removed, and service 4 joins FAV1 by another hand.
+TEST_P(WriteList, TellsAndTakesBackNothingOfOthers) {
+    constexpr char kOthers[] =
+        "INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (4, 11, 9)";
+    const struct {
+        char const* list;
+        bool renumber;
+    } cases[] = {{"all", false}, {"fav1", false}, {"fav1", true}, {"fav2", false}};
+    for (auto const& c : cases) {
+        int between = 0;
+        for (int moment = 1, last = 1; moment <= last; moment += 2) {
+            make();
+            SeenList const seen = see(c.list);
+            WantedList wanted{seen.entries, c.renumber};
+            if (c.list == std::string("all"))
+                wanted.entries[0].deleted = true;
+            else
+                wanted.entries.erase(wanted.entries.begin());
+            fs::remove_all(folder_ / ".local");
+            UndoStore store(file());
+            Other other(file(), kOthers, moment);
+            Written const written = writeLists({{seen, wanted}}, {store, "edit"});
+            last = other.messages;
+            SCOPED_TRACE(std::string(c.list) + " at " + std::to_string(moment));
+            if (written.ending == Ending::Overtaken)
+                continue;
+            for (Change const& change : differences(written.before, written.after))
+                EXPECT_TRUE(change.serviceId != 4 || change.listName == "FAV2");
+            UndoStore undone(file());
+            takeBack(store.copies().back(), false, undone);
+            EXPECT_EQ(items().find(":4 12:") != std::string::npos, other.hasWritten) << items();
+            between += other.hasWritten;
+        }
+        EXPECT_GT(between, 1) << c.list << ": hardly ever in between";
     }
 }
 

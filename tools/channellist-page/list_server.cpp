@@ -149,7 +149,13 @@ std::map<std::int64_t, Entry> knownServices(std::vector<SeenList> const& lists) 
 struct Task {
     std::vector<ListEdit> others, favLists;
     Json overtaken = Json::array();
-    Snapshot before;
+    Snapshot before, after;  // as it was, and as this task makes it
+
+    std::vector<ListEdit> edits() const {
+        std::vector<ListEdit> all = others;
+        all.insert(all.end(), favLists.begin(), favLists.end());
+        return all;
+    }
 };
 
 Task taskOf(Json const& request) {
@@ -170,13 +176,15 @@ Task taskOf(Json const& request) {
     std::size_t at = 0;
     for (Json const& each : request.at("lists")) {
         SeenList const& list = seen[at++];
-        addMissing(list.reached, task.before);
         std::vector<Entry> wanted = wantedEntries(each.at("entries"), list, services);
         if (list.list.favIndex != 0)
             task.favLists.push_back({list, {std::move(wanted), false}});
         else
             task.others.push_back({list, {inStoredOrder(std::move(wanted), list), false}});
     }
+    for (SeenList const& list : seen)
+        addMissing(list.reached, task.before);
+    task.after = task.before;
     return task;
 }
 
@@ -208,7 +216,12 @@ void write(Task& task) {
     UndoStore off("", false);
     auto const writeAll = [&](std::vector<ListEdit> const& edits) {
         for (ListEdit const& edit : edits) {
-            if (writeLists({edit}, {off, ""}).ending != Ending::Overtaken)
+            Written const written = writeLists({edit}, {off, ""});
+            for (ListEntries& list : task.after)
+                for (ListEntries const& each : written.after)
+                    if (each.uuid == list.uuid && written.ending == Ending::Written)
+                        list.entries = each.entries;
+            if (written.ending != Ending::Overtaken)
                 continue;
             task.overtaken.push_back(edit.seen.list.uuid);
             return false;
@@ -219,20 +232,11 @@ void write(Task& task) {
         writeAll(task.favLists);
 }
 
-Snapshot read(Snapshot const& lists) {
-    FrozenDatabase const frozen;
-    Snapshot now;
-    for (ListEntries const& list : lists)
-        now.push_back({list.uuid, list.listName, readEntries(list.uuid).entries, list.isFav});
-    return now;
-}
-
 std::string namesOf(Task const& task) {
     std::vector<std::string> names;
-    for (auto const* edits : {&task.others, &task.favLists})
-        for (ListEdit const& edit : *edits)
-            if (edit.wanted.entries != edit.seen.entries)
-                names.push_back(displayName(edit.seen.list));
+    for (ListEdit const& edit : task.edits())
+        if (edit.wanted.entries != edit.seen.entries)
+            names.push_back(displayName(edit.seen.list));
     return joined(names);
 }
 
@@ -329,16 +333,15 @@ Json ListServer::save(Json const& request) {
     bool isWritten = false;
     if (task.overtaken.empty() && !names.empty()) {
         UndoStore undo(database_);
-        undo.keepLists("page: " + names, task.before);
+        undo.keepLists("page: " + names, task.before, expectedLists(task.edits()));
         try {
             write(task);
         } catch (...) {
-            undo.keepOnlyChanged(read(task.before));
+            undo.keepOnlyChanged(task.after);
             throw;
         }
-        Snapshot const after = read(task.before);
-        isWritten = !differences(task.before, after).empty();
-        undo.keepOnlyChanged(after);
+        isWritten = !differences(task.before, task.after).empty();
+        undo.keepOnlyChanged(task.after);
     }
     return {{"written", isWritten}, {"overtaken", task.overtaken}, {"notes", notes_}};
 }

@@ -68,7 +68,7 @@ void mendThem(std::string const& database, Findings const& findings, CommitGuard
         std::cout << "    " << displayText(sql) << ";\n";
     std::cout << std::flush;
     UndoStore undo(database);
-    undo.keepDatabase("check --mend");
+    undo.keepDatabase("check --mend", "");  // only the statements tell what they leave
     std::string content;
     try {
         content = mend(statements);

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <map>
+#include <set>
 
 #include "commands/commands.h"
 #include "database/frozen_database.h"
@@ -138,18 +140,23 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
     report(options, written);
 }
 
-// A file says what the list is to be, whatever it was: what comes in between is told.
+// A file says what the list is to be, whatever it was: what comes in between is told. Where a scan
+// gave other keys to the services that join, they are looked up again.
 void takeFile(Options const& options, std::string const& text, Keeping const& keeping) {
-    Sight const sight = look(options.list);
-    std::vector<Entry> const after =
-        contentOf(sight, text, options.from == "-" ? "input" : options.from, options.allowed);
-    Written const written = writeLists({{sight.seen, {after, options.renumber}}}, keeping);
-    if (written.ending == Ending::Overtaken) {
-        throw Failure(
-            tellOthers(sight.seen.list, sight.seen.entries, look(options.list).seen.entries) +
-            "\nnothing is written");
+    constexpr int kMostTries = 20;
+    std::string const source = options.from == "-" ? "input" : options.from;
+    for (int tries = 0; tries < kMostTries; ++tries) {
+        Sight const sight = look(options.list);
+        std::vector<Entry> const after = contentOf(sight, text, source, options.allowed);
+        Written const written = writeLists({{sight.seen, {after, options.renumber}}}, keeping);
+        if (written.ending != Ending::Overtaken)
+            return report(options, written);
+        SeenList const now = look(options.list).seen;
+        if (now.stored != sight.seen.stored)
+            throw Failure(tellOthers(sight.seen.list, sight.seen.entries, now.entries) +
+                          "\nnothing is written");
     }
-    report(options, written);
+    throw Failure("the services get other keys all the time; nothing is written");
 }
 
 bool confirm(ListEdit const& edit, EditorSession const& editor) {
@@ -187,6 +194,34 @@ std::optional<std::vector<Entry>> mergeInto(Sight const& now, Sight const& then,
     return std::move(merged.entries);
 }
 
+// By the keys that the services have now: a scan deals new ones.
+void renewKeys(std::vector<Entry>& entries, Sight const& now) {
+    std::set<std::pair<unsigned int, std::string>> current;
+    std::map<std::string, unsigned int> keys;
+    for (std::vector<Entry> const* services : {&now.seen.entries, &now.joining})
+        for (Entry const& entry : *services) {
+            current.emplace(entry.serviceId, entry.uuid);
+            keys.emplace(entry.uuid, entry.serviceId);
+        }
+    for (Entry& entry : entries)
+        if (auto const key = keys.find(entry.uuid);
+            !entry.uuid.empty() && key != keys.end() &&
+            current.count({entry.serviceId, entry.uuid}) == 0)
+            entry.serviceId = key->second;
+}
+
+void checkJoining(std::vector<Entry> const& wanted, Sight const& now) {
+    std::set<unsigned int> held;
+    std::set<std::pair<unsigned int, std::string>> joining;
+    for (Entry const& entry : now.seen.entries)
+        held.insert(entry.serviceId);
+    for (Entry const& entry : now.joining)
+        joining.emplace(entry.serviceId, entry.uuid);
+    for (Entry const& entry : wanted)
+        if (held.count(entry.serviceId) == 0 && joining.count({entry.serviceId, entry.uuid}) == 0)
+            throw Failure(described(entry) + " is in the database no more; nothing is written");
+}
+
 // An unchanged text, and a "no", leave everything as it is. What others write while the editor is
 // open, or the question, is merged.
 void editInEditor(Options const& options, Keeping const& keeping) {
@@ -197,11 +232,14 @@ void editInEditor(Options const& options, Keeping const& keeping) {
     Written written;
     while (wanted) {
         Sight now = look(sight.seen.list.uuid);
-        if (now.seen.stored != sight.seen.stored) {
+        renewKeys(*wanted, now);
+        renewKeys(sight.seen.entries, now);
+        if (now.seen.entries != sight.seen.entries) {
             wanted = mergeInto(now, sight, *wanted, editor);
             if (!wanted)
                 throw Failure("nothing is written");
         }
+        checkJoining(*wanted, now);
         sight = std::move(now);
         ListEdit const edit{sight.seen, {*wanted, options.renumber}};
         if (!options.dryRun && *wanted != sight.seen.entries)

@@ -90,8 +90,8 @@ void makeDatabase(ChannelsConf const& list, Options const& options) {
         Progress progress;
         services = makeDatabaseFile(list, options.database, options.force, std::ref(progress),
                                     [&](sqlite3* made) {
-                                        undo.keepDatabase("import --force");
                                         content = contentDigest(made);
+                                        undo.keepDatabase("import --force", content);
                                     });
     }
     undo.confirm(content);

@@ -147,17 +147,25 @@ std::string digestOf(std::string const& database) {
     }
 }
 
+Copies laterOnes(KeptCopy const& copy, Copies const& copies) {
+    Copies later;
+    std::copy_if(
+        copies.begin(), copies.end(), std::back_inserter(later), [&](KeptCopy const& each) {
+            return each.number > copy.number && each.undoes == 0 && !isTakenBack(each, copies);
+        });
+    return later;
+}
+
 // A whole database comes back with everything that was written since.
-void checkLater(std::string const& database, KeptCopy const& copy, Copies const& copies,
+void checkLater(std::string const& database, KeptCopy const& copy, Copies const& laterCopies,
                 Options const& options) {
     std::string later;
-    for (KeptCopy const& each : copies)
-        if (each.number > copy.number && each.undoes == 0 && !isTakenBack(each, copies))
-            later +=
-                "\n  " + std::to_string(each.number) + "  " + each.command + " of " + each.time;
-    std::string const now = later.empty() && !copy.content.empty() ? digestOf(database) : "";
+    for (KeptCopy const& each : laterCopies)
+        later += "\n  " + std::to_string(each.number) + "  " + each.command + " of " + each.time;
+    std::string const now = later.empty() ? digestOf(database) : "";
     if (!now.empty() && now != copy.content)
-        later = "\n  what others wrote to the database since";
+        later = copy.content.empty() ? "\n  whatever others wrote since: the copy does not tell"
+                                     : "\n  what others wrote to the database since";
     else if (!later.empty())
         later += "\n  and whatever others wrote since";
     if (later.empty())
@@ -229,10 +237,15 @@ int run(std::string const& database, Options const& options) {
     bool const isRedo = copy.undoes != 0;
     if (!copy.file.empty()) {
         bool const isKept = !isRedo || options.force;
-        std::string const changes = bringBack(
-            copy.file, database,
-            {options.dryRun, isKept ? "undo " + std::to_string(copy.number) : "",
-             isRedo ? 0 : copy.number, [&] { checkLater(database, copy, copies, options); }});
+        Copies const later = laterOnes(copy, copies);
+        std::vector<int> numbers;
+        for (KeptCopy const& each : later)
+            numbers.push_back(each.number);
+        std::string const changes =
+            bringBack(copy.file, database,
+                      {options.dryRun, isKept ? "undo " + std::to_string(copy.number) : "",
+                       isRedo ? 0 : copy.number, isRedo ? std::vector<int>() : numbers,
+                       [&] { checkLater(database, copy, later, options); }});
         printReplacement(copy.file, database, changes, options.dryRun);
     } else {
         code = takeBackLists(database, copy, options);
