@@ -171,6 +171,18 @@ class Page:
                 .find((row) => !row.hidden && row.querySelector('.name').textContent === arguments[1]);
             """, pane, name))
 
+    def begins(self, pane, *names):
+        """Waits until the rows of a pane begin with those."""
+        self.wait(lambda: [name for _, name in self.rows(pane)[:len(names)]] == [*names])
+
+    def reads(self, selector, words):
+        self.wait(lambda: words in self.text(selector))
+
+    def do(self, pane, label, name):
+        """Presses a button for the one row."""
+        self.row(pane, name).click()
+        self.press(label, pane)
+
     def search(self, pane, text):
         field = self.find(".search", pane)
         field.clear()
@@ -186,7 +198,7 @@ class Page:
             select.dispatchEvent(new Event('change'));""", pane, name)
 
     def saved(self):
-        self.wait(lambda: "flushed" in self.text("#count"))
+        self.reads("#count", "flushed")
 
     def save(self):
         self.press("save")
