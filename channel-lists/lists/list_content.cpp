@@ -88,17 +88,24 @@ void ListContent::move(std::size_t index, std::int64_t number) {
     entries_[index].number = number;
 }
 
-// Those in front of their place go there from the last on, those behind it from the first on: so
-// none of the block is between the old and the new place of another.
+// Those without a number join first, one behind the other. Then those in front of or at their place
+// go there from the last on, those behind it from the first on: so none of the block is between the
+// old and the new place of another.
 void ListContent::moveAll(std::vector<std::size_t> const& block, std::int64_t number) {
     checkFree(number);
+    std::optional<std::int64_t> last;
+    for (std::size_t const index : block)
+        if (!entries_[index].number) {
+            last = last ? numberAfter(*last) : number;
+            move(index, *last);
+        }
     std::vector<std::pair<std::size_t, std::int64_t>> moves;
     for (std::size_t const index : block) {
         moves.emplace_back(index, number);
         number = index == block.back() ? number : numberAfter(number);
     }
     auto const isInFront = [&](auto const& each) {
-        return entries_[each.first].number.value_or(kSmallest) < each.second;
+        return entries_[each.first].number <= each.second;
     };
     auto const behind = std::stable_partition(moves.begin(), moves.end(), isInFront);
     std::reverse(moves.begin(), behind);

@@ -1,4 +1,6 @@
 // check: each way in which a database can be broken is found, with its row and its consequence.
+#include <memory>
+
 #include "tool_process.h"
 
 using testing::HasSubstr;
@@ -300,6 +302,7 @@ TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
     std::filesystem::remove(folder / "set.db");
     sqlite3* opened = nullptr;
     sqlite3_open((folder / "set.db").c_str(), &opened);
+    std::unique_ptr<sqlite3, int (*)(sqlite3*)> const connection(opened, sqlite3_close);
     sqlite3_exec(opened, "PRAGMA encoding = 'UTF-16'", nullptr, nullptr, nullptr);
     ChannelDatabase d(opened);
     auto const all = d.list("tamun.sl2.servicelist$all", 1).name("$all").uuid("u-all");
@@ -310,7 +313,6 @@ TEST_F(ToolTest, LeavesSoundAndHarmlessRowsAlone) {
     d.put(all, d.dvbs("テレビ東京", 1), 1);
     d.put(all, d.dvbs2("ZDF HD", 2), 2);
     expect({"check", 0, "No findings.\n", nullptr});
-    sqlite3_close(opened);
 }
 
 TEST_F(ToolTest, CountsFindingsAndShortensLongOnes) {

@@ -54,6 +54,16 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
         EXPECT_NE(rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 11"), "0");
         write("set.db", before);
     }
+    char const* const blocks[][2] = {{"move '[ZVJ]*' to 1", "1 2;2 3;3 5;5 1"},
+                                     {"move '[ZVD]*' to 5", "1 5;5 2;6 3;7 1"}};
+    for (auto const& [operation, fav1] : blocks) {
+        change(
+            "UPDATE FavoriteItem SET ChannelNum = NULL"
+            " WHERE FavoriteId = 11 AND ServiceId IN (2, 3)");
+        output("edit FAV1 " + std::string(operation));
+        EXPECT_EQ(fav(1), fav1) << "a block stays together, also without numbers";
+        write("set.db", before);
+    }
 }
 
 TEST_F(ToolTest, ShowsWhatAnEditChanges) {

@@ -127,9 +127,12 @@ void PageServer::addFiles() {
         response.set_content(entranceTo(gate_->place()), "text/html");
         return httplib::Server::HandlerResponse::Handled;
     });
-    for (WebFile const& file : kWebFiles)
+    for (WebFile const& file : kWebFiles)  // from a provider, httplib does not compress them either
         server_->Get(gate_->place() + file.path, [&file](auto const&, auto& response) {
-            response.set_content(reinterpret_cast<char const*>(file.bytes), file.size, file.type);
+            response.set_content_provider(
+                file.size, file.type, [&file](std::size_t offset, std::size_t length, auto& sink) {
+                    return sink.write(reinterpret_cast<char const*>(file.bytes) + offset, length);
+                });
         });
 }
 
