@@ -13,6 +13,7 @@ from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
 BUILD = os.environ["CHANNELLIST_BUILD"]
@@ -184,18 +185,23 @@ class Page:
         self.press(label, pane)
 
     def search(self, pane, text):
-        field = self.find(".search", pane)
-        field.clear()
-        field.send_keys(text)
+        self.find(".search", pane).send_keys(Keys.CONTROL, "a", Keys.NULL, Keys.DELETE, text)
+
+    def filter(self, pane, **wishes):
+        for name in ("kind", "place", "hd", "scrambled", "hidden"):
+            self.set(self.find(f"[data-filter={name}]", pane), wishes.get(name, "all"))
+
+    def set(self, select, text):
+        self.run("""
+            const [select, text] = arguments;
+            select.value = [...select.options].find((each) => each.text === text).value;
+            select.dispatchEvent(new Event('change'));""", select, text)
 
     def press(self, label, pane=None):
         self.find(f"[data-do={label}]" if pane is not None else f"#{label}", pane).click()
 
     def choose(self, pane, name):
-        self.run("""
-            const select = document.querySelectorAll('.pane')[arguments[0]].querySelector('.choice');
-            select.value = [...select.options].find((each) => each.text === arguments[1]).value;
-            select.dispatchEvent(new Event('change'));""", pane, name)
+        self.set(self.find(".choice", pane), name)
 
     def saved(self):
         self.reads("#count", "flushed")

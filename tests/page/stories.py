@@ -8,6 +8,7 @@ import shutil
 import signal
 import socket
 import sqlite3
+import subprocess
 import threading
 import time
 import unittest
@@ -16,7 +17,7 @@ from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
-from page_world import SAMPLE, World
+from page_world import SAMPLE, SERVER, World
 
 FAVOURITES = os.path.join(os.path.dirname(SAMPLE), "favourites.conf")
 PICTURES = os.environ.get("CHANNELLIST_PICTURES")
@@ -130,6 +131,72 @@ class Building(Story):
         self.assertEqual(world.content("FAV1"), list(enumerate(expected, 1)))
 
 
+class Finding(Story):
+    def test_search_and_filters_show_and_take_exactly_what_fits(self):
+        self.world.tool("edit", "all", "hide", "3", "hide", "20")
+        services = json.loads(self.world.tool("services", "all", "--json"))
+        world, page, _ = self.begin()
+        page.choose(0, "FAV4")
+        before = world.names("FAV4")
+
+        def is_hidden(each):
+            return "hidden" in each["state"]
+
+        cases = [
+            ("hd BBC", {}, lambda each: "HD" in each["name"] and "BBC" in each["name"]),
+            ("19", {}, lambda each: "19" in each["name"] or str(each["number"]).startswith("19")),
+            ("", {"kind": "radio"}, lambda each: each["kind"] == "radio"),
+            ("", {"place": "satellite 1282"}, lambda each: each["satellite"] == 1282),
+            ("", {"hidden": "yes"}, is_hidden),
+            ("", {"scrambled": "yes", "hd": "no"},
+             lambda each: "scrambled" in each["state"] and not each["hd"]),
+            ("sport", {"hd": "yes", "hidden": "no"},
+             lambda each: "sport" in each["name"].lower() and each["hd"] and not is_hidden(each)),
+            ("", {"place": "cable", "kind": "TV", "scrambled": "no", "hidden": "no"},
+             lambda each: each["delivery"] == "cable" and each["kind"] == "TV" and not each["state"]),
+        ]
+        for text, wishes, fits in cases:
+            page.search(1, text)
+            page.filter(1, **wishes)
+            found = [each["name"] for each in services if fits(each)]
+            page.press("all", 1)
+            self.assertEqual(page.find(".chosen", 1).text, f"{len(found)} selected", wishes)
+            seen = [name for _, name in page.rows(1)]
+            self.assertEqual(seen, found[:len(seen)], (text, wishes))
+        self.drag(page, page.row(1, found[2]), page.row(0, before[1]))
+        page.begins(0, *before[:2], *found)
+        page.search(0, "jazz")
+        page.press("all", 0)
+        self.drag(page, page.row(0, "Swiss Jazz"), page.row(0, "Jazz FM"), below=False)
+        page.press("end", 0)
+        page.save()
+        jazz = ["Jazz FM", "Swiss Jazz"]
+        rest = [name for name in [*before[:2], *found, *before[2:]] if name not in jazz]
+        self.assertEqual(world.content("FAV4"), list(enumerate([*rest, *jazz], 1)))
+
+    def test_read_only_lets_nothing_be_written_and_says_so(self):
+        world, page, names = self.begin("--read-only")
+        with open(world.database, "rb") as database:
+            before = database.read()
+        page.reads("#trouble", "Read-only")
+        page.do(0, "top", names[2])
+        page.reads("#trouble", "nothing can be changed")
+        self.assertEqual(page.text("#said"), "")
+        self.drag(page, page.row(0, names[3]), page.row(0, names[0]), below=False)
+        ActionChains(page.driver).key_down(Keys.CONTROL).send_keys("s").key_up(Keys.CONTROL).perform()
+        page.begins(0, *names[:5])
+        answer = page.run("""return (async () => {
+            const [{uuid, version}] = (await (await fetch('api/first')).json()).content.lists;
+            const answer = await fetch('api/save', {
+                method: 'POST', headers: {'Content-Type': 'application/json'},
+                body: JSON.stringify({lists: [{uuid, version, entries: []}]})});
+            return `${answer.status} ${await answer.text()}`;
+        })();""")
+        self.assertRegex(answer, "^503 .*--read-only")
+        with open(world.database, "rb") as database:
+            self.assertEqual(database.read(), before)
+
+
 class Numbers(Story):
     def test_the_page_numbers_as_the_commands_do(self):
         """Gaps, hidden entries and the other lists; each step is done by a command to a copy."""
@@ -213,6 +280,32 @@ class Together(Story):
         page.begins(0, names[2])
         page.save()
         self.assertEqual(world.names("FAV1"), [names[2], *names[:2], *names[3:]])
+
+    def test_of_two_lists_one_is_saved_and_the_other_kept(self):
+        """Another program writes FAV1 as soon as the first of them is written."""
+        world, page, names = self.begin()
+        talk = "The world today"
+        others = world.names(talk)
+        page.choose(1, talk)
+        page.do(1, "down", others[0])
+        page.do(0, "top", names[2])
+        page.driver.refresh()
+        page.begins(0, names[2])
+        page.choose(1, talk)
+        page.begins(1, others[1], others[0])
+        pid = dict((name, pid) for pid, name in world.execute("SELECT Pid, Name FROM FavoriteList"))
+        world.execute("CREATE TRIGGER Overtake AFTER UPDATE ON FavoriteItem"
+                      f" WHEN NEW.FavoriteId = {pid[talk]} BEGIN UPDATE FavoriteItem SET isDeleted = 1"
+                      f" WHERE FavoriteId = {pid['FAV1']} AND ChannelNum = 5; END")
+        page.press("save")
+        page.wait(lambda: page.find("#conflict").is_displayed())
+        self.assertNotIn(others[0], page.text("#mine"))
+        world.execute("DROP TRIGGER Overtake")
+        page.press("merge")
+        page.save()
+        self.assertEqual(world.names(talk), [others[1], others[0], *others[2:]])
+        expected = [names[2], *names[:2], names[3], *names[5:]]
+        self.assertEqual([name for name in world.names("FAV1") if name[0] != "-"], expected)
 
     def test_the_server_is_killed_while_it_saves(self):
         world = self.world
@@ -355,6 +448,8 @@ class Strangers(Story):
                      f'{{"lists": [{list_of}, {list_of}]}}'.encode()):
             self.assertNotEqual(json.loads(self.ask("POST", place + "api/save", own, body)[2])
                                 .get("written"), True, body)
+        long = self.ask("POST", place + "api/save", {**own, "Content-Length": "9000000"})
+        self.assertEqual(long[0], 413)  # at once: what follows is not waited for
         packed = self.ask("POST", place + "api/save", {**own, "Content-Encoding": "gzip"},
                           gzip.compress(emptied))
         self.assertEqual(packed[0], 400)  # a short one could be very long
@@ -365,6 +460,17 @@ class Strangers(Story):
         self.assertEqual(world.content("FAV1"), before)
         self.assertEqual(self.ask("POST", place + "api/save", own, emptied)[0], 200)  # they all could have
         self.assertEqual(world.content("FAV1"), [])
+
+    def test_a_port_that_cannot_be_had_is_told(self):
+        with socket.create_server(("127.0.0.1", 0)) as taken, socket.socket() as low:
+            with contextlib.suppress(PermissionError):
+                low.bind(("127.0.0.1", 80))
+                low.listen()
+            for port in (taken.getsockname()[1], 80):
+                told = subprocess.run([SERVER, "--db", self.world.database, "--port", str(port)],
+                                      check=False, timeout=20, capture_output=True, text=True)
+                self.assertEqual((told.returncode, told.stdout), (1, ""))
+                self.assertIn(f"port {port} ", told.stderr)
 
     def test_slow_clients_hold_up_nobody(self):
         self.world.serve()

@@ -65,13 +65,17 @@ const app = {
             await attempt(async () => take(await server.lists([uuid])));
     },
 
+    // Whether it was done.
     act(op, told) {
-        if (app.isReadOnly)
-            return app.trouble("This database is read-only: nothing can be changed here.");
+        if (app.isReadOnly) {
+            app.trouble("This database is read-only: nothing can be changed here.");
+            return false;
+        }
         app.state = st.perform(app.state, op, app.lists);
         app.saved = null;
         changed();
         app.say(told);
+        return true;
     },
 
     undo() {
@@ -177,20 +181,13 @@ function read(answer) {
 // New lists, and those that others changed. What was done to the latter is never written over them.
 function take(answer) {
     const news = read(answer);
-    const mine = new Set(st.changedLists(app.state));
-    const doc = st.current(app.state);
-    const isOvertaken = Object.keys(news).some((uuid) => mine.has(uuid)
-        && news[uuid].version !== app.state.base[uuid].version);
-    const isDone = isOvertaken && [...mine].every((uuid) => news[uuid] && st.isSame(news[uuid].entries, doc[uuid]));
-    if (isDone) {  // saved, by whomever
-        app.state = st.start({...app.state.base, ...news});
-        app.conflict = null;
-    } else if (isOvertaken) {
-        app.conflict = news;
-    } else {
-        app.conflict = null;
-        app.state = st.rebase(app.state, news, app.lists);
-    }
+    const overtaken = st.changedLists(app.state).filter((uuid) => news[uuid]
+        && news[uuid].version !== app.state.base[uuid].version && !st.isDone(app.state, news, uuid));
+    app.conflict = overtaken.length > 0
+        ? Object.fromEntries(overtaken.map((uuid) => [uuid, news[uuid]])) : null;
+    for (const uuid of overtaken)
+        delete news[uuid];
+    app.state = st.rebase(app.state, news, app.lists);
     changed();
     showFilters();
 }

@@ -126,17 +126,24 @@ export function redo(state, lists) {
     return {...perform(state, op, lists), future};
 }
 
-// The same was done to other lists: what others wrote meanwhile, or more lists than before.
+export const isSame = (a, b) => a === b || (a.length === b.length && a.every((entry, i) =>
+    entry.id === b[i].id && entry.number === b[i].number && entry.hidden === b[i].hidden));
+
+// What was done to a list is in `base` already: it was saved, by whomever.
+export function isDone(state, base, uuid) {
+    return Boolean(base[uuid] && state.base[uuid]) && base[uuid].version !== state.base[uuid].version
+        && isSame(base[uuid].entries, current(state)[uuid]);
+}
+
+// The same is done to other lists: what others wrote meanwhile, or more lists than before.
 export function rebase(state, base, lists) {
     let next = start({...state.base, ...base});
+    const done = new Set(Object.keys(base).filter((uuid) => isDone(state, base, uuid)));
     for (const op of state.past)
-        if (next.base[op.list])
+        if (next.base[op.list] && !done.has(op.list))
             next = perform(next, op, lists);
     return {...next, future: state.future};
 }
-
-export const isSame = (a, b) => a === b || (a.length === b.length && a.every((entry, i) =>
-    entry.id === b[i].id && entry.number === b[i].number && entry.hidden === b[i].hidden));
 
 // The lists that hold something else than the base.
 export function changedLists(state) {
