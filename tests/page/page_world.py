@@ -12,6 +12,7 @@ import time
 from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
@@ -105,15 +106,13 @@ class World:
     def names(self, name):
         return [each for _, each in self.content(name)]
 
-    def browser(self, width=1280, height=800, touch=False, dark=False):
+    def browser(self, width=1280, height=800, touch=False):
         options = Options()
         for flag in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                      "--disable-background-networking", "--disable-component-update",
                      "--disable-sync", "--no-first-run", f"--window-size={width},{height}",
                      f"--user-data-dir={tempfile.mkdtemp(dir=self.folder)}"):
             options.add_argument(flag)
-        if dark:
-            options.add_argument("--force-dark-mode")
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         driver = webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
         self.browsers.append(driver)
@@ -121,9 +120,6 @@ class World:
             "width": width, "height": height, "deviceScaleFactor": 1, "mobile": touch})
         if touch:
             driver.execute_cdp_cmd("Emulation.setTouchEmulationEnabled", {"enabled": True})
-        if dark:
-            driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {
-                "features": [{"name": "prefers-color-scheme", "value": "dark"}]})
         driver.get(self.address)
         page = Page(driver)
         page.wait(lambda: page.run("""
@@ -202,6 +198,16 @@ class Page:
 
     def choose(self, pane, name):
         self.set(self.find(".choice", pane), name)
+
+    def hold(self, key, *others):
+        ActionChains(self.driver).key_down(key).send_keys(*others).key_up(key).perform()
+
+    def emptying(self):
+        """The request that would empty FAV1."""
+        return self.run("""return (async () => {
+            const [{uuid, version}] = (await (await fetch('api/first')).json()).content.lists;
+            return JSON.stringify({lists: [{uuid, version, entries: []}]});
+        })();""")
 
     def saved(self):
         self.reads("#count", "flushed")
