@@ -12,7 +12,9 @@ import time
 from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
 BUILD = os.environ["CHANNELLIST_BUILD"]
@@ -104,15 +106,13 @@ class World:
     def names(self, name):
         return [each for _, each in self.content(name)]
 
-    def browser(self, width=1280, height=800, touch=False, dark=False):
+    def browser(self, width=1280, height=800, touch=False):
         options = Options()
         for flag in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                      "--disable-background-networking", "--disable-component-update",
                      "--disable-sync", "--no-first-run", f"--window-size={width},{height}",
                      f"--user-data-dir={tempfile.mkdtemp(dir=self.folder)}"):
             options.add_argument(flag)
-        if dark:
-            options.add_argument("--force-dark-mode")
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         driver = webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
         self.browsers.append(driver)
@@ -120,9 +120,6 @@ class World:
             "width": width, "height": height, "deviceScaleFactor": 1, "mobile": touch})
         if touch:
             driver.execute_cdp_cmd("Emulation.setTouchEmulationEnabled", {"enabled": True})
-        if dark:
-            driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {
-                "features": [{"name": "prefers-color-scheme", "value": "dark"}]})
         driver.get(self.address)
         page = Page(driver)
         page.wait(lambda: page.run("""
@@ -171,22 +168,49 @@ class Page:
                 .find((row) => !row.hidden && row.querySelector('.name').textContent === arguments[1]);
             """, pane, name))
 
+    def begins(self, pane, *names):
+        """Waits until the rows of a pane begin with those."""
+        self.wait(lambda: [name for _, name in self.rows(pane)[:len(names)]] == [*names])
+
+    def reads(self, selector, words):
+        self.wait(lambda: words in self.text(selector))
+
+    def do(self, pane, label, name):
+        """Presses a button for the one row."""
+        self.row(pane, name).click()
+        self.press(label, pane)
+
     def search(self, pane, text):
-        field = self.find(".search", pane)
-        field.clear()
-        field.send_keys(text)
+        self.find(".search", pane).send_keys(Keys.CONTROL, "a", Keys.NULL, Keys.DELETE, text)
+
+    def filter(self, pane, **wishes):
+        for name in ("kind", "place", "hd", "scrambled", "hidden"):
+            self.set(self.find(f"[data-filter={name}]", pane), wishes.get(name, "all"))
+
+    def set(self, select, text):
+        self.run("""
+            const [select, text] = arguments;
+            select.value = [...select.options].find((each) => each.text === text).value;
+            select.dispatchEvent(new Event('change'));""", select, text)
 
     def press(self, label, pane=None):
         self.find(f"[data-do={label}]" if pane is not None else f"#{label}", pane).click()
 
     def choose(self, pane, name):
-        self.run("""
-            const select = document.querySelectorAll('.pane')[arguments[0]].querySelector('.choice');
-            select.value = [...select.options].find((each) => each.text === arguments[1]).value;
-            select.dispatchEvent(new Event('change'));""", pane, name)
+        self.set(self.find(".choice", pane), name)
+
+    def hold(self, key, *others):
+        ActionChains(self.driver).key_down(key).send_keys(*others).key_up(key).perform()
+
+    def emptying(self):
+        """The request that would empty FAV1."""
+        return self.run("""return (async () => {
+            const [{uuid, version}] = (await (await fetch('api/first')).json()).content.lists;
+            return JSON.stringify({lists: [{uuid, version, entries: []}]});
+        })();""")
 
     def saved(self):
-        self.wait(lambda: "flushed" in self.text("#count"))
+        self.reads("#count", "flushed")
 
     def save(self):
         self.press("save")

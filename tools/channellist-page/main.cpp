@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <thread>
 
 #include "database/session.h"
@@ -19,7 +20,7 @@ namespace {
 
 struct Options {
     std::string database = channel_lists::kSetDatabase;
-    int port = 8017;  // the page's own, so that unsaved work is found again
+    std::optional<int> port;
     int keep = 15;
     bool readOnly = false;
     bool noBrowser = false;
@@ -102,7 +103,8 @@ int main(int argc, char** argv) {
     Options options;
     CLI::App app("Serves a page to sort channels with, to this machine alone", "channellist-page");
     app.add_option("--db", options.database, "the channel database");
-    app.add_option("--port", options.port, "the port to listen on; another one if it is taken")
+    app.add_option("--port", options.port,
+                   "the port to listen on; without it 8017, or another if that is taken")
         ->check(CLI::Range(0, 65535));
     app.add_option("--keep", options.keep, "minutes without a page until it ends; 0: never")
         ->check(CLI::Range(0, 1000000));

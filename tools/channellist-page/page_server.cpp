@@ -1,5 +1,7 @@
 #include "page_server.h"
 
+#include <cerrno>
+#include <cstring>
 #include <functional>
 
 #include "database/time_limit.h"
@@ -14,6 +16,7 @@ namespace {
 
 using channel_lists::Failure;
 
+constexpr int kPort = 8017;        // always the same, so that unsaved work is found again
 constexpr int kConnections = 256;  // at once; more wait
 constexpr char kJson[] = "application/json";
 // With what follows, httplib does not compress it: on one machine that costs more than it spares.
@@ -73,9 +76,21 @@ void answer(httplib::Response& response, std::function<std::string()> const& wor
     }
 }
 
+int bindTo(httplib::Server& server, std::optional<int> port) {
+    int const wanted = port.value_or(kPort);
+    if (wanted != 0 && server.bind_to_port("127.0.0.1", wanted))
+        return wanted;
+    if (port.value_or(0) != 0)
+        throw Failure("port " + std::to_string(wanted) + " cannot be had: " + std::strerror(errno));
+    int const free = server.bind_to_any_port("127.0.0.1");
+    if (free <= 0)
+        throw Failure("no port of this machine is free");
+    return free;
+}
+
 }  // namespace
 
-PageServer::PageServer(ListServer& lists, int port)
+PageServer::PageServer(ListServer& lists, std::optional<int> port)
     : lists_(lists),
       server_(std::make_unique<PatientServer>()),
       lastAsked_(std::chrono::steady_clock::now()) {
@@ -88,11 +103,7 @@ PageServer::PageServer(ListServer& lists, int port)
         int const yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
-    if (port == 0 || !server_->bind_to_port("127.0.0.1", port))
-        port = server_->bind_to_any_port("127.0.0.1");
-    if (port <= 0)
-        throw Failure("no port of this machine is free");
-    gate_ = std::make_unique<Gate>(port);
+    gate_ = std::make_unique<Gate>(bindTo(*server_, port));
     addFiles();
     addRequests();
 }
@@ -121,6 +132,11 @@ void PageServer::addFiles() {
             return httplib::Server::HandlerResponse::Handled;
         }
         lastAsked_ = std::chrono::steady_clock::now();
+        // httplib itself would read all of it first.
+        if (request.template get_header_value<std::uint64_t>("Content-Length") > kMostBytes) {
+            refuse(response, 413, "this is more than a request of the page can be");
+            return httplib::Server::HandlerResponse::Handled;
+        }
         if (!bringsKey)
             return httplib::Server::HandlerResponse::Unhandled;
         response.set_header("Set-Cookie", gate_->cookie());

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "gate.h"
@@ -15,8 +16,9 @@ class PatientServer;
 
 class PageServer {
   public:
-    // Takes `port`, or any free one where that is taken. Throws channel_lists::Failure.
-    PageServer(ListServer& lists, int port);
+    // Takes `port` (0: any free one), or throws channel_lists::Failure. Without one it takes the
+    // page's own, or any where that is taken.
+    PageServer(ListServer& lists, std::optional<int> port);
     ~PageServer();
     PageServer(PageServer const&) = delete;
     PageServer& operator=(PageServer const&) = delete;

@@ -16,7 +16,7 @@ using std::chrono::seconds;
 using Clock = std::chrono::steady_clock;
 
 // A browser of this machine needs milliseconds.
-constexpr seconds kHeadTime{2}, kBodyTime{10}, kAnswerTime{20};
+constexpr seconds kHeadTime{2}, kBodyTime{10}, kAnswerTime{20}, kLeavingTime{1};
 constexpr std::size_t kMostHeadBytes = 64 << 10;
 
 class Connection : public httplib::Stream {
@@ -48,6 +48,14 @@ class Connection : public httplib::Stream {
             if (count >= 0 || (errno != EAGAIN && errno != EINTR) || !waitFor(POLLOUT))
                 return count;
         }
+    }
+
+    // What the client still sends is read for a moment: closing over it would take the answer away.
+    void leave() {
+        shutdown(socket_, SHUT_WR);
+        end_ = Clock::now() + kLeavingTime;
+        while (fill())
+            ;
     }
 
     // Nobody asks who it is: all are of this machine.
@@ -104,7 +112,7 @@ bool PatientServer::process_and_close_socket(socket_t socket) {
         request.ranges.clear();
         request.headers.erase("Content-Encoding");
     });
-    shutdown(socket, SHUT_RDWR);
+    connection.leave();
     close(socket);
     return isDone;
 }

@@ -1,5 +1,6 @@
 // The changes that are not saved: their count in the bar, their table, and what others changed.
 import * as st from "./state.js";
+import {element} from "./element.js";
 
 const MOST_LINES = 1000; // of a table of changes
 const $ = (id) => document.getElementById(id);
@@ -10,8 +11,7 @@ const linesOf = (app, from, to) => Object.keys(to).flatMap((uuid) =>
     from[uuid] && to[uuid] !== from[uuid]
         ? st.changes(from[uuid], to[uuid]).map((line) => ({list: app.nameOf(uuid), ...line})) : []);
 
-const baseDoc = (base) => Object.fromEntries(Object.entries(base).map(([uuid, {entries}]) => [uuid, entries]));
-const myLines = (app) => linesOf(app, baseDoc(app.state.base), st.current(app.state));
+const myLines = (app) => linesOf(app, st.docOf(app.state.base), st.current(app.state));
 
 export function drawBar(app, text) {
     const count = myLines(app).length;
@@ -34,25 +34,17 @@ export function drawConflict(app) {
     $("conflict").hidden = !app.conflict;
     if (!app.conflict)
         return;
-    const theirs = linesOf(app, baseDoc(app.state.base), baseDoc(app.conflict));
+    const theirs = linesOf(app, st.docOf(app.state.base), st.docOf(app.conflict));
     for (const [id, lines] of [["theirs", theirs], ["mine", myLines(app)]])
-        $(id).replaceChildren(...lines.slice(0, 100).map((line) => {
-            const item = document.createElement("li");
-            item.textContent = sentence(app, line);
-            return item;
-        }));
+        $(id).replaceChildren(...lines.slice(0, 100).map((line) => element("li", {}, sentence(app, line))));
 }
 
 export function showChanges(app) {
     const lines = myLines(app);
     const cells = (line) => [line.list, line.what.join(", "), line.before ?? "", line.after ?? "",
                              app.services.get(line.id)?.shown ?? line.id];
-    $("changes").querySelector("tbody").replaceChildren(...lines.slice(0, MOST_LINES).map((line) => {
-        const row = document.createElement("tr");
-        for (const text of cells(line))
-            row.append(Object.assign(document.createElement("td"), {textContent: text}));
-        return row;
-    }));
+    $("changes").querySelector("tbody").replaceChildren(...lines.slice(0, MOST_LINES).map((line) =>
+        element("tr", {}, ...cells(line).map((text) => element("td", {}, text)))));
     $("changes-title").textContent = lines.length > MOST_LINES
         ? `The first ${MOST_LINES} of ${lines.length} changes` : many(lines.length, "change");
     $("changes").showModal();

@@ -15,7 +15,8 @@ export function moveTo(app, pane, place) {
     if (place.number !== undefined && reserved.has(place.number))
         return app.trouble(`Number ${place.number} belongs to an OTT channel.`);
     const key = block.some((entry) => entry.key === pane.focus) ? pane.focus : block[0].key;
-    app.act({what: "move", list: pane.uuid, keys: block.map((entry) => entry.key), ...place}, "");
+    if (!app.act({what: "move", list: pane.uuid, keys: block.map((entry) => entry.key), ...place}, ""))
+        return;
     pane.follow(key);
     const now = app.entries(pane.uuid).find((entry) => entry.key === key);
     app.say(`${app.services.get(now.id).shown} is number ${now.number} now`);

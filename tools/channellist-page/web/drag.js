@@ -4,83 +4,89 @@ const SLACK = 5;   // pixels that are no drag yet
 const EDGE = 48;   // pixels at the edges of a list that scroll it
 const SPEED = 18;  // pixels a frame
 
-// `panes`: each {view, scroller, line}. `begin(pane, key)` gives the label of what is dragged, or
-// null; `drop(from, to, gap)` ends it.
-export function enableDragging(panes, {begin, drop}) {
-    const ghost = document.getElementById("ghost");
-    let drag = null;
+const ghost = document.getElementById("ghost");
 
-    const paneAt = (x, y) => panes.find(({scroller}) => {
-        const box = scroller.getBoundingClientRect();
-        return x >= box.left && x <= box.right && y >= box.top && y <= box.bottom;
-    });
-
-    function show() {
-        const {x, y} = drag;
-        ghost.style.transform = `translate(${x + 12}px, ${y + 12}px)`;
-        drag.over = paneAt(x, y);
-        for (const pane of panes) {
-            pane.line.hidden = pane !== drag.over;
-            if (pane === drag.over) {
-                drag.gap = pane.view.gapAt(y);
-                pane.line.style.transform = `translateY(${drag.gap * pane.view.height - 1}px)`;
-            }
-        }
+// From the press on a row; only once it has a label it is seen.
+class Drag {
+    constructor(panes, from, key, event) {
+        Object.assign(this, {panes, from, key, pointer: event.pointerId, x: event.clientX, y: event.clientY});
+        this.start = [this.x, this.y];
     }
 
-    function scrollAtEdges() {
-        if (!drag?.label)
+    isOffTheStart() {
+        return Math.hypot(this.x - this.start[0], this.y - this.start[1]) >= SLACK;
+    }
+
+    begin(label) {
+        this.label = ghost.textContent = label;
+        ghost.hidden = false;
+        document.body.classList.add("dragging");
+        requestAnimationFrame(() => this.scrollAtEdges());
+    }
+
+    // Where it would drop.
+    show() {
+        ghost.style.transform = `translate(${this.x + 12}px, ${this.y + 12}px)`;
+        const under = document.elementFromPoint(this.x, this.y);
+        this.over = this.panes.find(({scroller}) => scroller.contains(under));
+        for (const pane of this.panes)
+            pane.line.hidden = pane !== this.over;
+        if (!this.over)
             return;
-        if (drag.over) {
-            const box = drag.over.scroller.getBoundingClientRect();
-            const pull = drag.y < box.top + EDGE ? drag.y - box.top - EDGE
-                : drag.y > box.bottom - EDGE ? drag.y - box.bottom + EDGE : 0;
-            if (pull !== 0) {
-                drag.over.scroller.scrollTop += SPEED * pull / EDGE;
-                show();
-            }
-        }
-        requestAnimationFrame(scrollAtEdges);
+        this.gap = this.over.view.gapAt(this.y);
+        this.over.line.style.transform = `translateY(${this.gap * this.over.view.height - 1}px)`;
     }
 
-    function end(isDropped) {
-        const done = drag;
-        drag = null;
+    scrollAtEdges() {
+        if (ghost.hidden)
+            return;
+        const box = this.over?.scroller.getBoundingClientRect();
+        const pull = !box ? 0 : Math.min(0, this.y - box.top - EDGE) + Math.max(0, this.y - box.bottom + EDGE);
+        if (pull !== 0) {
+            this.over.scroller.scrollTop += SPEED * pull / EDGE;
+            this.show();
+        }
+        requestAnimationFrame(() => this.scrollAtEdges());
+    }
+
+    end() {
         ghost.hidden = true;
         document.body.classList.remove("dragging");
-        for (const pane of panes)
+        for (const pane of this.panes)
             pane.line.hidden = true;
-        if (isDropped && done?.label && done.over)
-            drop(done.from, done.over, done.gap);
     }
+}
 
-    for (const pane of panes) {
+// `panes`: each {view, scroller, line}. `begin(pane, key)` gives the label of what is dragged, or
+// null; `drop(from, to, gap)` ends it. Gives a function that tells whether something is dragged.
+export function enableDragging(panes, {begin, drop}) {
+    let drag = null;
+    const end = (isDropped) => {
+        const {from, over, gap} = drag;
+        drag.end();
+        drag = null;
+        if (isDropped && over)
+            drop(from, over, gap);
+    };
+    for (const pane of panes)
         pane.scroller.addEventListener("pointerdown", (event) => {
             const row = event.target.closest(".row");
-            const isHandle = Boolean(event.target.closest(".handle"));
-            if (!row || event.button !== 0 || (event.pointerType !== "mouse" && !isHandle))
-                return;
-            drag = {from: pane, key: row.dataset.key, startX: event.clientX, startY: event.clientY,
-                    pointer: event.pointerId};
+            const isMeant = event.pointerType === "mouse" || event.target.closest(".handle");
+            if (row && isMeant && event.button === 0)
+                drag = new Drag(panes, pane, row.dataset.key, event);
         });
-    }
     addEventListener("pointermove", (event) => {
-        if (!drag || event.pointerId !== drag.pointer)
+        if (drag?.pointer !== event.pointerId)
             return;
-        drag.x = event.clientX;
-        drag.y = event.clientY;
-        if (!drag.label) {
-            if (Math.hypot(drag.x - drag.startX, drag.y - drag.startY) < SLACK)
-                return;
-            drag.label = begin(drag.from, drag.key);
-            if (!drag.label)
+        [drag.x, drag.y] = [event.clientX, event.clientY];
+        if (!drag.label && drag.isOffTheStart()) {
+            const label = begin(drag.from, drag.key);
+            if (!label)
                 return end(false);
-            ghost.textContent = drag.label;
-            ghost.hidden = false;
-            document.body.classList.add("dragging");
-            requestAnimationFrame(scrollAtEdges);
+            drag.begin(label);
         }
-        show();
+        if (drag.label)
+            drag.show();
     });
     addEventListener("pointerup", (event) => drag?.pointer === event.pointerId && end(true));
     addEventListener("pointercancel", () => drag && end(false));

@@ -43,7 +43,7 @@ function inList(app, pane, event, key, isControl) {
     const steps = {arrowup: at - 1, arrowdown: at + 1, pageup: at - PAGE, pagedown: at + PAGE,
                    home: 0, end: pane.rows.length - 1};
     if (key in steps) {
-        pane.moveFocus(steps[key], event.shiftKey, false);
+        pane.moveFocus(steps[key], event.shiftKey);
         return true;
     }
     const commands = {delete: "remove", enter: "add-other"};

@@ -9,9 +9,7 @@ export class ListView {
         this.draw = draw;
         this.rows = [];
         this.elements = [];
-        this.space = document.createElement("div");
-        this.space.className = "space";
-        scroller.replaceChildren(this.space);
+        this.space = scroller.querySelector(".space");
         scroller.addEventListener("scroll", () => this.later(), {passive: true});
         new ResizeObserver(() => this.later()).observe(scroller);
         this.height = 36;
@@ -36,18 +34,19 @@ export class ListView {
         const count = Math.ceil(this.scroller.clientHeight / this.height) + 2 * SPARE;
         const last = Math.min(this.rows.length, first + count);
         for (let used = 0; used < last - first; ++used) {
-            if (!this.elements[used]) {
-                this.elements[used] = document.createElement("div");
-                this.elements[used].className = "row";
-                this.space.append(this.elements[used]);
-            }
-            const element = this.elements[used];
+            const element = this.elements[used] ??= this.newRow();
             element.hidden = false;
             element.style.transform = `translateY(${(first + used) * this.height}px)`;
             this.draw(element, this.rows[first + used], first + used);
         }
         for (let i = Math.max(0, last - first); i < this.elements.length; ++i)
             this.elements[i].hidden = true;
+    }
+
+    newRow() {
+        const row = document.getElementById("row").content.firstElementChild.cloneNode(true);
+        this.space.append(row);
+        return row;
     }
 
     // The place between rows that is nearest to a point of the window: 0 is in front of all.

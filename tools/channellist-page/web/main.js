@@ -4,6 +4,7 @@ import * as st from "./state.js";
 import * as work from "./work.js";
 import {drawBar, drawConflict, showChanges} from "./changes.js";
 import {beginDrag, command, drop, moveTo} from "./commands.js";
+import {element} from "./element.js";
 import {folded} from "./search.js";
 import {Pane} from "./pane.js";
 import {enableDragging} from "./drag.js";
@@ -14,8 +15,6 @@ const $ = (id) => document.getElementById(id);
 
 // Control characters and those that turn the direction of a text are seen as what they are.
 const shown = (name) => name.replace(/[\p{Cc}\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/gu, "\ufffd");
-
-const baseNumbers = new WeakMap();  // of lists as they were read
 
 const app = {
     lists: {},            // by uuid: {name, fav, all, count, reserved}
@@ -31,12 +30,6 @@ const app = {
     entries: (uuid) => st.current(app.state)[uuid],
     nameOf: (uuid) => app.lists[uuid]?.name ?? "",
     other: (pane) => app.panes[pane === app.panes[0] ? 1 : 0],
-    baseNumbers(uuid) {
-        const entries = app.state.base[uuid]?.entries ?? [];
-        if (!baseNumbers.has(entries))
-            baseNumbers.set(entries, new Map(entries.map((entry) => [entry.key, entry.number])));
-        return baseNumbers.get(entries);
-    },
     favsOf: (id) => app.favs.get(id) ?? [],
     uuidOfFav: (n) => Object.keys(app.lists).find((uuid) => app.lists[uuid].fav === n),
     uuidOfAll: () => Object.keys(app.lists).find((uuid) => app.lists[uuid].all),
@@ -65,26 +58,19 @@ const app = {
             await attempt(async () => take(await server.lists([uuid])));
     },
 
+    // Whether it was done.
     act(op, told) {
-        if (app.isReadOnly)
-            return app.trouble("This database is read-only: nothing can be changed here.");
-        app.state = st.perform(app.state, op, app.lists);
+        if (app.isReadOnly) {
+            app.trouble("This database is read-only: nothing can be changed here.");
+            return false;
+        }
         app.saved = null;
-        changed();
-        app.say(told);
+        become(st.perform(app.state, op, app.lists), told);
+        return true;
     },
 
-    undo() {
-        app.state = st.undo(app.state);
-        changed();
-        app.say("undone");
-    },
-
-    redo() {
-        app.state = st.redo(app.state, app.lists);
-        changed();
-        app.say("done again");
-    },
+    undo: () => become(st.undo(app.state), "undone"),
+    redo: () => become(st.redo(app.state, app.lists), "done again"),
 
     askNumber(pane, digits = "") {
         const dialog = $("ask-number");
@@ -108,31 +94,68 @@ const app = {
         // The FAV lists follow the marks of another list: what they are to hold is said, too.
         if (uuids.some((uuid) => !app.lists[uuid].fav))
             uuids.push(...Object.keys(doc).filter((uuid) => app.lists[uuid].fav && !uuids.includes(uuid)));
-        const before = Object.fromEntries(uuids.map((uuid) => [uuid, app.state.base[uuid].entries]));
-        const answer = await busy("Saving …", () => server.save(uuids.map((uuid) => ({
-            uuid, version: app.state.base[uuid].version,
-            entries: doc[uuid].map((entry) => [entry.id, entry.number, entry.hidden ? 1 : 0]),
-        }))));
-        if (!answer)
-            return;
-        await attempt(reload);
-        if (answer.overtaken.length === 0) {
+        const before = pick(st.docOf(app.state.base), uuids);
+        const answer = await write("Saving …", pick(doc, uuids));
+        if (answer && answer.overtaken.length === 0) {
             app.saved = before;
             drawBar(app, `Written, and flushed to the disk. ${answer.notes.join(" ")}`);
             app.say("Written, and flushed to the disk.");
         }
     },
+
+    async takeBack() {
+        const answer = await write("Taking it back …", app.saved);
+        if (!answer)
+            return;
+        app.saved = null;
+        drawBar(app, answer.overtaken.length ? "Others have written since: it was not taken back."
+            : "Taken back, and flushed to the disk.");
+    },
+
+    // What others wrote stays, what was done here does not.
+    discard() {
+        const base = {...app.state.base, ...app.conflict};
+        app.conflict = null;
+        become(st.start(base));
+    },
+
+    merge() {
+        const news = app.conflict;
+        app.conflict = null;
+        become(st.rebase(app.state, news, app.lists));
+    },
+
+    switchSides() {
+        const isSecond = document.body.classList.toggle("second");
+        $("switch").setAttribute("aria-pressed", isSecond);
+        app.activate(app.panes[isSecond ? 1 : 0]);
+        draw();
+    },
 };
 
-// After every change of the state.
-function changed() {
-    if (app.conflict && st.changedLists(app.state).length === 0) {  // all of it was undone
-        app.state = st.start({...app.state.base, ...app.conflict});
-        app.conflict = null;
-    }
+const pick = (doc, uuids) => Object.fromEntries(uuids.map((uuid) => [uuid, doc[uuid]]));
+
+// Sends what lists are to hold, and reads what they hold then. Undefined if nothing was written.
+async function write(text, doc) {
+    const lists = Object.entries(doc).map(([uuid, entries]) => ({
+        uuid, version: app.state.base[uuid].version,
+        entries: entries.map((entry) => [entry.id, entry.number, entry.hidden ? 1 : 0]),
+    }));
+    const answer = await busy(text, () => server.save(lists));
+    if (answer)
+        await attempt(reload);
+    return answer;
+}
+
+function become(state, told) {
+    app.state = state;
+    if (app.conflict && st.changedLists(state).length === 0)  // all of it was undone
+        return app.discard();
     if (app.isBegun && !work.keep(app.database, app.state))
         app.trouble("The browser has no room to keep this over a reload: save it soon.");
     draw();
+    if (told)
+        app.say(told);
 }
 
 function draw() {
@@ -149,20 +172,13 @@ function draw() {
 
 function drawLists() {
     const changedOnes = new Set(st.changedLists(app.state));
-    $("lists").replaceChildren(...Object.entries(app.lists).map(([uuid, list]) => {
-        const button = document.createElement("button");
-        const [name, count] = [document.createElement("span"), document.createElement("span")];
-        name.textContent = list.name;
-        count.textContent = app.entries(uuid)?.length ?? list.count;
-        count.className = "count";
-        button.append(name, count);
-        button.className = changedOnes.has(uuid) ? "changed" : "";
-        button.setAttribute("aria-current", app.active?.uuid === uuid);
-        button.addEventListener("click", () => app.choose(app.active, uuid));
-        const item = document.createElement("li");
-        item.append(button);
-        return item;
-    }));
+    $("lists").replaceChildren(...Object.entries(app.lists).map(([uuid, list]) => element("li", {},
+        element("button", {
+            className: changedOnes.has(uuid) ? "changed" : "",
+            ariaCurrent: app.active?.uuid === uuid,
+            onclick: () => app.choose(app.active, uuid),
+        }, element("span", {}, list.name),
+        element("span", {className: "count"}, app.entries(uuid)?.length ?? list.count)))));
 }
 
 // Lists as the server sent them, as a base.
@@ -177,33 +193,22 @@ function read(answer) {
 // New lists, and those that others changed. What was done to the latter is never written over them.
 function take(answer) {
     const news = read(answer);
-    const mine = new Set(st.changedLists(app.state));
-    const doc = st.current(app.state);
-    const isOvertaken = Object.keys(news).some((uuid) => mine.has(uuid)
-        && news[uuid].version !== app.state.base[uuid].version);
-    const isDone = isOvertaken && [...mine].every((uuid) => news[uuid] && st.isSame(news[uuid].entries, doc[uuid]));
-    if (isDone) {  // saved, by whomever
-        app.state = st.start({...app.state.base, ...news});
-        app.conflict = null;
-    } else if (isOvertaken) {
-        app.conflict = news;
-    } else {
-        app.conflict = null;
-        app.state = st.rebase(app.state, news, app.lists);
-    }
-    changed();
+    const overtaken = st.changedLists(app.state).filter((uuid) => news[uuid]
+        && news[uuid].version !== app.state.base[uuid].version && !st.isDone(app.state, news, uuid));
+    app.conflict = overtaken.length > 0 ? pick(news, overtaken) : null;
+    for (const uuid of overtaken)
+        delete news[uuid];
+    become(st.rebase(app.state, news, app.lists));
     showFilters();
 }
 
 function showFilters() {
-    for (const name of ["kind", "place"]) {
-        const values = [...new Set([...app.services.values()].map((each) => each[name]))].filter(Boolean).sort();
-        for (const pane of app.panes) {
-            const select = pane.part(`[data-filter=${name}]`);
-            for (const value of values)
-                if (![...select.options].some((option) => option.value === value))
-                    select.add(new Option(value, value));
-        }
+    const services = [...app.services.values()];
+    for (const select of document.querySelectorAll("[data-filter=kind], [data-filter=place]")) {
+        const values = new Set(services.map((each) => each[select.dataset.filter]).filter(Boolean).sort());
+        for (const {value} of select.options)
+            values.delete(value);
+        select.append(...[...values].map((value) => new Option(value)));
     }
 }
 
@@ -236,7 +241,18 @@ async function reload() {
     take(await server.lists(known));
 }
 
-// Runs a talk with the server; says in words what went wrong. Undefined then.
+// Says in words what went wrong in a talk with the server.
+function tell(error) {
+    const isGone = error instanceof server.Unreachable;
+    if (!isGone && !(error instanceof server.Refused))
+        throw error;
+    $("connection").textContent = isGone ? "not connected" : "";
+    app.trouble(isGone
+        ? "The server of this page does not answer. Your work stays here; start \"channellist page\" again and open its address in this tab."
+        : `${error.message}. Your work stays here.`);
+}
+
+// Undefined when it went wrong.
 async function attempt(talk) {
     try {
         const result = await talk();
@@ -244,14 +260,7 @@ async function attempt(talk) {
         $("connection").textContent = "";
         return result ?? true;
     } catch (error) {
-        if (!(error instanceof server.Refused || error instanceof server.Unreachable))
-            throw error;
-        const isGone = error instanceof server.Unreachable;
-        $("connection").textContent = isGone ? "not connected" : "";
-        app.trouble(isGone
-            ? "The server of this page does not answer. Your work stays here; start \"channellist page\" again and open its address in this tab."
-            : `${error.message}. Your work stays here.`);
-        return undefined;
+        return tell(error);
     }
 }
 
@@ -267,19 +276,25 @@ async function busy(text, talk) {
     }
 }
 
+async function follow(isGone) {
+    const mark = await server.mark();
+    if (!app.isBegun)
+        await start();
+    else if (mark !== app.mark || isGone)
+        await attempt(reload);
+}
+
 async function poll() {
-    const isTroubled = !$("trouble").hidden && !app.isReadOnly;
-    if (!app.isBusy && !app.isDragging()) {
-        try {
-            const mark = await server.mark();
-            if (!app.isBegun || mark !== app.mark || $("connection").textContent)
-                await (app.isBegun ? attempt(reload) : start());
-        } catch {
-            if (!isTroubled || !$("connection").textContent)
-                await attempt(server.mark);
-        }
+    const isGone = Boolean($("connection").textContent);
+    try {
+        if (!app.isBusy && !app.isDragging())
+            await follow(isGone);
+    } catch (error) {
+        if (!isGone)
+            tell(error);
+    } finally {
+        setTimeout(poll, POLL);
     }
-    setTimeout(poll, POLL);
 }
 
 // Does to the lists what the reload of the page has interrupted.
@@ -291,9 +306,8 @@ function resume(kept) {
     const fits = Object.entries(kept.versions).every(([uuid, version]) =>
         !app.state.base[uuid] || app.state.base[uuid].version === version);
     try {
-        app.state = st.rebase({...app.state, past: [...kept.past, ...app.state.past],
-                               future: kept.future ?? []}, {}, app.lists);
-        changed();
+        become(st.rebase({...app.state, past: [...kept.past, ...app.state.past],
+                          future: kept.future ?? []}, {}, app.lists));
         if (!fits)
             app.trouble("The lists have changed since: this is your work on top of them. Look at it before you save.");
     } catch {
@@ -326,6 +340,31 @@ async function start() {
     resume(kept);
 }
 
+function enableButtons() {
+    const actions = {
+        undo: app.undo, redo: app.redo, save: app.save, "take-back": app.takeBack,
+        merge: app.merge, drop: app.discard, switch: app.switchSides,
+        "show-changes": () => showChanges(app),
+        help: () => $("keys").showModal(),
+        discard: () => {
+            app.discard();
+            attempt(reload);
+        },
+    };
+    for (const [id, action] of Object.entries(actions))
+        $(id).addEventListener("click", action);
+}
+
+function enablePrinting() {
+    addEventListener("beforeprint", () => {
+        const rows = app.active.entries.filter((entry) => !entry.hidden);
+        const lines = rows.map((entry) => `${entry.number ?? ""}  ${app.services.get(entry.id).shown}`);
+        $("print").replaceChildren(...[app.nameOf(app.active.uuid), ...lines]
+            .map((line) => element("p", {}, line)));
+    });
+    addEventListener("afterprint", () => $("print").replaceChildren());
+}
+
 async function begin() {
     app.panes.push(new Pane(app), new Pane(app));
     document.querySelector("main").append(...app.panes.map((pane) => pane.root));
@@ -336,55 +375,8 @@ async function begin() {
         drop: (...words) => drop(app, ...words),
     });
     enableKeys(app);
-    for (const [id, action] of Object.entries({
-        undo: app.undo, redo: app.redo, save: app.save, "show-changes": () => showChanges(app),
-        help: () => $("keys").showModal(),
-        switch: () => {
-            const isSecond = document.body.classList.toggle("second");
-            $("switch").setAttribute("aria-pressed", isSecond);
-            app.activate(app.panes[isSecond ? 1 : 0]);
-            draw();
-        },
-        discard: () => {
-            app.state = st.start(app.state.base);
-            app.conflict = null;
-            changed();
-            attempt(reload);
-        },
-        merge: () => {
-            const news = app.conflict;
-            app.conflict = null;
-            app.state = st.rebase(app.state, news, app.lists);
-            changed();
-        },
-        drop: () => {
-            app.state = st.start({...app.state.base, ...app.conflict});
-            app.conflict = null;
-            changed();
-        },
-        "take-back": async () => {
-            const lists = Object.entries(app.saved).map(([uuid, entries]) => ({
-                uuid, version: app.state.base[uuid].version,
-                entries: entries.map((entry) => [entry.id, entry.number, entry.hidden ? 1 : 0]),
-            }));
-            const answer = await busy("Taking it back …", () => server.save(lists));
-            if (!answer)
-                return;
-            app.saved = null;
-            await attempt(reload);
-            drawBar(app, answer.overtaken.length ? "Others have written since: it was not taken back."
-                : "Taken back, and flushed to the disk.");
-        },
-    }))
-        $(id).addEventListener("click", action);
-    addEventListener("beforeprint", () => {
-        const rows = app.active.entries.filter((entry) => !entry.hidden);
-        $("print").replaceChildren(...[null, ...rows].map((entry) =>
-            Object.assign(document.createElement("p"), {textContent: entry
-                ? `${entry.number ?? ""}  ${app.services.get(entry.id).shown}` : app.nameOf(app.active.uuid)})));
-    });
-    addEventListener("afterprint", () => $("print").replaceChildren());
-
+    enableButtons();
+    enablePrinting();
     await start();
     setTimeout(poll, POLL);
 }

@@ -1,8 +1,7 @@
-// The numbers of a list. An entry is {key, id, number, hidden, group}; a hidden one keeps its number
-// and holds none. All functions give new entries and leave theirs alone. They follow the rules of
-// the commands "edit ... move, add, remove" and "--renumber".
-
-export const LARGEST = 2147483647;
+// The numbers of a list. An entry is {key, id, number, was, hidden, group}, `was` being the number
+// that was read; a hidden one keeps its number and holds none. All functions give new entries and
+// leave theirs alone. They follow the rules of the commands "edit ... move, add, remove" and
+// "--renumber".
 
 export function sorted(entries) {
     return [...entries].sort((a, b) => (a.group ?? 0) - (b.group ?? 0)
@@ -30,14 +29,11 @@ export function hasNoGaps(entries, reserved) {
     return closeGaps(entries, reserved).every((entry, i) => entry === entries[i]);
 }
 
-// `block` comes to stand at `index` among the others that are shown; the numbers in use stay the
-// same ones.
-function reorder(entries, block, index) {
-    const moving = new Set(block.map((entry) => entry.key));
-    const holders = entries.filter((entry) => moving.has(entry.key) || !entry.hidden);
-    const numbers = holders.map((entry) => entry.number).sort((a, b) => (a ?? 0) - (b ?? 0));
-    const order = holders.filter((entry) => !moving.has(entry.key));
-    order.splice(index, 0, ...block);
+export const numbersOf = (entries) =>
+    entries.map((entry) => entry.number).sort((a, b) => (a ?? 0) - (b ?? 0));
+
+// With the first of `numbers` for the first of `order`, and so on.
+export function renumbered(entries, order, numbers) {
     const given = new Map(order.map((entry, i) => [entry.key, numbers[i]]));
     return entries.map((entry) => {
         const number = given.has(entry.key) ? given.get(entry.key) : entry.number;
@@ -45,28 +41,33 @@ function reorder(entries, block, index) {
     });
 }
 
+// `block` comes to stand at `index` among the others that are shown; the numbers in use stay the
+// same ones.
+function reorder(entries, block, index) {
+    const moving = new Set(block.map((entry) => entry.key));
+    const holders = entries.filter((entry) => moving.has(entry.key) || !entry.hidden);
+    const order = holders.filter((entry) => !moving.has(entry.key));
+    order.splice(index, 0, ...block);
+    return renumbered(entries, order, numbersOf(holders));
+}
+
 // In front of the entry `before`; null: behind all.
 export function moveBefore(entries, block, before) {
     const moving = new Set(block.map((entry) => entry.key));
-    let index = 0;
-    for (const entry of entries) {
-        if (entry.key === before)
-            break;
-        if (!entry.hidden && !moving.has(entry.key))
-            ++index;
-    }
-    return reorder(entries, block, index);
+    const at = entries.findIndex((entry) => entry.key === before);
+    const inFront = at < 0 ? entries : entries.slice(0, at);
+    return reorder(entries, block, inFront.filter((entry) => !entry.hidden && !moving.has(entry.key)).length);
 }
 
 // The first of the block to `number`. When that is in use, those between the old place and the new
 // one close up; else nothing else moves.
 export function moveToNumber(entries, block, number, reserved) {
     const moving = new Set(block.map((entry) => entry.key));
-    const numbers = entries.filter((entry) => moving.has(entry.key) || !entry.hidden)
-        .map((entry) => entry.number).sort((a, b) => (a ?? 0) - (b ?? 0));
     const isTaken = entries.some((entry) => !entry.hidden && entry.number === number);
-    if (isTaken)
-        return reorder(entries, block, numbers.indexOf(number));
+    if (isTaken) {
+        const holders = entries.filter((entry) => moving.has(entry.key) || !entry.hidden);
+        return reorder(entries, block, numbersOf(holders).indexOf(number));
+    }
     const others = entries.filter((entry) => !moving.has(entry.key));
     return insert(others, block, number, reserved);
 }
@@ -97,13 +98,8 @@ export function insert(entries, block, number, reserved) {
 }
 
 export function append(entries, block, reserved) {
-    let last = 0;
-    for (const entry of entries)
-        last = Math.max(last, entry.number ?? 0);
-    return [...entries, ...block.map((entry) => {
-        last = nextFree(last + 1, reserved);
-        return {...entry, number: last};
-    })];
+    const last = entries.reduce((largest, entry) => Math.max(largest, entry.number ?? 0), 0);
+    return insert(entries, block, last + 1, reserved);
 }
 
 // Shows hidden entries again; one that took such a number in the meantime moves on.

@@ -1,43 +1,25 @@
 // One of the two lists: its choice, search and filters, its rows, and what is selected of them.
+import {element} from "./element.js";
 import {found} from "./search.js";
 import {ListView} from "./list-view.js";
 
-const FAVS = [1, 2, 3, 4];
 let panes = 0;
-
-function mark(text, title, isHeld) {
-    const element = document.createElement("span");
-    element.textContent = text;
-    element.title = title;
-    element.className = isHeld ? "held" : "";
-    return element;
-}
 
 export class Pane {
     // `app`: see main.js. It hears of a choice, and of everything that is to be done.
     constructor(app) {
         this.app = app;
         this.id = `pane${panes++}`;
-        const root = document.getElementById("pane").content.cloneNode(true).firstElementChild;
-        this.root = root;
-        this.part = (name) => root.querySelector(name);
+        this.root = document.getElementById("pane").content.firstElementChild.cloneNode(true);
+        this.part = (name) => this.root.querySelector(name);
         this.scroller = this.part(".scroller");
-        this.view = new ListView(this.scroller, (element, row, index) => this.draw(element, row, index));
-        this.line = document.createElement("div");
-        this.line.className = "line";
-        this.line.hidden = true;
-        this.scroller.append(this.line);
+        this.view = new ListView(this.scroller, (...row) => this.draw(...row));
+        this.line = this.part(".line");  // where a drag would drop
         this.filter = {};
         this.selected = new Set();
         this.focus = null;   // key of the row that has the focus
         this.anchor = null;  // where a selection with Shift begins
         this.rows = [];
-        for (const n of FAVS) {
-            const button = document.createElement("button");
-            button.dataset.do = `add-${n}`;
-            button.textContent = `FAV${n}`;
-            this.part(".adds").append(button);
-        }
         this.listen();
     }
 
@@ -93,15 +75,14 @@ export class Pane {
         this.part(".empty").hidden = Boolean(entries?.length);
         this.part(".empty").textContent = !entries ? "Loading …"
             : "Nothing here yet. Drag channels to this list, or select them and press Add to.";
-        const keys = new Set((entries ?? []).map((entry) => entry.key));
-        for (const key of this.selected)
-            if (!keys.has(key))
-                this.selected.delete(key);
-        this.base = app.baseNumbers(uuid);
         this.entries = entries ?? [];
         this.rows = this.withReserved(found(this.entries, app.services, this.filter));
         this.index = new Map(this.rows.map((row, i) => [row.key, i]));
-        if (!this.index.has(this.focus))  // nothing is done to a row that a search does not show
+        // Nothing is done to a row that a search does not show.
+        for (const key of this.selected)
+            if (!this.index.has(key))
+                this.selected.delete(key);
+        if (!this.index.has(this.focus))
             this.focus = null;
         if (!this.focus && this.rows.length > 0 && document.activeElement === this.scroller)
             this.focus = this.rows[0].key;
@@ -119,60 +100,48 @@ export class Pane {
         return [...entries, ...places].sort((a, b) => (a.number ?? -1) - (b.number ?? -1));
     }
 
-    draw(element, row, index) {
-        const {app} = this;
-        const service = app.services.get(row.id);
-        if (!element.firstChild) {
-            for (const name of ["handle", "number", "name", "marks"])
-                element.append(Object.assign(document.createElement("span"), {className: name}));
-            element.setAttribute("role", "option");
-            element.firstChild.textContent = "⠿";
-            element.firstChild.setAttribute("aria-hidden", "true");
-        }
-        const [handle, number, name, marks] = element.children;
-        element.id = `${this.id}-${index}`;
-        element.dataset.key = row.ott ? "" : row.key;
-        element.className = "row" + (row.ott ? " ott" : "") + (row.hidden ? " off" : "")
-            + (row.key === this.focus ? " focus" : "")
-            + (!row.ott && this.base.get(row.key) !== row.number ? " moved" : "");
-        element.setAttribute("aria-selected", this.selected.has(row.key));
-        element.setAttribute("aria-posinset", index + 1);
-        element.setAttribute("aria-setsize", this.rows.length);
-        handle.style.visibility = row.ott ? "hidden" : "";
+    draw(drawn, row, index) {
+        const [, number, name, marks] = drawn.children;
+        drawn.id = `${this.id}-${index}`;
+        drawn.dataset.key = row.ott ? "" : row.key;
+        drawn.setAttribute("aria-selected", this.selected.has(row.key));
+        drawn.setAttribute("aria-posinset", index + 1);
+        drawn.setAttribute("aria-setsize", this.rows.length);
+        const looks = {ott: row.ott, off: row.hidden, focus: row.key === this.focus,
+                       moved: !row.ott && row.number !== row.was};
+        for (const [look, is] of Object.entries(looks))
+            drawn.classList.toggle(look, Boolean(is));
         number.textContent = row.number ?? "–";
-        name.textContent = row.ott ? "an OTT channel" : service.shown;
-        marks.replaceChildren();
-        if (row.ott)
-            return;
-        if (row.hidden)
-            marks.append(mark("hidden", "not shown in this list"));
-        if (service.kind !== "TV")
-            marks.append(mark(service.kind, "kind"));
-        if (service.hd)
-            marks.append(mark("HD", "high definition"));
-        if (service.scrambled)
-            marks.append(mark("scr", "scrambled"));
-        for (const n of app.favsOf(row.id))
-            if (app.lists[this.uuid].fav !== n)
-                marks.append(mark(n, `in FAV${n}`, true));
+        name.textContent = row.ott ? "an OTT channel" : this.app.services.get(row.id).shown;
+        marks.replaceChildren(...(row.ott ? [] : this.marksOf(row)));
+    }
+
+    marksOf({id, hidden}) {
+        const {kind, hd, scrambled} = this.app.services.get(id);
+        const others = this.app.favsOf(id).filter((n) => n !== this.app.lists[this.uuid].fav);
+        return [
+            [hidden, "hidden", "not shown in this list"],
+            [kind !== "TV", kind, "kind"],
+            [hd, "HD", "high definition"],
+            [scrambled, "scr", "scrambled"],
+            ...others.map((n) => [true, n, `in FAV${n}`, "held"]),
+        ].filter(([is]) => is).map(([, textContent, title, className = ""]) =>
+            element("span", {textContent, title, className}));
     }
 
     showSelection() {
         const count = this.selected.size;
-        const {app} = this;
-        const isFav = app.lists[this.uuid]?.fav > 0;
+        const fav = this.app.lists[this.uuid]?.fav;
         this.part(".chosen").textContent = count ? `${count} selected` : "";
         for (const button of this.root.querySelectorAll("[data-do]")) {
             const what = button.dataset.do;
             const needsNone = ["all", "close", "copy"].includes(what);
             button.disabled = (!needsNone && count === 0)
-                || (["remove", "close"].includes(what) && !isFav)
-                || (what === `add-${app.lists[this.uuid]?.fav}`);
+                || (["remove", "close"].includes(what) && !fav)
+                || what === `add-${fav}`;
         }
-        if (this.focus && this.index.has(this.focus))
-            this.scroller.setAttribute("aria-activedescendant", `${this.id}-${this.index.get(this.focus)}`);
-        else
-            this.scroller.removeAttribute("aria-activedescendant");
+        const at = this.focusIndex();
+        this.scroller.setAttribute("aria-activedescendant", at < 0 ? "" : `${this.id}-${at}`);
         this.view.paint();
     }
 
@@ -180,25 +149,27 @@ export class Pane {
         this.focus = key;
         if (isRange && this.anchor) {
             this.selectRange(this.anchor, key);
-        } else if (isToggle) {
-            if (!this.selected.delete(key))
-                this.selected.add(key);
-            this.anchor = key;
         } else {
-            this.selected = new Set([key]);
+            if (!isToggle)
+                this.selected = new Set([key]);
+            else if (!this.selected.delete(key))
+                this.selected.add(key);
             this.anchor = key;
         }
         this.showSelection();
     }
 
+    select(rows) {
+        this.selected = new Set(rows.filter((row) => !row.ott).map((row) => row.key));
+    }
+
     selectRange(from, to) {
         const [first, last] = [this.index.get(from) ?? 0, this.index.get(to) ?? 0].sort((a, b) => a - b);
-        this.selected = new Set(this.rows.slice(first, last + 1).filter((row) => !row.ott)
-            .map((row) => row.key));
+        this.select(this.rows.slice(first, last + 1));
     }
 
     selectAll() {
-        this.selected = new Set(this.rows.filter((row) => !row.ott).map((row) => row.key));
+        this.select(this.rows);
         this.showSelection();
         this.app.say(`${this.selected.size} selected`);
     }
@@ -217,14 +188,14 @@ export class Pane {
         return this.index.get(this.focus) ?? -1;
     }
 
-    moveFocus(index, isRange = false, keepsSelection = true) {
+    moveFocus(index, isRange = false) {
         const at = Math.max(0, Math.min(this.rows.length - 1, index));
         if (this.rows.length === 0)
             return;
         this.focus = this.rows[at].key;
         if (isRange)
             this.selectRange(this.anchor ??= this.rows[at].key, this.focus);
-        else if (!keepsSelection)
+        else
             this.anchor = this.focus;
         this.view.reveal(at);
         this.showSelection();

@@ -1,10 +1,11 @@
 // The state: what the lists held when they were read (the base), what was done to them since, and
 // what was taken back. All of it are values; every function gives a new one.
-import {append, closeGaps, hasNoGaps, insert, moveBefore, moveToNumber, restore, sorted}
-    from "./numbers.js";
+import {append, closeGaps, hasNoGaps, insert, moveBefore, moveToNumber, numbersOf, renumbered,
+        restore, sorted} from "./numbers.js";
 
-// `rows` as the server sends them, with the entry's key: its service and, where a list names one
-// again, which of them it is. A list that is not in the order of its numbers is so by kind first.
+// `rows` as the server sends them, with the number that was read and the entry's key: its service
+// and, where a list names one again, which of them it is. A list that is not in the order of its
+// numbers is so by kind first.
 export function entriesOf(rows) {
     const seen = new Map();
     const isByKind = rows.some((row, i) => i > 0 && row[1] !== null && row[1] < (rows[i - 1][1] ?? 0));
@@ -14,7 +15,8 @@ export function entriesOf(rows) {
         seen.set(id, times + 1);
         if (!kinds.includes(kind))
             kinds.push(kind);
-        const entry = {key: times ? `${id}.${times}` : `${id}`, id, number, hidden: hidden !== 0};
+        const key = times ? `${id}.${times}` : `${id}`;
+        const entry = {key, id, number, was: number, hidden: hidden !== 0};
         return isByKind ? {...entry, group: kinds.indexOf(kind)} : entry;
     });
 }
@@ -69,10 +71,7 @@ const operations = {
     // The selected ones, in the order of `keys`, on the places that they hold.
     order(entries, op) {
         const block = pick(entries, op.keys);
-        const numbers = block.map((entry) => entry.number).sort((a, b) => (a ?? 0) - (b ?? 0));
-        const given = new Map(block.map((entry, i) => [entry.key, numbers[i]]));
-        return entries.map((entry) =>
-            given.has(entry.key) ? {...entry, number: given.get(entry.key)} : entry);
+        return renumbered(entries, block, numbersOf(block));
     },
     close: (entries, op, list) => closeGaps(entries, list.reserved),
 };
@@ -99,7 +98,7 @@ export function apply(doc, op, lists) {
     return next;
 }
 
-const docOf = (base) =>
+export const docOf = (base) =>
     Object.fromEntries(Object.entries(base).map(([uuid, list]) => [uuid, list.entries]));
 
 // `base`: {uuid: {version, entries}}.
@@ -126,17 +125,24 @@ export function redo(state, lists) {
     return {...perform(state, op, lists), future};
 }
 
-// The same was done to other lists: what others wrote meanwhile, or more lists than before.
+export const isSame = (a, b) => a === b || (a.length === b.length && a.every((entry, i) =>
+    entry.id === b[i].id && entry.number === b[i].number && entry.hidden === b[i].hidden));
+
+// What was done to a list is in `base` already: it was saved, by whomever.
+export function isDone(state, base, uuid) {
+    return Boolean(base[uuid] && state.base[uuid]) && base[uuid].version !== state.base[uuid].version
+        && isSame(base[uuid].entries, current(state)[uuid]);
+}
+
+// The same is done to other lists: what others wrote meanwhile, or more lists than before.
 export function rebase(state, base, lists) {
     let next = start({...state.base, ...base});
+    const done = new Set(Object.keys(base).filter((uuid) => isDone(state, base, uuid)));
     for (const op of state.past)
-        if (next.base[op.list])
+        if (next.base[op.list] && !done.has(op.list))
             next = perform(next, op, lists);
     return {...next, future: state.future};
 }
-
-export const isSame = (a, b) => a === b || (a.length === b.length && a.every((entry, i) =>
-    entry.id === b[i].id && entry.number === b[i].number && entry.hidden === b[i].hidden));
 
 // The lists that hold something else than the base.
 export function changedLists(state) {

@@ -57,7 +57,7 @@ int run(std::string const& database, Options const& options) {
 void addPageCommand(CommandLine& line) {
     auto options = std::make_shared<Options>();
     line.add("page", "Serves a page to sort channels with, to this machine alone")
-        .option("--port", options->port, "the port to listen on (8017)")
+        .option("--port", options->port, "the port to listen on (8017, else another)")
         .option("--keep", options->keep, "minutes without a page until it ends (15), 0: never")
         .flag("--read-only", options->readOnly, "let nothing be written")
         .flag("--no-browser", options->noBrowser, "open no browser")
