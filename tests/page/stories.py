@@ -342,6 +342,18 @@ class Together(Story):
         page.save()
         self.assertEqual(world.names("FAV1"), [names[2], *names[:2], *names[3:]])
 
+    def test_a_scan_deals_other_keys(self):
+        world, page, names = self.begin()
+        page.do(0, "top", names[2])
+        before = world.content("FAV1")
+        world.execute("UPDATE Service SET Uuid = 'another' || Uuid WHERE Name = ?", names[5])
+        page.reads("#trouble", "other keys")
+        page.press("save")
+        page.reads("#trouble", "other keys")
+        self.assertEqual(world.content("FAV1"), before)
+        page.press("discard")
+        page.begins(0, names[0])
+
     def test_every_width_has_everything_in_reach(self):
         _, page, names = self.begin()
         for width in (320, 720, 1280, 3840):

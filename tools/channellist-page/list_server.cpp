@@ -26,12 +26,19 @@ namespace {
 
 using namespace channel_lists;
 
-// A change of the content is meant to be seen, not to be proven: FNV-1a.
-std::string versionOf(std::string const& stored) {
+// A change is meant to be seen, not to be proven: FNV-1a.
+std::uint64_t hashOf(std::string const& text) {
     std::uint64_t hash = 14695981039346656037U;
-    for (char const byte : stored)
+    for (char const byte : text)
         hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    return std::to_string(hash);
+    return hash;
+}
+
+std::string versionOf(std::string const& stored) { return std::to_string(hashOf(stored)); }
+
+// Of a service, whatever key a scan gives to it.
+std::uint32_t printOf(Entry const& entry) {
+    return entry.uuid.empty() ? 0 : static_cast<std::uint32_t>(hashOf(entry.uuid));
 }
 
 List listOf(std::string const& uuid) {
@@ -59,7 +66,8 @@ std::string rowOf(ResultRow const& service) {
     text += std::string(",") + flag(entry.deleted) + ",";
     text += quoted(entry.name) + "," + quoted(kindOf(service)) + ",";
     text += quoted(placeOf(service)) + "," + flag((attributes & kHighDefinition) != 0) + ",";
-    return text + flag((attributes & kScrambled) != 0) + "]";
+    text += std::string(flag((attributes & kScrambled) != 0)) + ",";
+    return text + std::to_string(printOf(entry)) + "]";
 }
 
 struct Content {
@@ -82,7 +90,7 @@ std::vector<Content> readContents(std::vector<std::string> const& uuids) {
 
 std::string textOf(std::vector<Content> const& lists) {
     std::string text =
-        R"({"columns":["id","number","hidden","name","kind","place","hd","scrambled"],"lists":[)";
+        R"({"columns":["id","number","hidden","name","kind","place","hd","scrambled","print"],"lists":[)";
     for (Content const& list : lists) {
         text += &list == lists.data() ? "" : ",";
         text += "{\"uuid\":" + quoted(list.uuid) + ",\"version\":" + quoted(list.version) +
@@ -107,6 +115,8 @@ std::vector<Entry> wantedEntries(Json const& rows, SeenList const& seen,
             throw Failure("the database has a service of " + displayName(seen.list) +
                           " no more; nothing is written");
         Entry entry = known->second;
+        if (row.at(3).get<std::uint32_t>() != printOf(entry))
+            throw Failure("the services have other keys by now; nothing is written");
         entry.number =
             row.at(1).is_null() ? std::nullopt : std::optional(row.at(1).get<std::int64_t>());
         entry.deleted = row.at(2).get<int>() != 0;

@@ -18,7 +18,7 @@ const shown = (name) => name.replace(/[\p{Cc}\u061c\u200e\u200f\u202a-\u202e\u20
 
 const app = {
     lists: {},            // by uuid: {name, fav, all, count, reserved}
-    services: new Map(),  // by key: {name, shown, folded, kind, place, hd, scrambled}
+    services: new Map(),  // by key: {name, shown, folded, kind, place, hd, scrambled, print}
     state: st.start({}),
     saved: null,          // what a save replaced, until the next change
     conflict: null,       // lists as others left them: {uuid: {version, entries}}
@@ -139,7 +139,7 @@ const pick = (doc, uuids) => Object.fromEntries(uuids.map((uuid) => [uuid, doc[u
 async function write(text, doc) {
     const lists = Object.entries(doc).map(([uuid, entries]) => ({
         uuid, version: app.state.base[uuid].version,
-        entries: entries.map((entry) => [entry.id, entry.number, entry.hidden ? 1 : 0]),
+        entries: entries.map((entry) => [entry.id, entry.number, entry.hidden ? 1 : 0, print(entry.id)]),
     }));
     const answer = await busy(text, () => server.save(lists));
     if (answer)
@@ -151,7 +151,7 @@ function become(state, told) {
     app.state = state;
     if (app.conflict && st.changedLists(state).length === 0)  // all of it was undone
         return app.discard();
-    if (app.isBegun && !work.keep(app.database, app.state))
+    if (app.isBegun && !work.keep(app.database, app.state, print))
         app.trouble("The browser has no room to keep this over a reload: save it soon.");
     draw();
     if (told)
@@ -181,11 +181,24 @@ function drawLists() {
         element("span", {className: "count"}, app.entries(uuid)?.length ?? list.count)))));
 }
 
+// What tells a service from others, whatever its key.
+const print = (id) => app.services.get(id)?.print;
+
+// A scan may deal other keys: what was done by the former ones would be done to other services.
+function checkKeys(answer) {
+    const isOther = answer.lists.some(({rows}) => rows.some((row) =>
+        app.services.has(row[0]) && print(row[0]) !== row[8]));
+    if (isOther && st.changedLists(app.state).length > 0)
+        throw new server.Refused("A scan gave other keys to the services: what you did cannot be saved any more; discard it");
+    if (isOther)
+        app.saved = null;
+}
+
 // Lists as the server sent them, as a base.
 function read(answer) {
     for (const {rows} of answer.lists)
-        for (const [id, , , name, kind, place, hd, scrambled] of rows)
-            app.services.set(id, {name, shown: shown(name), folded: folded(name), kind, place, hd, scrambled});
+        for (const [id, , , name, kind, place, hd, scrambled, print] of rows)
+            app.services.set(id, {name, shown: shown(name), folded: folded(name), kind, place, hd, scrambled, print});
     return Object.fromEntries(answer.lists.map(({uuid, version, rows}) =>
         [uuid, {version, entries: st.entriesOf(rows)}]));
 }
@@ -236,9 +249,10 @@ async function reload() {
         app.state = st.start({});
         return load();
     }
+    const answer = await server.lists(Object.keys(app.state.base).filter((uuid) => uuids.has(uuid)));
+    checkKeys(answer);
     takeOverview(overview);
-    const known = Object.keys(app.state.base).filter((uuid) => app.lists[uuid]);
-    take(await server.lists(known));
+    take(answer);
 }
 
 // Says in words what went wrong in a talk with the server.
@@ -303,6 +317,8 @@ function resume(kept) {
         return;
     if (kept.past.some((op) => !app.lists[op.list]))
         return app.trouble("Unsaved work is for lists that this database does not have. It stays until you change something here.");
+    if (Object.entries(kept.prints ?? {}).some(([id, each]) => print(Number(id)) !== each))
+        return app.trouble("Unsaved work is for services that have other keys now. It stays until you change something here.");
     const fits = Object.entries(kept.versions).every(([uuid, version]) =>
         !app.state.base[uuid] || app.state.base[uuid].version === version);
     try {

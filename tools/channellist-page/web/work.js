@@ -2,7 +2,10 @@
 
 const name = (database) => `work of ${database}`;
 
-export function keep(database, state) {
+const idsOf = (op) => op.ids ?? (op.keys ?? []).map((key) => parseInt(key, 10));
+
+// `print` tells what a service is, whatever its key.
+export function keep(database, state, print) {
     try {
         if (state.past.length === 0)
             sessionStorage.removeItem(name(database));
@@ -10,6 +13,7 @@ export function keep(database, state) {
             sessionStorage.setItem(name(database), JSON.stringify({
                 past: state.past,
                 future: state.future,
+                prints: Object.fromEntries(state.past.flatMap(idsOf).map((id) => [id, print(id)])),
                 versions: Object.fromEntries(
                     Object.entries(state.base).map(([uuid, list]) => [uuid, list.version])),
             }));
@@ -19,7 +23,7 @@ export function keep(database, state) {
     }
 }
 
-// {past, future, versions}; null without.
+// {past, future, prints, versions}; null without.
 export function kept(database) {
     try {
         const work = JSON.parse(sessionStorage.getItem(name(database)));
