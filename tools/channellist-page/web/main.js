@@ -206,11 +206,16 @@ function read(answer) {
 // New lists, and those that others changed. What was done to the latter is never written over them.
 function take(answer) {
     const news = read(answer);
-    const overtaken = st.changedLists(app.state).filter((uuid) => news[uuid]
-        && news[uuid].version !== app.state.base[uuid].version && !st.isDone(app.state, news, uuid));
-    app.conflict = overtaken.length > 0 ? pick(news, overtaken) : null;
-    for (const uuid of overtaken)
-        delete news[uuid];
+    const mine = new Set(st.changedLists(app.state));
+    const conflict = {...app.conflict};
+    for (const [uuid, list] of Object.entries(news)) {
+        delete conflict[uuid];
+        if (mine.has(uuid) && list.version !== app.state.base[uuid].version && !st.isDone(app.state, news, uuid)) {
+            conflict[uuid] = list;
+            delete news[uuid];
+        }
+    }
+    app.conflict = Object.keys(conflict).length > 0 ? conflict : null;
     become(st.rebase(app.state, news, app.lists));
     showFilters();
 }

@@ -80,21 +80,15 @@ export function insert(entries, block, number, reserved) {
             at.set(entry.number, [...(at.get(entry.number) ?? []), entry]);
     let next = nextFree(Math.max(1, number), reserved);
     for (const entry of block) {
-        let pushed = [{...entry, number: next}];
+        let pushed = [entry];
         for (let place = next; pushed.length > 0; place = nextFree(place + 1, reserved)) {
             const there = at.get(place) ?? [];
-            at.set(place, pushed.map((each) => ({...each, number: place})));
+            at.set(place, pushed.map((each) => each.number === place ? each : {...each, number: place}));
             pushed = there;
         }
         next = nextFree(next + 1, reserved);
     }
-    const hidden = entries.filter((entry) => entry.hidden);
-    const old = new Map(entries.map((entry) => [entry.key, entry]));
-    const shown = [...at.values()].flat().map((entry) => {
-        const before = old.get(entry.key);
-        return before && before.number === entry.number ? before : entry;
-    });
-    return [...hidden, ...shown];
+    return [...entries.filter((entry) => entry.hidden), ...[...at.values()].flat()];
 }
 
 export function append(entries, block, reserved) {

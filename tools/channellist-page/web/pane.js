@@ -72,9 +72,6 @@ export class Pane {
         const {app, uuid} = this;
         const entries = app.entries(uuid);
         this.part(".choice").value = uuid ?? "";
-        this.part(".empty").hidden = Boolean(entries?.length);
-        this.part(".empty").textContent = !entries ? "Loading …"
-            : "Nothing here yet. Drag channels to this list, or select them and press Add to.";
         this.entries = entries ?? [];
         this.rows = this.withReserved(found(this.entries, app.services, this.filter));
         this.index = new Map(this.rows.map((row, i) => [row.key, i]));
@@ -87,6 +84,10 @@ export class Pane {
         if (!this.focus && this.rows.length > 0 && document.activeElement === this.scroller)
             this.focus = this.rows[0].key;
         this.view.show(this.rows);
+        this.part(".empty").hidden = this.rows.length > 0;
+        this.part(".empty").textContent = !entries ? "Loading …"
+            : entries.length > 0 ? "Nothing of this list is found."
+            : "Nothing here yet. Drag channels to this list, or select them and press Add to.";
         this.scroller.setAttribute("aria-label", `${app.nameOf(uuid)}, ${this.rows.length} channels`);
         this.showSelection();
     }

@@ -32,13 +32,9 @@ const pick = (entries, keys) => {
 function step(entries, block, by) {
     const moving = new Set(block.map((entry) => entry.key));
     const shown = entries.filter((entry) => !entry.hidden);
-    const places = shown.flatMap((entry, i) => moving.has(entry.key) ? [i] : []);
-    if (places.length === 0)
-        return entries;
+    const first = shown.findIndex((entry) => moving.has(entry.key));
     const others = shown.filter((entry) => !moving.has(entry.key));
-    const before = shown.slice(0, places[0]).filter((entry) => !moving.has(entry.key)).length;
-    const target = others[Math.max(0, Math.min(others.length, before + by))];
-    return moveBefore(entries, block, target?.key ?? null);
+    return first < 0 ? entries : moveBefore(entries, block, others[Math.max(0, first + by)]?.key ?? null);
 }
 
 const operations = {
