@@ -27,7 +27,6 @@ std::vector<ListEdit> editsEverywhere(SeenList const& seen,
                                       std::vector<Operation> const& operations, bool renumber) {
     Marks const marks = marksOf(seen, operations);
     std::vector<ListEdit> edits;
-    std::set<unsigned int> reached;  // in FAV1 to FAV4, by the edit of another list
     std::set<std::string> uuids;
     for (bool const isFav : {false, true}) {
         for (List const& list : allLists()) {
@@ -38,12 +37,8 @@ std::vector<ListEdit> editsEverywhere(SeenList const& seen,
             std::vector<Entry> entries = each.entries;
             for (Entry& entry : entries) {
                 auto const mark = marks.find(entry.serviceId);
-                if (mark == marks.end() || mark->second == entry.deleted ||
-                    (isFav && reached.count(entry.serviceId) != 0))
-                    continue;
-                entry.deleted = mark->second;
-                if (!isFav)
-                    reached.insert(entry.serviceId);
+                if (mark != marks.end())
+                    entry.deleted = mark->second;
             }
             if (!(entries == each.entries))
                 edits.push_back({std::move(each), {std::move(entries), renumber}});

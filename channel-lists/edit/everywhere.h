@@ -8,9 +8,8 @@
 
 namespace channel_lists {
 
-// What the operations, hide and restore alone, of services of the seen list make of all lists. An
-// edit of another list marks FAV1 to FAV4, too; these have an edit of their own only where no
-// other list has one of the service. Call it within one FrozenDatabase.
+// What the operations, hide and restore alone, of services of the seen list make of all lists. Call
+// it within one FrozenDatabase.
 std::vector<ListEdit> editsEverywhere(SeenList const& seen,
                                       std::vector<Operation> const& operations, bool renumber);
 

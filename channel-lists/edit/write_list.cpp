@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <map>
-#include <tuple>
 
 #include "database/frozen_database.h"
 #include "database/query.h"
 #include "edit/commit_guard.h"
+#include "edit/merge.h"
 #include "edit/only_writer.h"
 #include "edit/renumbering.h"
 #include "edit/request.h"
@@ -29,18 +29,6 @@ void giveWay(int attempt) {
     unsigned char random = 0;
     sqlite3_randomness(sizeof random, &random);
     sqlite3_sleep(1 + random * std::min(attempt, 20) / 64);
-}
-
-// Entries of one service change places without a change.
-bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other) {
-    using Place = std::tuple<unsigned int, std::optional<std::int64_t>, bool>;
-    auto const placesOf = [](std::vector<Entry> const& entries) {
-        std::multiset<Place> places;
-        for (Entry const& entry : entries)
-            places.emplace(entry.serviceId, entry.number, entry.deleted);
-        return places;
-    };
-    return one == other || placesOf(one) == placesOf(other);
 }
 
 std::vector<std::string> requestFor(SeenList const& seen, WantedList const& wanted) {
@@ -207,26 +195,6 @@ bool isAsked(ListEdit const& edit) {
            (edit.wanted.renumber && edit.seen.list.favIndex != 0);
 }
 
-// What the request of the edit makes of the lists that it reaches.
-void expect(ListEdit const& edit, Snapshot& lists) {
-    SeenList const& seen = edit.seen;
-    std::vector<Entry> const& entries = edit.wanted.entries;
-    std::map<unsigned int, bool> deleted;  // by service, what an edit of other lists changes
-    for (std::size_t i = 0; seen.list.favIndex == 0 && i < entries.size(); ++i)
-        if (entries[i].deleted != seen.entries[i].deleted)
-            deleted[entries[i].serviceId] = entries[i].deleted;
-    for (ListEntries& list : lists) {
-        if (list.uuid == seen.list.uuid) {
-            list.entries = entries;
-            continue;
-        }
-        for (Entry& entry : list.entries)
-            if (auto const found = deleted.find(entry.serviceId);
-                list.isFav && found != deleted.end())
-                entry.deleted = found->second;
-    }
-}
-
 bool areSame(Snapshot const& before, Snapshot const& after) {
     return before.size() == after.size() && std::equal(
                                                 before.begin(), before.end(), after.begin(),
@@ -235,62 +203,129 @@ bool areSame(Snapshot const& before, Snapshot const& after) {
                                                 });
 }
 
-}  // namespace
-
-Snapshot expectedLists(ListEdit const& edit) { return expectedLists(std::vector{edit}); }
-
-Snapshot expectedLists(std::vector<ListEdit> const& edits) {
-    Snapshot lists;
-    for (ListEdit const& edit : edits)
-        addMissing(edit.seen.reached, lists);
-    for (ListEdit const& edit : edits)
-        expect(edit, lists);
-    return lists;
-}
-
-Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping) {
-    Written result;
-    std::map<std::string, std::string> states;
-    for (ListEdit const& edit : edits) {
-        addMissing(edit.seen.reached, result.before);
-        states.insert(edit.seen.reachedStates.begin(), edit.seen.reachedStates.end());
+// Edits of lists that are none of FAV1 to FAV4 first: they mark these, too.
+class Write {
+  public:
+    Write(std::vector<ListEdit> edits, Keeping const& keeping)
+        : edits_(std::move(edits)), keeping_(keeping), writer_(statesOf(edits_)) {
+        auto const favs = std::stable_partition(
+            edits_.begin(), edits_.end(),
+            [](ListEdit const& edit) { return edit.seen.list.favIndex == 0; });
+        others_ = static_cast<std::size_t>(favs - edits_.begin());
+        for (ListEdit const& edit : edits_)
+            addMissing(edit.seen.reached, result_.before);
+        result_.after = expected_ = result_.before;
     }
-    result.after = result.before;
-    Snapshot expected = result.before;
-    OnlyWriter writer(std::move(states));
-    bool isKept = false;
-    std::vector<std::string> written;  // their names
-    for (ListEdit const& edit : edits) {
-        if (!isAsked(edit))
-            continue;
-        if (!isKept)
-            keeping.store.keepLists(keeping.command, result.before, expectedLists(edits));
-        isKept = true;
-        try {
-            if (!writeOne(edit, writer)) {
-                result.overtaken = displayName(edit.seen.list);
+
+    Written run() {
+        for (std::size_t i = 0; i < edits_.size() && result_.overtaken.empty(); ++i) {
+            if (i == others_ && result_.ending == Ending::Written && !seeFavListsAgain())
                 break;
+            if (isAsked(edits_[i]))
+                writeNext(edits_[i]);
+        }
+        end();
+        return result_;
+    }
+
+  private:
+    static std::map<std::string, std::string> statesOf(std::vector<ListEdit> const& edits) {
+        std::map<std::string, std::string> states;
+        for (ListEdit const& edit : edits)
+            states.insert(edit.seen.reachedStates.begin(), edit.seen.reachedStates.end());
+        return states;
+    }
+
+    // Behind the edits of other lists; false when they are not what these made of them.
+    bool seeFavListsAgain() {
+        FrozenDatabase const frozen;
+        for (std::size_t i = others_; i < edits_.size(); ++i) {
+            SeenList& seen = edits_[i].seen;
+            SeenList now = seeList(seen.list);
+            auto const list =
+                std::find_if(expected_.begin(), expected_.end(),
+                             [&](ListEntries const& each) { return each.uuid == now.list.uuid; });
+            if (!areSame(list->entries, now.entries)) {
+                result_.overtaken = displayName(now.list);
+                return false;
+            }
+            now.undelivered = seen.undelivered;
+            seen = std::move(now);
+        }
+        return true;
+    }
+
+    void writeNext(ListEdit const& edit) {
+        if (!isKept_)
+            keeping_.store.keepLists(keeping_.command, result_.before, expectedLists(edits_));
+        isKept_ = true;
+        std::string const name = displayName(edit.seen.list);
+        try {
+            if (!writeOne(edit, writer_)) {
+                result_.overtaken = name;
+                return;
             }
         } catch (std::exception const& error) {
-            if (result.ending != Ending::Written)
+            if (result_.ending != Ending::Written)
                 throw;
-            keeping.store.keepOnlyChanged(writtenLists(expected, writer));
-            throw Failure(displayName(edit.seen.list) + ": " + error.what() +
-                          "; written before: " + joined(written));
+            end();
+            throw PartlyWritten(name + ": " + error.what() + "; written before: " + joined(names_),
+                                result_);
         }
-        result.ending = Ending::Written;
-        written.push_back(displayName(edit.seen.list));
-        expect(edit, expected);
+        result_.ending = Ending::Written;
+        names_.push_back(name);
+        expect(edit, expected_);
     }
-    if (result.ending == Ending::Written)
-        result.after = writtenLists(expected, writer);
-    if (areSame(result.before, result.after)) {  // there were no gaps
-        keeping.store.discard();
-        result.ending = result.overtaken.empty() ? Ending::NothingToDo : Ending::Overtaken;
-    } else {
-        keeping.store.keepOnlyChanged(result.after);
+
+    void end() {
+        if (result_.ending == Ending::Written)
+            result_.after = writtenLists(expected_, writer_);
+        if (areSame(result_.before, result_.after)) {  // there were no gaps
+            keeping_.store.discard();
+            result_.ending = result_.overtaken.empty() ? Ending::NothingToDo : Ending::Overtaken;
+        } else {
+            keeping_.store.keepOnlyChanged(result_.after);
+        }
     }
-    return result;
+
+    std::vector<ListEdit> edits_;
+    Keeping const& keeping_;
+    OnlyWriter writer_;
+    std::size_t others_ = 0;  // how many of the edits are of other lists
+    Written result_;
+    Snapshot expected_;  // of what is written so far
+    bool isKept_ = false;
+    std::vector<std::string> names_;  // of the lists that are written
+};
+
+}  // namespace
+
+Written writeLists(std::vector<ListEdit> edits, Keeping const& keeping) {
+    return Write(std::move(edits), keeping).run();
+}
+
+void add(Written const& written, Written& total) {
+    if (written.ending != Ending::Written)
+        return;
+    total.ending = Ending::Written;
+    for (ListEntries const& list : written.after)
+        for (ListEntries& each : total.after)
+            if (each.uuid == list.uuid)
+                each.entries = list.entries;
+}
+
+void follow(Snapshot const& now, Written& total) {
+    for (std::size_t i = 0; i < total.after.size(); ++i)
+        for (ListEntries const& list : now) {
+            std::vector<Entry>& after = total.after[i].entries;
+            if (list.uuid != total.after[i].uuid || areSame(after, list.entries))
+                continue;
+            std::vector<Entry>& before = total.before[i].entries;
+            before = merge(after, list.entries, before, {}).entries;
+            after = list.entries;
+        }
+    addMissing(now, total.before);
+    addMissing(now, total.after);
 }
 
 Written writeAgainAndAgain(std::function<SeenList()> const& see,

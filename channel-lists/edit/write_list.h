@@ -5,17 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "edit/seen_list.h"
+#include "edit/list_edit.h"
+#include "failure.h"
 #include "kept/undo_store.h"
 
 namespace channel_lists {
-
-struct WantedList {
-    std::vector<Entry> entries;
-    // Closes the gaps in the numbers: of the list where it is FAV1 to FAV4, else of those of them
-    // that hold a service that is hidden or restored.
-    bool renumber = false;
-};
 
 // What undo is to know of the write.
 struct Keeping {
@@ -37,24 +31,26 @@ struct Written {
     std::string overtaken;  // the list that somebody changed, of several the first; "" for none
 };
 
-// One list of a write.
-struct ListEdit {
-    SeenList seen;
-    WantedList wanted;
+// A list could not be written, after others were.
+class PartlyWritten : public Failure {
+  public:
+    PartlyWritten(std::string const& sentence, Written lists)
+        : Failure(sentence), written(std::move(lists)) {}
+    Written const written;
 };
 
 // Brings the lists to what is wanted, each in one commit and only if it still is as it was seen at
 // that moment; one that is not ends the write, and those before it stay written. They were seen
-// within one FrozenDatabase. A hidden entry that joins a FAV list takes a second commit, and is
-// shown between the two. Throws Failure when nothing could be written for another reason. Takes
-// the library's mutex.
-Written writeLists(std::vector<ListEdit> const& edits, Keeping const& keeping);
+// within one FrozenDatabase. FAV1 to FAV4 come last, and are what is wanted of them whatever marks
+// the edits of other lists have copied there. A hidden entry that joins a FAV list takes a second
+// commit, and is shown between the two. Throws Failure when nothing could be written for another
+// reason, PartlyWritten when a part is. Takes the library's mutex.
+Written writeLists(std::vector<ListEdit> edits, Keeping const& keeping);
 
-// The lists as the write of one will leave them, as far as the request alone tells: not what is
-// renumbered.
-Snapshot expectedLists(ListEdit const& edit);
-// Of several, one after the other.
-Snapshot expectedLists(std::vector<ListEdit> const& edits);
+// Several writes as one, beside others: adds another one to `total`, or a new sight of the lists,
+// `now`. What others wrote since is in both sides then: it is neither told nor taken back.
+void add(Written const& written, Written& total);
+void follow(Snapshot const& now, Written& total);
 
 // Sees the list, asks what is wanted of it and writes that: again, with the list as it is then, as
 // often as somebody changed it in between, some fifty times. Throws Failure when that does not

@@ -399,6 +399,8 @@ void UndoStore::keepDatabase(std::string const& command, std::string const& cont
     }
 }
 
+void UndoStore::correct(Snapshot const& lists) { last_.lists = lists; }
+
 void UndoStore::keepOnlyChanged(Snapshot const& now) {
     if (last_.number == 0)
         return;

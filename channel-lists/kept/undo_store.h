@@ -60,6 +60,8 @@ class UndoStore {
     void keepDatabase(std::string const& command, std::string const& content, int undoes = 0,
                       std::vector<int> const& alongside = {});
 
+    // The lists before the write as its end shows them: without what others wrote to them.
+    void correct(Snapshot const& lists);
     // The write is done. Of what keepLists kept, only the lists that differ from `now` stay;
     // nothing when none does.
     void keepOnlyChanged(Snapshot const& now);

@@ -22,8 +22,6 @@ namespace {
 
 constexpr int kMostTries = 20;
 
-enum class Kind { FavLists, OtherLists };
-
 ListEntries const* withUuid(Snapshot const& lists, std::string const& uuid) {
     auto const found = std::find_if(lists.begin(), lists.end(),
                                     [&](ListEntries const& each) { return each.uuid == uuid; });
@@ -107,7 +105,7 @@ class Planner {
     Planner(KeptCopy const& copy, TakenBack& result)
         : copy_(copy), result_(result), all_(readEntries(allServicesList().uuid).entries) {}
 
-    std::vector<ListEdit> plan(Kind kind) {
+    std::vector<ListEdit> plan() {
         std::vector<ListEdit> edits;
         std::vector<List> const lists = allLists();
         for (ListEntries const& kept : copy_.lists) {
@@ -116,8 +114,7 @@ class Planner {
             });
             if (list == lists.end())
                 throw Failure("the database has no list " + kept.listName + " any more");
-            if ((list->favIndex != 0) == (kind == Kind::FavLists))
-                edits.push_back(planOne(*list, kept));
+            edits.push_back(planOne(*list, kept));
         }
         return edits;
     }
@@ -210,91 +207,61 @@ class Planner {
 bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& result) {
     JoiningItems joining;
     for (ListEdit const& edit : edits)
-        if (auto const items = copy.items.find(edit.seen.list.uuid); items != copy.items.end())
+        if (auto const items = copy.items.find(edit.seen.list.uuid);
+            items != copy.items.end() && edit.seen.list.favIndex != 0)
             for (StoredItem const& item : items->second)
                 joining.add(edit.seen.list.pid, item);
     UndoStore off("", false);
-    Written const written = writeLists(edits, {off, ""});
-    result.isWritten = result.isWritten || written.ending == Ending::Written;
-    for (ListEntries const& list : written.after)
-        for (ListEntries& each : result.after)
-            if (each.uuid == list.uuid)
-                each.entries = list.entries;
-    return written.overtaken.empty();
+    try {
+        Written const written = writeLists(edits, {off, ""});
+        add(written, result);
+        return written.overtaken.empty();
+    } catch (PartlyWritten const& partly) {
+        add(partly.written, result);
+        throw;
+    }
 }
-
-struct Plan {
-    std::vector<ListEdit> otherLists, favLists;
-    Snapshot expected;  // the lists behind both
-};
 
 // All of one state of the database.
-Plan makePlan(KeptCopy const& copy, TakenBack& result) {
+std::vector<ListEdit> makePlan(KeptCopy const& copy, TakenBack& result) {
     FrozenDatabase const frozen;
-    Planner planner(copy, result);
-    Plan plan = {planner.plan(Kind::OtherLists), planner.plan(Kind::FavLists), {}};
-    std::vector<ListEdit> edits = plan.otherLists;
-    edits.insert(edits.end(), plan.favLists.begin(), plan.favLists.end());
-    for (ListEdit const& edit : edits)
-        addMissing(edit.seen.reached, result.before);
-    result.after = result.before;
-    plan.expected = expectedLists(edits);
-    return plan;
-}
-
-// Whether the lists differ in nothing but what is hidden.
-bool haveSamePlaces(std::vector<Entry> const& one, std::vector<Entry> const& other) {
-    return std::equal(
-        one.begin(), one.end(), other.begin(), other.end(),
-        [](Entry const& a, Entry const& b) {
-            return a.serviceId == b.serviceId && a.number == b.number;
-        });
-}
-
-// What hides or shows services everywhere comes before the lists of which it is a part: these are
-// seen again behind it, and brought to what was wanted of them before. False when somebody wrote in
-// between.
-bool writePlan(Plan plan, KeptCopy const& copy, TakenBack& result) {
-    if (!write(plan.otherLists, copy, result))
-        return false;
-    if (!plan.otherLists.empty()) {
-        FrozenDatabase const frozen;
-        for (ListEdit& edit : plan.favLists) {
-            SeenList now = seeList(edit.seen.list);
-            if (!haveSamePlaces(now.entries, edit.seen.entries))
-                return false;
-            now.undelivered = edit.seen.undelivered;
-            edit.seen = std::move(now);
-        }
-    }
-    return write(plan.favLists, copy, result);
+    return Planner(copy, result).plan();
 }
 
 // One try, with the lists as they are by now; `result` is what those before it wrote. False when
 // somebody wrote in between.
 bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenBack& result) {
     TakenBack next;
-    Plan plan = makePlan(copy, next);
+    std::vector<ListEdit> const edits = makePlan(copy, next);
     bool const isRefused = !isForced && (!next.conflicts.empty() || !next.lost.empty());
-    if (result.isWritten) {
-        if (isRefused)
-            throw Failure("others changed the same entries meanwhile; a part is taken back");
-        next.before = std::move(result.before);
-        next.after = std::move(result.after);
-        next.isWritten = true;
-    }
+    bool const isFirst = !result.isWritten();
+    if (isRefused && !isFirst)
+        throw Failure("others changed the same entries meanwhile; a part is taken back");
+    if (!isFirst)
+        static_cast<Written&>(next) = std::move(result);
     result = std::move(next);
+    Snapshot now;
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, now);
+    follow(now, result);
     if (isRefused)
         return true;
-    if (!result.isWritten) {
+    if (isFirst) {
         bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
-        store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number),
-                        result.before, plan.expected, isRedo ? 0 : copy.number);
+        store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number), now,
+                        expectedLists(edits), isRedo ? 0 : copy.number);
     }
-    bool const isDone = writePlan(std::move(plan), copy, result);
-    if (!result.isWritten)
+    bool const isDone = write(edits, copy, result);
+    if (!result.isWritten())
         store.discard();
     return isDone;
+}
+
+void keep(TakenBack const& result, UndoStore& store) {
+    if (!result.isWritten())
+        return;
+    store.correct(result.before);
+    store.keepOnlyChanged(result.after);
 }
 
 }  // namespace
@@ -305,14 +272,12 @@ TakenBack takeBack(KeptCopy const& copy, bool isForced, UndoStore& store) {
         for (int tries = 1; !tryToTakeBack(copy, isForced, store, result); ++tries)
             if (tries == kMostTries)
                 throw Failure(std::string("others change the lists all the time; ") +
-                              (result.isWritten ? "a part is taken back" : "nothing is written"));
+                              (result.isWritten() ? "a part is taken back" : "nothing is written"));
     } catch (...) {
-        if (result.isWritten)
-            store.keepOnlyChanged(result.after);
+        keep(result, store);
         throw;
     }
-    if (result.isWritten)
-        store.keepOnlyChanged(result.after);
+    keep(result, store);
     return result;
 }
 

@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "edit/write_list.h"
 #include "kept/undo_store.h"
 
 namespace channel_lists {
 
-struct TakenBack {
-    Snapshot before, after;
-    bool isWritten = false;
+struct TakenBack : Written {
+    bool isWritten() const { return ending == Ending::Written; }
+
     std::vector<std::string> conflicts;  // entries that others changed since, too
     std::vector<std::string> lost;       // entries that the database has no place for any more
     std::vector<std::string> notes;

@@ -172,28 +172,35 @@ TEST_P(WriteList, WritesOnlyWhatWasSeenAtEveryMoment) {
     }
 }
 
-// An edit that moved entry 2 to 7 is taken back: with what others wrote in between, of which it
-// says nothing, or not at all where they moved the same entry.
+// An edit that moved entry 2 of FAV1 to 7, or hid entry 1 of "all", is taken back: with what others
+// wrote in between, of which it says nothing, or not at all where they moved the same entry.
 TEST_P(WriteList, TakesBackItsOwnChangeAloneAtAnyMoment) {
     const struct {
+        char const* list;
         char const* others;
         bool isAtOdds;
         char const* afterwards;
     } cases[] = {
-        {"INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (4, 11, 9)", false,
-         "11:1:1 11:2:2 11:3:3 11:9:4 12:4:4 "},
-        {"UPDATE FavoriteItem SET ChannelNum = 8 WHERE FavoriteId = 11 AND ServiceId = 2", true,
-         "11:1:1 11:3:3 11:8:2 12:4:4 "},
+        {"fav1", "INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (4, 11, 9)",
+         false, "11:1:1 11:2:2 11:3:3 11:9:4 12:4:4 "},
+        {"fav1", "UPDATE FavoriteItem SET ChannelNum = 8 WHERE FavoriteId = 11 AND ServiceId = 2",
+         true, "11:1:1 11:3:3 11:8:2 12:4:4 "},
+        {"all", "UPDATE FavoriteItem SET isDeleted = 1 WHERE FavoriteId = 11 AND ServiceId = 3",
+         false, "11:1:1 11:2:2 11:3:3- 12:4:4 "},
     };
     for (auto const& c : cases) {
         int between = 0;
         for (int moment = 1, last = 1; moment <= last; moment += 3) {
             make();
-            WantedList wanted{see("fav1").entries, false};
-            wanted.entries[1].number = 7;
+            bool const isAll = c.list == std::string("all");
+            WantedList wanted{see(c.list).entries, false};
+            if (isAll)
+                wanted.entries[0].deleted = true;
+            else
+                wanted.entries[1].number = 7;
             fs::remove_all(folder_ / ".local");
             UndoStore store(file());
-            writeLists({{see("fav1"), wanted}}, {store, "edit"});
+            writeLists({{see(c.list), wanted}}, {store, "edit"});
             UndoStore undone(file());
             Other other(file(), c.others, moment);
             TakenBack const taken = takeBack(store.copies().back(), false, undone);
@@ -201,9 +208,9 @@ TEST_P(WriteList, TakesBackItsOwnChangeAloneAtAnyMoment) {
             SCOPED_TRACE(std::string(c.others) + " at " + std::to_string(moment) + " of " +
                          std::to_string(last));
             EXPECT_EQ(items(), other.hasWritten ? c.afterwards : kUntouched);
-            EXPECT_EQ(store.copies().size(), taken.isWritten ? 2U : 1U);
-            if (taken.isWritten) {
-                EXPECT_EQ(differences(taken.before, taken.after).size(), 1U);
+            EXPECT_EQ(store.copies().size(), taken.isWritten() ? 2U : 1U);
+            if (taken.isWritten()) {
+                EXPECT_EQ(differences(taken.before, taken.after).size(), isAll ? 2U : 1U);
                 between += other.hasWritten && !c.isAtOdds;
             } else {
                 EXPECT_EQ(taken.conflicts.size(), 1U);

@@ -157,15 +157,8 @@ std::map<std::int64_t, Entry> knownServices(std::vector<SeenList> const& lists) 
 }
 
 struct Task {
-    std::vector<ListEdit> others, favLists;
+    std::vector<ListEdit> edits;
     Json overtaken = Json::array();
-    Snapshot before, after;  // as it was, and as this task makes it
-
-    std::vector<ListEdit> edits() const {
-        std::vector<ListEdit> all = others;
-        all.insert(all.end(), favLists.begin(), favLists.end());
-        return all;
-    }
 };
 
 Task taskOf(Json const& request) {
@@ -187,64 +180,16 @@ Task taskOf(Json const& request) {
     for (Json const& each : request.at("lists")) {
         SeenList const& list = seen[at++];
         std::vector<Entry> wanted = wantedEntries(each.at("entries"), list, services);
-        if (list.list.favIndex != 0)
-            task.favLists.push_back({list, {std::move(wanted), false}});
-        else
-            task.others.push_back({list, {inStoredOrder(std::move(wanted), list), false}});
+        if (list.list.favIndex == 0)
+            wanted = inStoredOrder(std::move(wanted), list);
+        task.edits.push_back({list, {std::move(wanted), false}});
     }
-    for (SeenList const& list : seen)
-        addMissing(list.reached, task.before);
-    task.after = task.before;
     return task;
-}
-
-// An edit of another list copies the marks of what it changes to the FAV lists: they are seen
-// again, and have to be as before but for that.
-bool seeAgain(Task& task) {
-    std::map<unsigned int, bool> copied;
-    for (ListEdit const& edit : task.others)
-        for (std::size_t i = 0; i < edit.wanted.entries.size(); ++i)
-            if (!(edit.wanted.entries[i] == edit.seen.entries[i]))
-                copied[edit.wanted.entries[i].serviceId] = edit.wanted.entries[i].deleted;
-    FrozenDatabase const frozen;
-    for (ListEdit& edit : task.favLists) {
-        for (Entry& entry : edit.seen.entries)
-            if (auto const found = copied.find(entry.serviceId); found != copied.end())
-                entry.deleted = found->second;
-        SeenList now = seeList(edit.seen.list);
-        if (now.entries != edit.seen.entries) {
-            task.overtaken.push_back(edit.seen.list.uuid);
-            return false;
-        }
-        edit.seen = std::move(now);
-    }
-    return true;
-}
-
-// The other lists first. What is written by then stays, also when a later list is overtaken.
-void write(Task& task) {
-    UndoStore off("", false);
-    auto const writeAll = [&](std::vector<ListEdit> const& edits) {
-        for (ListEdit const& edit : edits) {
-            Written const written = writeLists({edit}, {off, ""});
-            for (ListEntries& list : task.after)
-                for (ListEntries const& each : written.after)
-                    if (each.uuid == list.uuid && written.ending == Ending::Written)
-                        list.entries = each.entries;
-            if (written.ending != Ending::Overtaken)
-                continue;
-            task.overtaken.push_back(edit.seen.list.uuid);
-            return false;
-        }
-        return true;
-    };
-    if (writeAll(task.others) && (task.others.empty() || seeAgain(task)))
-        writeAll(task.favLists);
 }
 
 std::string namesOf(Task const& task) {
     std::vector<std::string> names;
-    for (ListEdit const& edit : task.edits())
+    for (ListEdit const& edit : task.edits)
         if (edit.wanted.entries != edit.seen.entries)
             names.push_back(displayName(edit.seen.list));
     return joined(names);
@@ -343,15 +288,11 @@ Json ListServer::save(Json const& request) {
     bool isWritten = false;
     if (task.overtaken.empty() && !names.empty()) {
         UndoStore undo(database_);
-        undo.keepLists("page: " + names, task.before, expectedLists(task.edits()));
-        try {
-            write(task);
-        } catch (...) {
-            undo.keepOnlyChanged(task.after);
-            throw;
-        }
-        isWritten = !differences(task.before, task.after).empty();
-        undo.keepOnlyChanged(task.after);
+        Written const written = writeLists(task.edits, {undo, "page: " + names});
+        isWritten = written.ending == Ending::Written;
+        for (ListEdit const& edit : task.edits)
+            if (displayName(edit.seen.list) == written.overtaken)
+                task.overtaken.push_back(edit.seen.list.uuid);
     }
     return {{"written", isWritten}, {"overtaken", task.overtaken}, {"notes", notes_}};
 }

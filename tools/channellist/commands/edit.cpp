@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <limits>
 #include <map>
 #include <set>
 
@@ -113,31 +114,55 @@ void applyOperations(Options const& options, std::vector<Operation> const& opera
     report(options, writeAgainAndAgain(see, want, keeping));
 }
 
-// `all`, with the lists as they were before an earlier attempt.
-void takeEarlier(Snapshot const& earlier, Snapshot& all) {
-    for (ListEntries const& list : earlier)
-        for (ListEntries& each : all)
-            if (each.uuid == list.uuid)
-                each = list;
-    addMissing(earlier, all);
+// False when others came in between.
+bool writeRound(Options const& options, std::vector<Operation> const& operations,
+                Keeping const& keeping, Written& total) {
+    std::vector<ListEdit> edits;
+    {
+        FrozenDatabase const frozen;
+        edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
+    }
+    Snapshot now;
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, now);
+    bool const isFirst = total.ending != Ending::Written;
+    if (isFirst)
+        total = {};
+    follow(now, total);
+    if (isFirst && !edits.empty()) {
+        keeping.store.discard();
+        keeping.store.keepLists(keeping.command, now, expectedLists(edits));
+    }
+    UndoStore off("", false);
+    try {
+        Written const written = writeLists(std::move(edits), {off, ""});
+        add(written, total);
+        return written.overtaken.empty();
+    } catch (PartlyWritten const& partly) {
+        add(partly.written, total);
+        throw;
+    }
 }
 
-// Of other lists the mark goes to FAV1 to FAV4 as well.
+// One command for undo, in however many rounds it is written.
 void applyEverywhere(Options const& options, std::vector<Operation> const& operations,
                      Keeping const& keeping) {
-    Written written;
-    do {
-        std::vector<ListEdit> edits;
-        {
-            FrozenDatabase const frozen;
-            edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
-        }
-        Written next = writeLists(edits, keeping);
-        takeEarlier(written.before, next.before);
-        addMissing(written.after, next.after);
-        written = std::move(next);
-    } while (!written.overtaken.empty());
-    report(options, written);
+    constexpr int kMostRounds = 50;
+    Written total;
+    auto const keep = [&] {
+        keeping.store.correct(total.before);
+        keeping.store.keepOnlyChanged(total.after);
+    };
+    try {
+        for (int round = 1; !writeRound(options, operations, keeping, total); ++round)
+            if (round == kMostRounds)
+                throw Failure("others change the lists all the time");
+    } catch (...) {
+        keep();
+        throw;
+    }
+    keep();
+    report(options, total);
 }
 
 // A file says what the list is to be, whatever it was: what comes in between is told. Where a scan
@@ -194,21 +219,29 @@ std::optional<std::vector<Entry>> mergeInto(Sight const& now, Sight const& then,
     return std::move(merged.entries);
 }
 
-// By the keys that the services have now: a scan deals new ones.
-void renewKeys(std::vector<Entry>& entries, Sight const& now) {
-    std::set<std::pair<unsigned int, std::string>> current;
-    std::map<std::string, unsigned int> keys;
-    for (std::vector<Entry> const* services : {&now.seen.entries, &now.joining})
-        for (Entry const& entry : *services) {
-            current.emplace(entry.serviceId, entry.uuid);
-            keys.emplace(entry.uuid, entry.serviceId);
-        }
-    for (Entry& entry : entries)
-        if (auto const key = keys.find(entry.uuid);
-            !entry.uuid.empty() && key != keys.end() &&
-            current.count({entry.serviceId, entry.uuid}) == 0)
-            entry.serviceId = key->second;
-}
+// The keys that services have now: a scan deals new ones.
+class CurrentKeys {
+  public:
+    explicit CurrentKeys(Sight const& now) {
+        for (std::vector<Entry> const* services : {&now.seen.entries, &now.joining})
+            for (Entry const& entry : *services) {
+                current_.emplace(entry.serviceId, entry.uuid);
+                keys_.emplace(entry.uuid, entry.serviceId);
+            }
+    }
+
+    // One that is gone is none of those that have its key now.
+    void giveTo(std::vector<Entry>& entries) {
+        for (Entry& entry : entries)
+            if (!entry.uuid.empty() && current_.count({entry.serviceId, entry.uuid}) == 0)
+                entry.serviceId = keys_.emplace(entry.uuid, unused_--).first->second;
+    }
+
+  private:
+    std::set<std::pair<unsigned int, std::string>> current_;
+    std::map<std::string, unsigned int> keys_;
+    unsigned int unused_ = std::numeric_limits<unsigned int>::max();
+};
 
 void checkJoining(std::vector<Entry> const& wanted, Sight const& now) {
     std::set<unsigned int> held;
@@ -219,7 +252,7 @@ void checkJoining(std::vector<Entry> const& wanted, Sight const& now) {
         joining.emplace(entry.serviceId, entry.uuid);
     for (Entry const& entry : wanted)
         if (held.count(entry.serviceId) == 0 && joining.count({entry.serviceId, entry.uuid}) == 0)
-            throw Failure(described(entry) + " is in the database no more; nothing is written");
+            throw Failure(entry.name + " is in the database no more; nothing is written");
 }
 
 // An unchanged text, and a "no", leave everything as it is. What others write while the editor is
@@ -232,8 +265,9 @@ void editInEditor(Options const& options, Keeping const& keeping) {
     Written written;
     while (wanted) {
         Sight now = look(sight.seen.list.uuid);
-        renewKeys(*wanted, now);
-        renewKeys(sight.seen.entries, now);
+        CurrentKeys keys(now);
+        keys.giveTo(*wanted);
+        keys.giveTo(sight.seen.entries);
         if (now.seen.entries != sight.seen.entries) {
             wanted = mergeInto(now, sight, *wanted, editor);
             if (!wanted)

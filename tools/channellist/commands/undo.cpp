@@ -205,17 +205,18 @@ int takeBackLists(std::string const& database, KeptCopy const& copy, Options con
         std::cerr << "channellist: " << displayLines(troubles) << "\n";
     for (std::string const& note : taken.notes)
         std::cerr << "channellist: " << displayText(note) << "\n";
-    if (!taken.isWritten && store.isTakenBack(copy.number))
+    if (!taken.isWritten() && store.isTakenBack(copy.number))
         throw Failure("copy " + std::to_string(copy.number) + " was taken back meanwhile");
     std::vector<Change> const changes = differences(taken.before, taken.after);
     if (!changes.empty())
         printDifferences(changes);
-    if (!taken.isWritten && !options.dryRun && taken.lost.empty())
+    if (!taken.isWritten() && !options.dryRun && taken.lost.empty())
         store.remove(copy.number);  // it is taken back already, and would be in the way
-    if (taken.isWritten && !options.dryRun)
+    if (taken.isWritten() && !options.dryRun)
         printWritten("Written, and flushed to the disk.");
     else
-        std::cout << (taken.isWritten ? "Dry run: nothing is written.\n" : "Nothing to change.\n");
+        std::cout << (taken.isWritten() ? "Dry run: nothing is written.\n"
+                                        : "Nothing to change.\n");
     return taken.lost.empty() ? kSuccess : kFailure;
 }
 

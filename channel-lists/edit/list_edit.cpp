@@ -1,0 +1,70 @@
+#include "edit/list_edit.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace channel_lists {
+namespace {
+
+// As the library renumbers: those that are shown get 1, 2, 3 in their order, around OTT channels.
+void closeGaps(std::vector<Entry>& entries, std::set<std::int64_t> const& reserved) {
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](Entry const& a, Entry const& b) { return a.number < b.number; });
+    std::int64_t last = 0;
+    for (Entry& entry : entries) {
+        if (entry.deleted)
+            continue;
+        do {
+            ++last;
+        } while (reserved.count(last) != 0);
+        entry.number = last;
+    }
+}
+
+}  // namespace
+
+bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other) {
+    using Place = std::tuple<unsigned int, std::optional<std::int64_t>, bool>;
+    auto const placesOf = [](std::vector<Entry> const& entries) {
+        std::multiset<Place> places;
+        for (Entry const& entry : entries)
+            places.emplace(entry.serviceId, entry.number, entry.deleted);
+        return places;
+    };
+    return one == other || placesOf(one) == placesOf(other);
+}
+
+void expect(ListEdit const& edit, Snapshot& lists) {
+    SeenList const& seen = edit.seen;
+    std::vector<Entry> const& entries = edit.wanted.entries;
+    bool const isFav = seen.list.favIndex != 0;
+    std::map<unsigned int, bool> marks;  // that an edit of another list copies to FAV1 to FAV4
+    for (std::size_t i = 0; !isFav && i < entries.size(); ++i)
+        if (!(entries[i] == seen.entries[i]))
+            marks[entries[i].serviceId] = entries[i].deleted;
+    for (ListEntries& list : lists) {
+        if (list.uuid == seen.list.uuid) {
+            list.entries = entries;
+            if (isFav && edit.wanted.renumber)
+                closeGaps(list.entries, seen.reserved);
+            continue;
+        }
+        for (Entry& entry : list.entries)
+            if (auto const mark = marks.find(entry.serviceId); list.isFav && mark != marks.end())
+                entry.deleted = mark->second;
+    }
+}
+
+Snapshot expectedLists(ListEdit const& edit) { return expectedLists(std::vector{edit}); }
+
+Snapshot expectedLists(std::vector<ListEdit> const& edits) {
+    Snapshot lists;
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, lists);
+    for (ListEdit const& edit : edits)
+        expect(edit, lists);
+    return lists;
+}
+
+}  // namespace channel_lists
