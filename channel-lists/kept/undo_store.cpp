@@ -399,7 +399,26 @@ void UndoStore::keepDatabase(std::string const& command, std::string const& cont
     }
 }
 
-void UndoStore::correct(Snapshot const& lists) { last_.lists = lists; }
+void UndoStore::correct(Snapshot const& lists) {
+    auto const holds = [](std::vector<Entry> const& entries, StoredItem const& item) {
+        return std::any_of(entries.begin(), entries.end(), [&](Entry const& entry) {
+            return std::int64_t{entry.serviceId} == item.service;
+        });
+    };
+    for (ListEntries const& list : lists)
+        for (ListEntries const& old : last_.lists) {
+            if (old.uuid != list.uuid)
+                continue;
+            std::vector<StoredItem>& items = last_.items[list.uuid];
+            items.erase(std::remove_if(items.begin(), items.end(),
+                                       [&](StoredItem const& item) {  // that others removed
+                                           return holds(old.entries, item) &&
+                                                  !holds(list.entries, item);
+                                       }),
+                        items.end());
+        }
+    last_.lists = lists;
+}
 
 void UndoStore::keepOnlyChanged(Snapshot const& now) {
     if (last_.number == 0)
