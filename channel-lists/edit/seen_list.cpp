@@ -18,6 +18,11 @@ std::size_t storedItems(List const& list) {
 }  // namespace
 
 SeenList seeList(List const& list) {
+    Query same(db, "SELECT count(*) > 1 FROM FavoriteList WHERE Uuid = ?");
+    same.bind(list.uuid).next();
+    if (same.number(0) != 0)
+        throw Failure("another list has the uuid of " + displayName(list) +
+                      ", and an edit could reach either; \"channellist check\" tells more");
     Entries stored = readEntries(list.uuid);
     if (!stored.complete) {
         throw Failure("not all services of " + displayName(list) +

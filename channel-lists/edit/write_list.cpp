@@ -117,8 +117,8 @@ void hideJoined(List const& list, std::vector<Entry> const& joined, OnlyWriter& 
         }
         std::vector<Entry> entries = seen.entries;
         for (Entry const& each : joined)
-            for (Entry& entry : entries)
-                if (entry.serviceId == each.serviceId)  // others may have moved it
+            for (Entry& entry : entries)  // others may have moved it, or given it another key
+                if (each.uuid.empty() ? entry.serviceId == each.serviceId : entry.uuid == each.uuid)
                     entry.deleted = true;
         bool const isDone = entries == seen.entries;
         std::vector<std::string> const request = favListRequest(list, entries);
