@@ -1,5 +1,6 @@
 #include "database/content_digest.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -29,11 +30,19 @@ class Digest {
     std::uint64_t state_ = 14695981039346656037U;
 };
 
+// In whatever order they are stored.
 void addRows(sqlite3* connection, std::string const& sql, Digest& digest) {
     Query rows(connection, sql);
-    while (rows.next())
+    std::vector<std::string> sorted;
+    while (rows.next()) {
+        Digest row;
         for (int column = 0; column < rows.columns(); ++column)
-            digest.add(rows.text(column));
+            row.add(rows.text(column));
+        sorted.push_back(row.text());
+    }
+    std::sort(sorted.begin(), sorted.end());
+    for (std::string const& row : sorted)
+        digest.add(row);
 }
 
 }  // namespace
@@ -42,13 +51,16 @@ std::string contentDigest(sqlite3* connection) {
     Digest digest;
     std::vector<std::string> selections;
     {
-        // quote() tells types apart.
+        // quote() tells types apart. An edit that is taken back leaves a tag and keys of its own.
         Query columns(connection,
                       "SELECT 'SELECT ' || group_concat('quote(\"' ||"
                       " replace(c.name, '\"', '\"\"') || '\")') || ' FROM main.\"' ||"
                       " replace(t.name, '\"', '\"\"') || '\"'"
                       " FROM main.sqlite_master t, pragma_table_xinfo(t.name) c"
-                      " WHERE t.type = 'table' AND t.rootpage > 0 GROUP BY t.name ORDER BY t.name");
+                      " WHERE t.type = 'table' AND t.rootpage > 0"
+                      " AND t.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND (t.name, c.name) NOT IN"
+                      " (VALUES ('FavoriteList', 'UpdateTag'), ('FavoriteItem', 'Id'))"
+                      " GROUP BY t.name ORDER BY t.name");
         while (columns.next())
             selections.push_back(columns.text(0));
     }

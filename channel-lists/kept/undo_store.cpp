@@ -323,17 +323,22 @@ KeptCopy UndoStore::read(int number, char const* ending) const {
     return copy;
 }
 
-// Neither goes without the other: a copy, and that of its taking back.
+// None goes without the others: a copy, that of its taking back, and those that went with it.
 void UndoStore::removeOld(bool isUndo) const {
+    auto const removeAll = [&](KeptCopy const& copy) {
+        remove(copy.number);
+        for (int const other : copy.alongside)
+            remove(other);
+    };
     std::vector<KeptCopy> const all = copies();
     std::size_t count = 0;
     for (auto copy = all.rbegin(); copy != all.rend(); ++copy) {
         if ((copy->undoes != 0) != isUndo || ++count <= kMostCopies)
             continue;
-        remove(copy->number);
+        removeAll(*copy);
         for (KeptCopy const& other : all)
             if (other.undoes == copy->number || other.number == copy->undoes)
-                remove(other.number);
+                removeAll(other);
     }
 }
 
