@@ -37,11 +37,12 @@ class KeptServices {
     std::optional<Entry> find(Entry const& kept, std::string& error) const {
         Entry entry = kept;
         if (!kept.uuid.empty()) {
-            Query same(db, "SELECT Pid FROM Service WHERE Uuid = ? ORDER BY Pid <> ?");
-            same.bind(kept.uuid).bind(std::int64_t{kept.serviceId});
+            Query same(db, "SELECT Pid FROM Service WHERE Uuid = ?");
+            same.bind(kept.uuid);
             if (same.next()) {
                 entry.serviceId = static_cast<unsigned int>(same.number(0));
-                return entry;
+                if (!same.next())  // else only what else is known tells them apart
+                    return entry;
             }
         }
         TextLine line;
@@ -100,6 +101,9 @@ std::vector<StoredItem> undelivered(std::vector<StoredItem> items,
     return items;
 }
 
+// Of kept services: the keys that they have now by those that they had.
+using NewKeys = std::map<std::int64_t, std::int64_t>;
+
 class Planner {
   public:
     Planner(KeptCopy const& copy, TakenBack& result)
@@ -118,6 +122,8 @@ class Planner {
         }
         return edits;
     }
+
+    NewKeys const& newKeys() const { return newKeys_; }
 
   private:
     ListEdit planOne(List const& list, ListEntries const& kept) {
@@ -158,6 +164,8 @@ class Planner {
         for (Entry const& entry : kept) {
             std::string error;
             std::optional<Entry> service = services.find(entry, error);
+            if (service)
+                newKeys_[entry.serviceId] = service->serviceId;
             bool const isThere =
                 service &&
                 (seen.list.favIndex != 0 ||
@@ -176,8 +184,14 @@ class Planner {
         return found;
     }
 
+    bool isInAll(std::int64_t service) const {
+        return std::any_of(
+            all_.begin(), all_.end(),
+            [&](Entry const& each) { return std::int64_t{each.serviceId} == service; });
+    }
+
     // A request is the whole content of the list: what the library does not deliver is named, too.
-    void addUndelivered(ListEntries const& kept, ListEdit& edit) const {
+    void addUndelivered(ListEntries const& kept, ListEdit& edit) {
         std::vector<StoredItem> items = undelivered(storedItems(kept.uuid), edit.seen.entries);
         std::size_t const now = items.size();
         if (auto const before = copy_.items.find(kept.uuid); before != copy_.items.end())
@@ -188,11 +202,16 @@ class Planner {
                     items.push_back(item);
         if (items.size() == now && edit.wanted.entries == edit.seen.entries)
             return;
-        for (StoredItem const& item : items) {
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (i >= now && isInAll(items[i].service)) {
+                result_.notes.push_back(kept.listName + ": an entry that was not shown is left " +
+                                        "out: another service has its key now");
+                continue;
+            }
             Entry entry;
-            entry.number = item.number;
-            entry.serviceId = static_cast<unsigned int>(item.service);
-            entry.deleted = item.hidden.value_or(0) != 0;
+            entry.number = items[i].number;
+            entry.serviceId = static_cast<unsigned int>(items[i].service);
+            entry.deleted = items[i].hidden.value_or(0) != 0;
             edit.wanted.entries.push_back(entry);
         }
         edit.seen.undelivered = 0;
@@ -201,19 +220,28 @@ class Planner {
     KeptCopy const& copy_;
     TakenBack& result_;
     std::vector<Entry> const all_;
+    NewKeys newKeys_;
+};
+
+struct Plan {
+    std::vector<ListEdit> edits;
+    NewKeys newKeys;
 };
 
 // False when somebody wrote in between.
-bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& result) {
+bool write(Plan const& plan, KeptCopy const& copy, TakenBack& result) {
     JoiningItems joining;
-    for (ListEdit const& edit : edits)
+    for (ListEdit const& edit : plan.edits)
         if (auto const items = copy.items.find(edit.seen.list.uuid);
             items != copy.items.end() && edit.seen.list.favIndex != 0)
-            for (StoredItem const& item : items->second)
+            for (StoredItem item : items->second) {
+                if (auto const key = plan.newKeys.find(item.service); key != plan.newKeys.end())
+                    item.service = key->second;
                 joining.add(edit.seen.list.pid, item);
+            }
     UndoStore off("", false);
     try {
-        Written const written = writeLists(edits, {off, ""});
+        Written const written = writeLists(plan.edits, {off, ""});
         add(written, result);
         return written.overtaken.empty();
     } catch (PartlyWritten const& partly) {
@@ -223,16 +251,19 @@ bool write(std::vector<ListEdit> const& edits, KeptCopy const& copy, TakenBack& 
 }
 
 // All of one state of the database.
-std::vector<ListEdit> makePlan(KeptCopy const& copy, TakenBack& result) {
+Plan makePlan(KeptCopy const& copy, TakenBack& result) {
     FrozenDatabase const frozen;
-    return Planner(copy, result).plan();
+    Planner planner(copy, result);
+    Plan plan{planner.plan(), {}};
+    plan.newKeys = planner.newKeys();
+    return plan;
 }
 
 // One try, with the lists as they are by now; `result` is what those before it wrote. False when
 // somebody wrote in between.
 bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenBack& result) {
     TakenBack next;
-    std::vector<ListEdit> const edits = makePlan(copy, next);
+    Plan const plan = makePlan(copy, next);
     bool const isRefused = !isForced && (!next.conflicts.empty() || !next.lost.empty());
     bool const isFirst = !result.isWritten();
     if (isRefused && !isFirst)
@@ -241,7 +272,7 @@ bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenB
         static_cast<Written&>(next) = std::move(result);
     result = std::move(next);
     Snapshot now;
-    for (ListEdit const& edit : edits)
+    for (ListEdit const& edit : plan.edits)
         addMissing(edit.seen.reached, now);
     follow(now, result);
     if (isRefused)
@@ -249,9 +280,9 @@ bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenB
     if (isFirst) {
         bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
         store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number), now,
-                        expectedLists(edits), isRedo ? 0 : copy.number);
+                        expectedLists(plan.edits), isRedo ? 0 : copy.number);
     }
-    bool const isDone = write(edits, copy, result);
+    bool const isDone = write(plan, copy, result);
     if (!result.isWritten())
         store.discard();
     return isDone;
