@@ -104,7 +104,7 @@ constexpr std::pair<char const*, std::optional<std::int64_t> StoredItem::*> kMem
 Json toJson(std::vector<StoredItem> const& items) {
     Json all = Json::array();
     for (StoredItem const& item : items) {
-        Json each = {{"key", item.service}};
+        Json each = {{"key", item.service}, {"uuid", item.uuid}};
         for (auto const& [name, member] : kMembers)
             each[name] = item.*member ? Json(*(item.*member)) : Json();
         all.push_back(std::move(each));
@@ -117,6 +117,7 @@ std::vector<StoredItem> itemsFrom(Json const& json) {
     for (Json const& each : json) {
         StoredItem& item = items.emplace_back();
         item.service = each.at("key");
+        item.uuid = each.value("uuid", "");
         for (auto const& [name, member] : kMembers)
             if (!each.at(name).is_null())
                 item.*member = each.at(name).get<std::int64_t>();
@@ -146,7 +147,8 @@ KeptCopy copyFrom(int number, Json const& json) {
 
 std::vector<StoredItem> storedItems(std::string const& listUuid) {
     Query rows(db,
-               "SELECT ServiceId, ChannelNum, isDeleted, Visible, Selectable, OriginalFavoriteId"
+               "SELECT ServiceId, ChannelNum, isDeleted, Visible, Selectable, OriginalFavoriteId,"
+               " (SELECT Uuid FROM Service WHERE Pid = ServiceId)"
                " FROM FavoriteItem WHERE FavoriteId = (SELECT Pid FROM FavoriteList WHERE Uuid = ?)"
                " ORDER BY Id");
     rows.bind(listUuid);
@@ -158,6 +160,7 @@ std::vector<StoredItem> storedItems(std::string const& listUuid) {
         for (auto const& [name, member] : kMembers)
             if (rows.isInteger(++column))
                 item.*member = rows.number(column);
+        item.uuid = rows.text(++column);
     }
     return items;
 }

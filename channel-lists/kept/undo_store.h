@@ -20,6 +20,7 @@ namespace channel_lists {
 // A row of a list as it was stored, one that the library does not deliver, too.
 struct StoredItem {
     std::int64_t service = 0;
+    std::string uuid;  // of the service; "" without one
     std::optional<std::int64_t> number, hidden, visible, selectable, original;
 };
 

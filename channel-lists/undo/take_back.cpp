@@ -184,10 +184,10 @@ class Planner {
         return found;
     }
 
-    bool isInAll(std::int64_t service) const {
-        return std::any_of(
-            all_.begin(), all_.end(),
-            [&](Entry const& each) { return std::int64_t{each.serviceId} == service; });
+    // An item that was not shown is of the service that it was of, or of none.
+    static bool isOfAnother(StoredItem const& item) {
+        Query service(db, "SELECT Uuid FROM Service WHERE Pid = ?");
+        return service.bind(item.service).next() && service.text(0) != item.uuid;
     }
 
     // A request is the whole content of the list: what the library does not deliver is named, too.
@@ -203,7 +203,7 @@ class Planner {
         if (items.size() == now && edit.wanted.entries == edit.seen.entries)
             return;
         for (std::size_t i = 0; i < items.size(); ++i) {
-            if (i >= now && isInAll(items[i].service)) {
+            if (i >= now && isOfAnother(items[i])) {
                 result_.notes.push_back(kept.listName + ": an entry that was not shown is left " +
                                         "out: another service has its key now");
                 continue;

@@ -189,9 +189,10 @@ int takeBackLists(std::string const& database, KeptCopy const& copy, Options con
     if (options.dryRun)
         session.continueOnCopy();
     UndoStore store(database, !options.dryRun && (copy.undoes == 0 || options.force));
-    if (copy.after.empty())
-        std::cerr << "channellist: this copy does not tell what others wrote since; the lists come "
-                     "back as they were\n";
+    if (copy.after.empty() && !options.force && !options.dryRun)
+        throw Failure(
+            "this copy does not tell what others wrote since; --force brings the lists back as "
+            "they were");
     TakenBack const taken = takeBack(copy, options.force, store);
     std::string troubles;
     if (!taken.conflicts.empty())
