@@ -165,16 +165,20 @@ void noteUndelivered(SeenList const& seen) {
     }
 }
 
-// One list; false when it was overtaken.
-bool writeOne(ListEdit const& edit, OnlyWriter& writer) {
+// One list.
+Ending writeOne(ListEdit const& edit, OnlyWriter& writer) {
     SeenList const& seen = edit.seen;
     std::vector<Entry> const& entries = edit.wanted.entries;
     bool const closesGaps = edit.wanted.renumber && seen.list.favIndex != 0;
-    if (areSame(entries, seen.entries))
-        return !closesGaps || commitIfUnchanged(edit, writer, [&] { renumber(seen.list); });
+    if (areSame(entries, seen.entries)) {
+        bool hadGaps = false;
+        if (closesGaps && !commitIfUnchanged(edit, writer, [&] { hadGaps = renumber(seen.list); }))
+            return Ending::Overtaken;
+        return hadGaps ? Ending::Written : Ending::NothingToDo;
+    }
     std::vector<std::string> const request = requestFor(seen, edit.wanted);
     if (!commitIfUnchanged(edit, writer, [&] { submit(request); }))
-        return false;
+        return Ending::Overtaken;
     noteUndelivered(seen);
     std::vector<Entry> joined;
     for (std::size_t const i : joiningHidden(seen, entries))
@@ -187,7 +191,7 @@ bool writeOne(ListEdit const& edit, OnlyWriter& writer) {
             if (renumber(seen.list))
                 writer.hasCommittedUnseen();
         });
-    return true;
+    return Ending::Written;
 }
 
 bool isAsked(ListEdit const& edit) {
@@ -219,10 +223,16 @@ class Write {
 
     Written run() {
         for (std::size_t i = 0; i < edits_.size() && result_.overtaken.empty(); ++i) {
-            if (i == others_ && result_.ending == Ending::Written && !seeFavListsAgain())
-                break;
-            if (isAsked(edits_[i]))
-                writeNext(edits_[i]);
+            try {
+                writeNext(i);
+            } catch (std::exception const& error) {
+                if (result_.ending != Ending::Written)
+                    throw;
+                end();
+                throw PartlyWritten(displayName(edits_[i].seen.list) + ": " + error.what() +
+                                        "; written before: " + joined(names_),
+                                    result_);
+            }
         }
         end();
         return result_;
@@ -255,25 +265,22 @@ class Write {
         return true;
     }
 
-    void writeNext(ListEdit const& edit) {
+    void writeNext(std::size_t index) {
+        if (index == others_ && result_.ending == Ending::Written && !seeFavListsAgain())
+            return;
+        ListEdit const& edit = edits_[index];
+        if (!isAsked(edit))
+            return;
         if (!isKept_)
             keeping_.store.keepLists(keeping_.command, result_.before, expectedLists(edits_));
         isKept_ = true;
-        std::string const name = displayName(edit.seen.list);
-        try {
-            if (!writeOne(edit, writer_)) {
-                result_.overtaken = name;
-                return;
-            }
-        } catch (std::exception const& error) {
-            if (result_.ending != Ending::Written)
-                throw;
-            end();
-            throw PartlyWritten(name + ": " + error.what() + "; written before: " + joined(names_),
-                                result_);
-        }
+        Ending const ending = writeOne(edit, writer_);
+        if (ending == Ending::Overtaken)
+            result_.overtaken = displayName(edit.seen.list);
+        if (ending != Ending::Written)
+            return;
         result_.ending = Ending::Written;
-        names_.push_back(name);
+        names_.push_back(displayName(edit.seen.list));
         expect(edit, expected_);
     }
 
