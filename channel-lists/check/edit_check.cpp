@@ -334,7 +334,7 @@ std::vector<Complaint> trySteps(List const& list, Steps const& steps, std::strin
     trial.now = trial.start;
     trial.spare = spareServices(list);
     for (Step const& step : steps) {
-        std::vector<Complaint> const complaints = complaintsOf(step, trial);
+        std::vector<Complaint> complaints = complaintsOf(step, trial);
         if (!complaints.empty())
             return complaints;
     }
