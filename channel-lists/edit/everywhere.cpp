@@ -3,46 +3,50 @@
 #include <map>
 #include <set>
 
+#include "lists/current_keys.h"
 #include "lists/meant_entries.h"
 
 namespace channel_lists {
 namespace {
 
-using Marks = std::map<unsigned int, bool>;  // hidden or not, by service
-
-Marks marksOf(SeenList const& seen, std::vector<Operation> const& operations) {
-    Marks marks;
-    for (Operation const& each : operations) {
-        bool const restores = each.verb == Verb::Restore;
-        for (std::size_t const place :
-             findEntries(seen.entries, each.service, displayName(seen.list), restores))
-            marks[seen.entries[place].serviceId] = !restores;
-    }
-    return marks;
+std::map<unsigned int, bool> byKey(std::vector<Mark> const& marks) {
+    std::vector<Entry> services;
+    for (auto const& [service, hidden] : marks)
+        services.push_back(service);
+    CurrentKeys().giveTo(services);
+    std::map<unsigned int, bool> hiddenOnes;
+    for (std::size_t i = 0; i < marks.size(); ++i)
+        hiddenOnes[services[i].serviceId] = marks[i].second;
+    return hiddenOnes;
 }
 
 }  // namespace
 
-std::vector<ListEdit> editsEverywhere(SeenList const& seen,
-                                      std::vector<Operation> const& operations, bool renumber) {
-    Marks const marks = marksOf(seen, operations);
+std::vector<Mark> marksOf(SeenList const& seen, std::vector<Operation> const& operations) {
+    std::vector<Mark> marks;
+    for (Operation const& each : operations) {
+        bool const restores = each.verb == Verb::Restore;
+        for (std::size_t const place :
+             findEntries(seen.entries, each.service, displayName(seen.list), restores))
+            marks.emplace_back(seen.entries[place], !restores);
+    }
+    return marks;
+}
+
+std::vector<ListEdit> editsEverywhere(std::vector<Mark> const& marks, bool renumber) {
+    std::map<unsigned int, bool> const hiddenOnes = byKey(marks);
     std::vector<ListEdit> edits;
     std::set<std::string> uuids;
-    for (bool const isFav : {false, true}) {
-        for (List const& list : allLists()) {
-            if ((list.favIndex != 0) != isFav || list.uuid.empty() ||
-                !uuids.insert(list.uuid).second)
-                continue;
-            SeenList each = seeList(list);
-            std::vector<Entry> entries = each.entries;
-            for (Entry& entry : entries) {
-                auto const mark = marks.find(entry.serviceId);
-                if (mark != marks.end())
-                    entry.deleted = mark->second;
-            }
-            if (!(entries == each.entries))
-                edits.push_back({std::move(each), {std::move(entries), renumber}});
-        }
+    for (List const& list : allLists()) {
+        if (list.uuid.empty() || !uuids.insert(list.uuid).second)
+            continue;
+        SeenList seen = seeList(list);
+        std::vector<Entry> entries = seen.entries;
+        for (Entry& entry : entries)
+            if (auto const mark = hiddenOnes.find(entry.serviceId); mark != hiddenOnes.end())
+                entry.deleted = mark->second;
+        if (entries != seen.entries)
+            edits.push_back({std::move(seen), {std::move(entries), renumber}});
     }
     return edits;
 }

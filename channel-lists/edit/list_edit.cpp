@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 
 namespace channel_lists {
@@ -40,9 +41,13 @@ void expect(ListEdit const& edit, Snapshot& lists) {
     std::vector<Entry> const& entries = edit.wanted.entries;
     bool const isFav = seen.list.favIndex != 0;
     std::map<unsigned int, bool> marks;  // that an edit of another list copies to FAV1 to FAV4
-    for (std::size_t i = 0; !isFav && i < entries.size(); ++i)
+    std::set<unsigned int> turned;       // where it renumbers those that hold one of them
+    for (std::size_t i = 0; !isFav && i < entries.size(); ++i) {
         if (!(entries[i] == seen.entries[i]))
             marks[entries[i].serviceId] = entries[i].deleted;
+        if (entries[i].deleted != seen.entries[i].deleted && edit.wanted.renumber)
+            turned.insert(entries[i].serviceId);
+    }
     for (ListEntries& list : lists) {
         if (list.uuid == seen.list.uuid) {
             list.entries = entries;
@@ -50,18 +55,29 @@ void expect(ListEdit const& edit, Snapshot& lists) {
                 closeGaps(list.entries, seen.reserved);
             continue;
         }
-        for (Entry& entry : list.entries)
+        bool closesGaps = false;
+        for (Entry& entry : list.entries) {
             if (auto const mark = marks.find(entry.serviceId); list.isFav && mark != marks.end())
                 entry.deleted = mark->second;
+            closesGaps = closesGaps || (list.isFav && turned.count(entry.serviceId) != 0);
+        }
+        if (auto const reserved = seen.favReserved.find(list.uuid);
+            closesGaps && reserved != seen.favReserved.end())
+            closeGaps(list.entries, reserved->second);
     }
+}
+
+Snapshot reachedBy(std::vector<ListEdit> const& edits) {
+    Snapshot lists;
+    for (ListEdit const& edit : edits)
+        addMissing(edit.seen.reached, lists);
+    return lists;
 }
 
 Snapshot expectedLists(ListEdit const& edit) { return expectedLists(std::vector{edit}); }
 
 Snapshot expectedLists(std::vector<ListEdit> const& edits) {
-    Snapshot lists;
-    for (ListEdit const& edit : edits)
-        addMissing(edit.seen.reached, lists);
+    Snapshot lists = reachedBy(edits);
     for (ListEdit const& edit : edits)
         expect(edit, lists);
     return lists;

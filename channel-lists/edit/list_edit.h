@@ -24,11 +24,12 @@ struct ListEdit {
 // Whether both hold the same: entries of one service change places without a change.
 bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other);
 
-// The lists that an edit reaches as it will leave them, but for the numbers of FAV lists that the
-// edit of another list renumbers.
+// The lists that an edit reaches as it will leave them.
 Snapshot expectedLists(ListEdit const& edit);
 // Of several, one after the other.
 Snapshot expectedLists(std::vector<ListEdit> const& edits);
+// The lists that the edits reach, as they were seen.
+Snapshot reachedBy(std::vector<ListEdit> const& edits);
 // What the edit makes of the lists.
 void expect(ListEdit const& edit, Snapshot& lists);
 

@@ -33,6 +33,9 @@ SeenList seeList(List const& list) {
     seen.list = list;
     seen.entries = std::move(stored.entries);
     seen.reserved = reservedNumbers(list);
+    for (List const& fav : allLists())
+        if (list.favIndex == 0 && fav.favIndex != 0)
+            seen.favReserved.emplace(fav.uuid, reservedNumbers(fav, Tell::Nothing));
     std::size_t const items = storedItems(list);
     seen.undelivered = items > seen.entries.size() ? items - seen.entries.size() : 0;
     seen.reached = takeSnapshot(list);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <set>
 
 #include "database/frozen_database.h"
 #include "database/query.h"
@@ -15,6 +17,7 @@
 #include "failure.h"
 #include "library_messages/library_messages.h"
 #include "listener.h"
+#include "lists/current_keys.h"
 #include "text/display_text.h"
 
 namespace channel_lists {
@@ -63,6 +66,7 @@ bool areSameServices(SeenList const& seen, std::vector<Entry> const& wanted) {
 bool stillStands(ListEdit const& edit, OnlyWriter& writer) {
     return waitWhileLocked([&] {
         ReadTransaction const oneState;
+        Query(db, "SELECT 1 FROM sqlite_master").next();  // it begins with its first read
         writer.look();
         return storedState(edit.seen.list.uuid) == edit.seen.stored &&
                areSameServices(edit.seen, edit.wanted.entries);
@@ -207,6 +211,29 @@ bool areSame(Snapshot const& before, Snapshot const& after) {
                                                 });
 }
 
+std::multiset<std::pair<unsigned int, std::string>> uuidsOf(std::vector<Entry> const& entries) {
+    std::multiset<std::pair<unsigned int, std::string>> uuids;
+    for (Entry const& entry : entries)
+        uuids.emplace(entry.serviceId, entry.uuid);
+    return uuids;
+}
+
+// What others removed is in neither side any more.
+void leaveOutGone(std::vector<Entry> const& now, std::vector<Entry>& before,
+                  std::vector<Entry>& after) {
+    std::set<unsigned int> held, gone;
+    for (Entry const& entry : now)
+        held.insert(entry.serviceId);
+    for (Entry const& entry : after)
+        if (held.count(entry.serviceId) == 0)
+            gone.insert(entry.serviceId);
+    for (std::vector<Entry>* entries : {&before, &after})
+        entries->erase(
+            std::remove_if(entries->begin(), entries->end(),
+                           [&](Entry const& entry) { return gone.count(entry.serviceId) != 0; }),
+            entries->end());
+}
+
 // Edits of lists that are none of FAV1 to FAV4 first: they mark these, too.
 class Write {
   public:
@@ -216,9 +243,7 @@ class Write {
             edits_.begin(), edits_.end(),
             [](ListEdit const& edit) { return edit.seen.list.favIndex == 0; });
         others_ = static_cast<std::size_t>(favs - edits_.begin());
-        for (ListEdit const& edit : edits_)
-            addMissing(edit.seen.reached, result_.before);
-        result_.after = expected_ = result_.before;
+        result_.before = result_.after = expected_ = reachedBy(edits_);
     }
 
     Written run() {
@@ -255,7 +280,8 @@ class Write {
             auto const list =
                 std::find_if(expected_.begin(), expected_.end(),
                              [&](ListEntries const& each) { return each.uuid == now.list.uuid; });
-            if (!areSame(list->entries, now.entries)) {
+            if (!areSame(list->entries, now.entries) ||
+                uuidsOf(list->entries) != uuidsOf(now.entries)) {
                 result_.overtaken = displayName(now.list);
                 return false;
             }
@@ -322,12 +348,19 @@ void add(Written const& written, Written& total) {
 }
 
 void follow(Snapshot const& now, Written& total) {
+    std::optional<CurrentKeys> keys;
     for (std::size_t i = 0; i < total.after.size(); ++i)
         for (ListEntries const& list : now) {
             std::vector<Entry>& after = total.after[i].entries;
-            if (list.uuid != total.after[i].uuid || areSame(after, list.entries))
+            if (list.uuid != total.after[i].uuid ||
+                (areSame(after, list.entries) && uuidsOf(after) == uuidsOf(list.entries)))
                 continue;
             std::vector<Entry>& before = total.before[i].entries;
+            if (!keys)
+                keys.emplace();
+            keys->giveTo(before);
+            keys->giveTo(after);
+            leaveOutGone(list.entries, before, after);
             before = merge(after, list.entries, before, {}).entries;
             after = list.entries;
         }

@@ -48,7 +48,8 @@ class PartlyWritten : public Failure {
 Written writeLists(std::vector<ListEdit> edits, Keeping const& keeping);
 
 // Several writes as one, beside others: adds another one to `total`, or a new sight of the lists,
-// `now`. What others wrote since is in both sides then: it is neither told nor taken back.
+// `now`, within the FrozenDatabase of which it is. What others wrote since is in both sides then:
+// it is neither told nor taken back.
 void add(Written const& written, Written& total);
 void follow(Snapshot const& now, Written& total);
 

@@ -6,14 +6,15 @@
 
 namespace channel_lists {
 
-std::set<std::int64_t> reservedNumbers(List const& list) {
+std::set<std::int64_t> reservedNumbers(List const& list, Tell tell) {
     if (list.favIndex < 1 || list.favIndex > 4)
         return {};
     try {
         std::vector<unsigned int> const numbers = ottNumbers(list.favIndex);
         return std::set<std::int64_t>(numbers.begin(), numbers.end());
     } catch (Failure const& failure) {
-        listener().note(failure.what() + std::string("; no number is kept free for it"));
+        if (tell == Tell::Failures)
+            listener().note(failure.what() + std::string("; no number is kept free for it"));
         return {};
     }
 }

@@ -252,7 +252,6 @@ bool write(Plan const& plan, KeptCopy const& copy, TakenBack& result) {
 
 // All of one state of the database.
 Plan makePlan(KeptCopy const& copy, TakenBack& result) {
-    FrozenDatabase const frozen;
     Planner planner(copy, result);
     Plan plan{planner.plan(), {}};
     plan.newKeys = planner.newKeys();
@@ -263,6 +262,7 @@ Plan makePlan(KeptCopy const& copy, TakenBack& result) {
 // somebody wrote in between.
 bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenBack& result) {
     TakenBack next;
+    std::optional<FrozenDatabase> frozen(std::in_place);
     Plan const plan = makePlan(copy, next);
     bool const isRefused = !isForced && (!next.conflicts.empty() || !next.lost.empty());
     bool const isFirst = !result.isWritten();
@@ -271,16 +271,14 @@ bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenB
     if (!isFirst)
         static_cast<Written&>(next) = std::move(result);
     result = std::move(next);
-    Snapshot now;
-    for (ListEdit const& edit : plan.edits)
-        addMissing(edit.seen.reached, now);
-    follow(now, result);
+    follow(reachedBy(plan.edits), result);
+    frozen.reset();
     if (isRefused)
         return true;
     if (isFirst) {
         bool const isRedo = copy.undoes != 0;  // kept where it is forced, as any command
-        store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number), now,
-                        expectedLists(plan.edits), isRedo ? 0 : copy.number);
+        store.keepLists((isRedo ? "undo --redo " : "undo ") + std::to_string(copy.number),
+                        result.before, expectedLists(plan.edits), isRedo ? 0 : copy.number);
     }
     bool const isDone = write(plan, copy, result);
     if (!result.isWritten())

@@ -194,7 +194,8 @@ TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
     change(
         "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 21 BEGIN SELECT"
         " RAISE(ABORT, 'no'); END");
-    expect({"edit FAV1 hide VOX --everywhere", 1, nullptr, "list's update tag; written before: "});
+    expect({"edit FAV1 hide VOX --everywhere", 1, "FAV1  hidden       3",
+            "list's update tag; written before: all; what is shown above is written"});
     EXPECT_EQ(fav(1), "1 1;2 2;3 3 deleted;5 5");
     write("set.db", before);
     change("INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (99, 11, 9)");

@@ -160,7 +160,7 @@ TEST_F(ToolTest, KnowsNothingOfEditsThatNeverWere) {
         " \"u-fav1\", \"name\": \"FAV1\", \"entries\": [{\"number\": 4, \"key\": 3,"
         " \"hidden\": false, \"name\": \"VOX\", \"triplet\": \"1-1089-12060\"}]}]}";
     std::ofstream(copies / "9.json") << old;
-    expect({"undo", 1, nullptr, "does not tell what others wrote since"});
+    expect({"undo", 1, "Taking back", "does not tell what others wrote since"});
     expect({"undo --force", 0, "Written, and flushed", nullptr});
     EXPECT_EQ(fav(1), "4 3");
 }

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 #include <iostream>
-#include <limits>
-#include <map>
+#include <optional>
 #include <set>
 
 #include "commands/commands.h"
@@ -18,6 +17,7 @@
 #include "editing/text_edit.h"
 #include "failure.h"
 #include "kept/undo_store.h"
+#include "lists/current_keys.h"
 #include "lists/difference.h"
 #include "lists/operations.h"
 #include "output/differences.h"
@@ -114,55 +114,69 @@ void applyOperations(Options const& options, std::vector<Operation> const& opera
     report(options, writeAgainAndAgain(see, want, keeping));
 }
 
-// False when others came in between.
-bool writeRound(Options const& options, std::vector<Operation> const& operations,
-                Keeping const& keeping, Written& total) {
-    std::vector<ListEdit> edits;
-    {
-        FrozenDatabase const frozen;
-        edits = editsEverywhere(seeList(findList(options.list)), operations, options.renumber);
-    }
-    Snapshot now;
-    for (ListEdit const& edit : edits)
-        addMissing(edit.seen.reached, now);
-    bool const isFirst = total.ending != Ending::Written;
-    if (isFirst)
-        total = {};
-    follow(now, total);
-    if (isFirst && !edits.empty()) {
-        keeping.store.discard();
-        keeping.store.keepLists(keeping.command, now, expectedLists(edits));
-    }
-    UndoStore off("", false);
-    try {
-        Written const written = writeLists(std::move(edits), {off, ""});
-        add(written, total);
-        return written.overtaken.empty();
-    } catch (PartlyWritten const& partly) {
-        add(partly.written, total);
-        throw;
-    }
-}
+// Hides or restores services everywhere, in however many rounds beside others: one command for
+// undo.
+class EverywhereWrite {
+  public:
+    EverywhereWrite(Options const& options, Keeping const& keeping)
+        : options_(options), keeping_(keeping) {}
 
-// One command for undo, in however many rounds it is written.
+    // False when others came in between.
+    bool writeRound(std::vector<Operation> const& operations) {
+        std::vector<ListEdit> edits;
+        bool const isFirst = total_.ending != Ending::Written;
+        if (isFirst)
+            total_ = {};
+        {
+            FrozenDatabase const frozen;
+            if (!marks_)  // a number may be another service's in the next round
+                marks_ = marksOf(seeList(findList(options_.list)), operations);
+            edits = editsEverywhere(*marks_, options_.renumber);
+            follow(reachedBy(edits), total_);
+        }
+        if (isFirst && !edits.empty()) {
+            keeping_.store.discard();
+            keeping_.store.keepLists(keeping_.command, total_.before, expectedLists(edits));
+        }
+        UndoStore off("", false);
+        try {
+            Written const written = writeLists(std::move(edits), {off, ""});
+            add(written, total_);
+            return written.overtaken.empty();
+        } catch (PartlyWritten const& partly) {
+            add(partly.written, total_);
+            throw;
+        }
+    }
+
+    Written const& end() {
+        keeping_.store.correct(total_.before);
+        keeping_.store.keepOnlyChanged(total_.after);
+        return total_;
+    }
+
+  private:
+    Options const& options_;
+    Keeping const& keeping_;
+    std::optional<std::vector<Mark>> marks_;
+    Written total_;
+};
+
 void applyEverywhere(Options const& options, std::vector<Operation> const& operations,
                      Keeping const& keeping) {
     constexpr int kMostRounds = 50;
-    Written total;
-    auto const keep = [&] {
-        keeping.store.correct(total.before);
-        keeping.store.keepOnlyChanged(total.after);
-    };
+    EverywhereWrite write(options, keeping);
     try {
-        for (int round = 1; !writeRound(options, operations, keeping, total); ++round)
+        for (int round = 1; !write.writeRound(operations); ++round)
             if (round == kMostRounds)
                 throw Failure("others change the lists all the time");
-    } catch (...) {
-        keep();
-        throw;
+    } catch (std::exception const& error) {
+        if (write.end().ending != Ending::Written)
+            throw;
+        printDifferences(differences(write.end().before, write.end().after));
+        throw Failure(error.what() + std::string("; what is shown above is written"));
     }
-    keep();
-    report(options, total);
+    report(options, write.end());
 }
 
 // A file says what the list is to be, whatever it was: what comes in between is told. Where a scan
@@ -219,30 +233,6 @@ std::optional<std::vector<Entry>> mergeInto(Sight const& now, Sight const& then,
     return std::move(merged.entries);
 }
 
-// The keys that services have now: a scan deals new ones.
-class CurrentKeys {
-  public:
-    explicit CurrentKeys(Sight const& now) {
-        for (std::vector<Entry> const* services : {&now.seen.entries, &now.joining})
-            for (Entry const& entry : *services) {
-                current_.emplace(entry.serviceId, entry.uuid);
-                keys_.emplace(entry.uuid, entry.serviceId);
-            }
-    }
-
-    // One that is gone is none of those that have its key now.
-    void giveTo(std::vector<Entry>& entries) {
-        for (Entry& entry : entries)
-            if (!entry.uuid.empty() && current_.count({entry.serviceId, entry.uuid}) == 0)
-                entry.serviceId = keys_.emplace(entry.uuid, unused_--).first->second;
-    }
-
-  private:
-    std::set<std::pair<unsigned int, std::string>> current_;
-    std::map<std::string, unsigned int> keys_;
-    unsigned int unused_ = std::numeric_limits<unsigned int>::max();
-};
-
 void checkJoining(std::vector<Entry> const& wanted, Sight const& now) {
     std::set<unsigned int> held;
     std::set<std::pair<unsigned int, std::string>> joining;
@@ -265,7 +255,7 @@ void editInEditor(Options const& options, Keeping const& keeping) {
     Written written;
     while (wanted) {
         Sight now = look(sight.seen.list.uuid);
-        CurrentKeys keys(now);
+        CurrentKeys keys;
         keys.giveTo(*wanted);
         keys.giveTo(sight.seen.entries);
         if (now.seen.entries != sight.seen.entries) {
