@@ -54,6 +54,12 @@ TEST_F(ToolTest, WritesTheOperationsOfAnEditOneAfterTheOther) {
         EXPECT_NE(rows("SELECT UpdateTag FROM FavoriteList WHERE Pid = 11"), "0");
         write("set.db", before);
     }
+    output("edit FAV1 hide 2 --everywhere --renumber");
+    EXPECT_EQ(fav(1), "1 1;2 2 deleted;2 3;3 5") << "whatever has number 2 in the next round";
+    EXPECT_EQ(rows("SELECT group_concat(ServiceId) FROM FavoriteItem WHERE FavoriteId = 1 AND"
+                   " isDeleted = 1"),
+              "2");
+    write("set.db", before);
     char const* const blocks[][2] = {{"move '[ZVJ]*' to 1", "1 2;2 3;3 5;5 1"},
                                      {"move '[ZVD]*' to 5", "1 5;5 2;6 3;7 1"}};
     for (auto const& [operation, fav1] : blocks) {
