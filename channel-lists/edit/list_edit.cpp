@@ -23,6 +23,13 @@ void closeGaps(std::vector<Entry>& entries, std::set<std::int64_t> const& reserv
     }
 }
 
+std::multiset<std::pair<unsigned int, std::string>> uuidsOf(std::vector<Entry> const& entries) {
+    std::multiset<std::pair<unsigned int, std::string>> uuids;
+    for (Entry const& entry : entries)
+        uuids.emplace(entry.serviceId, entry.uuid);
+    return uuids;
+}
+
 }  // namespace
 
 bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other) {
@@ -34,6 +41,10 @@ bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other) {
         return places;
     };
     return one == other || placesOf(one) == placesOf(other);
+}
+
+bool areOfSameServices(std::vector<Entry> const& one, std::vector<Entry> const& other) {
+    return areSame(one, other) && uuidsOf(one) == uuidsOf(other);
 }
 
 void expect(ListEdit const& edit, Snapshot& lists) {

@@ -23,6 +23,8 @@ struct ListEdit {
 
 // Whether both hold the same: entries of one service change places without a change.
 bool areSame(std::vector<Entry> const& one, std::vector<Entry> const& other);
+// The same, and of the same services: a scan may give a key to another one.
+bool areOfSameServices(std::vector<Entry> const& one, std::vector<Entry> const& other);
 
 // The lists that an edit reaches as it will leave them.
 Snapshot expectedLists(ListEdit const& edit);

@@ -4,20 +4,17 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <set>
 
 #include "database/frozen_database.h"
 #include "database/query.h"
 #include "edit/commit_guard.h"
-#include "edit/merge.h"
 #include "edit/only_writer.h"
 #include "edit/renumbering.h"
 #include "edit/request.h"
 #include "failure.h"
 #include "library_messages/library_messages.h"
 #include "listener.h"
-#include "lists/current_keys.h"
 #include "text/display_text.h"
 
 namespace channel_lists {
@@ -211,29 +208,6 @@ bool areSame(Snapshot const& before, Snapshot const& after) {
                                                 });
 }
 
-std::multiset<std::pair<unsigned int, std::string>> uuidsOf(std::vector<Entry> const& entries) {
-    std::multiset<std::pair<unsigned int, std::string>> uuids;
-    for (Entry const& entry : entries)
-        uuids.emplace(entry.serviceId, entry.uuid);
-    return uuids;
-}
-
-// What others removed is in neither side any more.
-void leaveOutGone(std::vector<Entry> const& now, std::vector<Entry>& before,
-                  std::vector<Entry>& after) {
-    std::set<unsigned int> held, gone;
-    for (Entry const& entry : now)
-        held.insert(entry.serviceId);
-    for (Entry const& entry : after)
-        if (held.count(entry.serviceId) == 0)
-            gone.insert(entry.serviceId);
-    for (std::vector<Entry>* entries : {&before, &after})
-        entries->erase(
-            std::remove_if(entries->begin(), entries->end(),
-                           [&](Entry const& entry) { return gone.count(entry.serviceId) != 0; }),
-            entries->end());
-}
-
 // Edits of lists that are none of FAV1 to FAV4 first: they mark these, too.
 class Write {
   public:
@@ -280,8 +254,7 @@ class Write {
             auto const list =
                 std::find_if(expected_.begin(), expected_.end(),
                              [&](ListEntries const& each) { return each.uuid == now.list.uuid; });
-            if (!areSame(list->entries, now.entries) ||
-                uuidsOf(list->entries) != uuidsOf(now.entries)) {
+            if (!areOfSameServices(list->entries, now.entries)) {
                 result_.overtaken = displayName(now.list);
                 return false;
             }
@@ -335,37 +308,6 @@ class Write {
 
 Written writeLists(std::vector<ListEdit> edits, Keeping const& keeping) {
     return Write(std::move(edits), keeping).run();
-}
-
-void add(Written const& written, Written& total) {
-    if (written.ending != Ending::Written)
-        return;
-    total.ending = Ending::Written;
-    for (ListEntries const& list : written.after)
-        for (ListEntries& each : total.after)
-            if (each.uuid == list.uuid)
-                each.entries = list.entries;
-}
-
-void follow(Snapshot const& now, Written& total) {
-    std::optional<CurrentKeys> keys;
-    for (std::size_t i = 0; i < total.after.size(); ++i)
-        for (ListEntries const& list : now) {
-            std::vector<Entry>& after = total.after[i].entries;
-            if (list.uuid != total.after[i].uuid ||
-                (areSame(after, list.entries) && uuidsOf(after) == uuidsOf(list.entries)))
-                continue;
-            std::vector<Entry>& before = total.before[i].entries;
-            if (!keys)
-                keys.emplace();
-            keys->giveTo(before);
-            keys->giveTo(after);
-            leaveOutGone(list.entries, before, after);
-            before = merge(after, list.entries, before, {}).entries;
-            after = list.entries;
-        }
-    addMissing(now, total.before);
-    addMissing(now, total.after);
 }
 
 Written writeAgainAndAgain(std::function<SeenList()> const& see,

@@ -47,12 +47,6 @@ class PartlyWritten : public Failure {
 // reason, PartlyWritten when a part is. Takes the library's mutex.
 Written writeLists(std::vector<ListEdit> edits, Keeping const& keeping);
 
-// Several writes as one, beside others: adds another one to `total`, or a new sight of the lists,
-// `now`, within the FrozenDatabase of which it is. What others wrote since is in both sides then:
-// it is neither told nor taken back.
-void add(Written const& written, Written& total);
-void follow(Snapshot const& now, Written& total);
-
 // Sees the list, asks what is wanted of it and writes that: again, with the list as it is then, as
 // often as somebody changed it in between, some fifty times. Throws Failure when that does not
 // suffice.

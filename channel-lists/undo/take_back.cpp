@@ -11,6 +11,7 @@
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "edit/merge.h"
+#include "edit/rounds.h"
 #include "edit/write_list.h"
 #include "failure.h"
 #include "lists/text_services.h"

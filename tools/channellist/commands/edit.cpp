@@ -12,6 +12,7 @@
 #include "database/session.h"
 #include "edit/everywhere.h"
 #include "edit/merge.h"
+#include "edit/rounds.h"
 #include "edit/write_list.h"
 #include "editing/question.h"
 #include "editing/text_edit.h"
