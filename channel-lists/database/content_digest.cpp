@@ -51,7 +51,8 @@ std::string contentDigest(sqlite3* connection) {
     Digest digest;
     std::vector<std::string> selections;
     {
-        // quote() tells types apart. An edit that is taken back leaves a tag and keys of its own.
+        // quote() tells types apart. What is derived, and what an edit that is taken back leaves,
+        // is left out.
         Query columns(connection,
                       "SELECT 'SELECT ' || group_concat('quote(\"' ||"
                       " replace(c.name, '\"', '\"\"') || '\")') || ' FROM main.\"' ||"
@@ -59,7 +60,8 @@ std::string contentDigest(sqlite3* connection) {
                       " FROM main.sqlite_master t, pragma_table_xinfo(t.name) c"
                       " WHERE t.type = 'table' AND t.rootpage > 0"
                       " AND t.name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND (t.name, c.name) NOT IN"
-                      " (VALUES ('FavoriteList', 'UpdateTag'), ('FavoriteItem', 'Id'))"
+                      " (VALUES ('FavoriteList', 'UpdateTag'),"
+                      " ('FavoriteList', 'MaxChannelNumber'), ('FavoriteItem', 'Id'))"
                       " GROUP BY t.name ORDER BY t.name");
         while (columns.next())
             selections.push_back(columns.text(0));
