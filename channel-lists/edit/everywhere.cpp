@@ -11,6 +11,7 @@ namespace {
 
 std::map<unsigned int, bool> byKey(std::vector<Mark> const& marks) {
     std::vector<Entry> services;
+    services.reserve(marks.size());
     for (auto const& [service, hidden] : marks)
         services.push_back(service);
     CurrentKeys().giveTo(services);
