@@ -134,13 +134,6 @@ unsigned int dataVersion(sqlite3* connection) {
     return version;
 }
 
-// What is written to a file without its name nobody would see.
-bool isMoved(sqlite3* connection) {
-    int moved = 0;
-    sqlite3_file_control(connection, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-    return moved != 0;
-}
-
 // False, and nothing is written, when somebody has written to the target by the time that it is
 // locked, since it had the version.
 bool copyUnlessOvertaken(sqlite3* source, sqlite3* target, std::string const& path,
@@ -248,6 +241,12 @@ Connection inPagesOf(int size, Image image, std::string const& path) {
 }
 
 }  // namespace
+
+bool isMoved(sqlite3* connection) {
+    int moved = 0;
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    return moved != 0;
+}
 
 void checkReplaceable(std::string const& path) {
     struct stat file;

@@ -1,5 +1,6 @@
 #include "edit/commit_guard.h"
 
+#include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
 
 namespace channel_lists {
@@ -11,12 +12,6 @@ std::optional<unsigned int> fileVersion(sqlite3* connection) {
     return version;
 }
 
-bool isMoved(sqlite3* connection) {
-    int moved = 0;
-    sqlite3_file_control(connection, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-    return moved != 0;
-}
-
 CommitGuard::CommitGuard() : connection_(db), version_(fileVersion(db)) {
     sqlite3_commit_hook(connection_, mayCommit, this);
 }
@@ -26,8 +21,8 @@ CommitGuard::~CommitGuard() { sqlite3_commit_hook(connection_, nullptr, nullptr)
 int CommitGuard::mayCommit(void* guard) {
     auto& self = *static_cast<CommitGuard*>(guard);
     auto const version = fileVersion(self.connection_);
-    self.hasRefused_ =
-        self.hasRefused_ || isMoved(self.connection_) || !version || version != self.version_;
+    self.hasRefused_ = self.hasRefused_ || channel_database::isMoved(self.connection_) ||
+                       !version || version != self.version_;
     if (self.version_)
         ++*self.version_;  // by the commit that follows
     return self.hasRefused_ ? 1 : 0;

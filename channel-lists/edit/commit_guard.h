@@ -34,7 +34,4 @@ class CommitGuard {
 // the commits of others where a read or write begins.
 std::optional<unsigned int> fileVersion(sqlite3* connection);
 
-// Whether the file was replaced or renamed: what is written there nobody would see.
-bool isMoved(sqlite3* connection);
-
 }  // namespace channel_lists

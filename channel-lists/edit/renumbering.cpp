@@ -1,11 +1,11 @@
 #include "edit/renumbering.h"
 
+#include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
 
 #include <optional>
 
 #include "database/query.h"
-#include "edit/commit_guard.h"
 #include "failure.h"
 
 namespace channel_lists {
@@ -78,7 +78,7 @@ bool renumber(List const& favList) {
         if (numbersOf(list) == before)
             return false;
         dbaccess::UpdateListTag(list.pid);
-        if (isMoved(db))
+        if (channel_database::isMoved(db))
             throw Failure("the database was replaced or renamed meanwhile");
         transaction.commit();
         return true;

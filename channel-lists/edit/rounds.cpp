@@ -26,8 +26,6 @@ void leaveOutGone(std::vector<Entry> const& now, std::vector<Entry>& before,
             entries->end());
 }
 
-}  // namespace
-
 void add(Written const& written, Written& total) {
     if (written.ending != Ending::Written)
         return;
@@ -36,6 +34,20 @@ void add(Written const& written, Written& total) {
         for (ListEntries& each : total.after)
             if (each.uuid == list.uuid)
                 each.entries = list.entries;
+}
+
+}  // namespace
+
+bool writeRound(std::vector<ListEdit> edits, Written& total) {
+    UndoStore off("", false);
+    try {
+        Written const written = writeLists(std::move(edits), {off, ""});
+        add(written, total);
+        return written.overtaken.empty();
+    } catch (PartlyWritten const& partly) {
+        add(partly.written, total);
+        throw;
+    }
 }
 
 void follow(Snapshot const& now, Written& total) {
@@ -56,6 +68,13 @@ void follow(Snapshot const& now, Written& total) {
         }
     addMissing(now, total.before);
     addMissing(now, total.after);
+}
+
+void keepRounds(Written const& total, UndoStore& store) {
+    if (total.ending != Ending::Written)
+        return;
+    store.correct(total.before);
+    store.keepOnlyChanged(total.after);
 }
 
 }  // namespace channel_lists

@@ -39,9 +39,9 @@ SeenList seeList(List const& list) {
     std::size_t const items = storedItems(list);
     seen.undelivered = items > seen.entries.size() ? items - seen.entries.size() : 0;
     seen.reached = takeSnapshot(list);
-    seen.stored = storedState(list.uuid);
     for (ListEntries const& each : seen.reached)
         seen.reachedStates.emplace(each.uuid, storedState(each.uuid));
+    seen.stored = seen.reachedStates[list.uuid];
     return seen;
 }
 

@@ -1,5 +1,6 @@
 #include "edit/write_list.h"
 
+#include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
@@ -47,7 +48,7 @@ class ReadTransaction {
 };
 
 // A service that joins the list is named by its key, which a scan may have given to another one.
-bool areSameServices(SeenList const& seen, std::vector<Entry> const& wanted) {
+bool areStillTheSame(SeenList const& seen, std::vector<Entry> const& wanted) {
     std::set<unsigned int> held;
     for (Entry const& entry : seen.entries)
         held.insert(entry.serviceId);
@@ -66,7 +67,7 @@ bool stillStands(ListEdit const& edit, OnlyWriter& writer) {
         Query(db, "SELECT 1 FROM sqlite_master").next();  // it begins with its first read
         writer.look();
         return storedState(edit.seen.list.uuid) == edit.seen.stored &&
-               areSameServices(edit.seen, edit.wanted.entries);
+               areStillTheSame(edit.seen, edit.wanted.entries);
     });
 }
 
@@ -83,7 +84,7 @@ bool commitIfUnchanged(ListEdit const& edit, OnlyWriter& writer, Commit commit) 
             writer.hasCommitted(guard.version());
             return true;
         } catch (Failure const&) {
-            if (isMoved(db))
+            if (channel_database::isMoved(db))
                 throw Failure("the database was replaced or renamed meanwhile; nothing is written");
             if (!guard.hasRefused() && stillStands(edit, writer))
                 throw;
@@ -121,10 +122,11 @@ void hideJoined(List const& list, std::vector<Entry> const& joined, OnlyWriter& 
             for (Entry& entry : entries)  // others may have moved it, or given it another key
                 if (each.uuid.empty() ? entry.serviceId == each.serviceId : entry.uuid == each.uuid)
                     entry.deleted = true;
-        bool const isDone = entries == seen.entries;
+        if (entries == seen.entries)
+            return;
         std::vector<std::string> const request = favListRequest(list, entries);
-        if (isDone || commitIfUnchanged({std::move(seen), {std::move(entries), false}}, writer,
-                                        [&] { submit(request); }))
+        if (commitIfUnchanged({std::move(seen), {std::move(entries), false}}, writer,
+                              [&] { submit(request); }))
             return;
         giveWay(attempt);
     }

@@ -105,13 +105,17 @@ std::vector<StoredItem> undelivered(std::vector<StoredItem> items,
 // Of kept services: the keys that they have now by those that they had.
 using NewKeys = std::map<std::int64_t, std::int64_t>;
 
+struct Plan {
+    std::vector<ListEdit> edits;
+    NewKeys newKeys;
+};
+
 class Planner {
   public:
     Planner(KeptCopy const& copy, TakenBack& result)
         : copy_(copy), result_(result), all_(readEntries(allServicesList().uuid).entries) {}
 
-    std::vector<ListEdit> plan() {
-        std::vector<ListEdit> edits;
+    Plan plan() {
         std::vector<List> const lists = allLists();
         for (ListEntries const& kept : copy_.lists) {
             auto const list = std::find_if(lists.begin(), lists.end(), [&](List const& each) {
@@ -119,12 +123,10 @@ class Planner {
             });
             if (list == lists.end())
                 throw Failure("the database has no list " + kept.listName + " any more");
-            edits.push_back(planOne(*list, kept));
+            plan_.edits.push_back(planOne(*list, kept));
         }
-        return edits;
+        return plan_;
     }
-
-    NewKeys const& newKeys() const { return newKeys_; }
 
   private:
     ListEdit planOne(List const& list, ListEntries const& kept) {
@@ -166,7 +168,7 @@ class Planner {
             std::string error;
             std::optional<Entry> service = services.find(entry, error);
             if (service)
-                newKeys_[entry.serviceId] = service->serviceId;
+                plan_.newKeys[entry.serviceId] = service->serviceId;
             bool const isThere =
                 service &&
                 (seen.list.favIndex != 0 ||
@@ -221,12 +223,7 @@ class Planner {
     KeptCopy const& copy_;
     TakenBack& result_;
     std::vector<Entry> const all_;
-    NewKeys newKeys_;
-};
-
-struct Plan {
-    std::vector<ListEdit> edits;
-    NewKeys newKeys;
+    Plan plan_;
 };
 
 // False when somebody wrote in between.
@@ -240,23 +237,7 @@ bool write(Plan const& plan, KeptCopy const& copy, TakenBack& result) {
                     item.service = key->second;
                 joining.add(edit.seen.list.pid, item);
             }
-    UndoStore off("", false);
-    try {
-        Written const written = writeLists(plan.edits, {off, ""});
-        add(written, result);
-        return written.overtaken.empty();
-    } catch (PartlyWritten const& partly) {
-        add(partly.written, result);
-        throw;
-    }
-}
-
-// All of one state of the database.
-Plan makePlan(KeptCopy const& copy, TakenBack& result) {
-    Planner planner(copy, result);
-    Plan plan{planner.plan(), {}};
-    plan.newKeys = planner.newKeys();
-    return plan;
+    return writeRound(plan.edits, result);
 }
 
 // One try, with the lists as they are by now; `result` is what those before it wrote. False when
@@ -264,7 +245,7 @@ Plan makePlan(KeptCopy const& copy, TakenBack& result) {
 bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenBack& result) {
     TakenBack next;
     std::optional<FrozenDatabase> frozen(std::in_place);
-    Plan const plan = makePlan(copy, next);
+    Plan const plan = Planner(copy, next).plan();
     bool const isRefused = !isForced && (!next.conflicts.empty() || !next.lost.empty());
     bool const isFirst = !result.isWritten();
     if (isRefused && !isFirst)
@@ -287,13 +268,6 @@ bool tryToTakeBack(KeptCopy const& copy, bool isForced, UndoStore& store, TakenB
     return isDone;
 }
 
-void keep(TakenBack const& result, UndoStore& store) {
-    if (!result.isWritten())
-        return;
-    store.correct(result.before);
-    store.keepOnlyChanged(result.after);
-}
-
 }  // namespace
 
 TakenBack takeBack(KeptCopy const& copy, bool isForced, UndoStore& store) {
@@ -304,10 +278,10 @@ TakenBack takeBack(KeptCopy const& copy, bool isForced, UndoStore& store) {
                 throw Failure(std::string("others change the lists all the time; ") +
                               (result.isWritten() ? "a part is taken back" : "nothing is written"));
     } catch (...) {
-        keep(result, store);
+        keepRounds(result, store);
         throw;
     }
-    keep(result, store);
+    keepRounds(result, store);
     return result;
 }
 

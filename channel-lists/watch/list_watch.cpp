@@ -1,5 +1,6 @@
 #include "watch/list_watch.h"
 
+#include <channel-database/database_content.h>
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
@@ -99,7 +100,7 @@ std::vector<Change> ListWatch::look() {
 
 // The file that has the name by now; an unfinished write beside it is settled then.
 void ListWatch::openAgain() {
-    if (session_ != nullptr && isMoved(db))
+    if (session_ != nullptr && channel_database::isMoved(db))
         session_.reset();
     if (session_ != nullptr)
         return;

@@ -201,7 +201,7 @@ TEST_F(ToolTest, ExplainsEditsThatTheDatabaseDoesNotAllow) {
         "CREATE TRIGGER refuse BEFORE UPDATE ON FavoriteItem WHEN old.FavoriteId = 21 BEGIN SELECT"
         " RAISE(ABORT, 'no'); END");
     expect({"edit FAV1 hide VOX --everywhere", 1, "FAV1  hidden       3",
-            "list's update tag; written before: all; what is shown above is written"});
+            "list's update tag; written before: all; a part is written"});
     EXPECT_EQ(fav(1), "1 1;2 2;3 3 deleted;5 5");
     write("set.db", before);
     change("INSERT INTO FavoriteItem (ServiceId, FavoriteId, ChannelNum) VALUES (99, 11, 9)");

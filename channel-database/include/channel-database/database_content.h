@@ -12,6 +12,9 @@ namespace channel_database {
 /// link to one too, and a SQLite database or empty.
 void checkReplaceable(std::string const& path);
 
+/// Whether the open file was replaced or renamed: what is written there nobody would see.
+bool isMoved(sqlite3* connection);
+
 /// Gives the database at `path`, which checkReplaceable accepts, the content of `source`, which no
 /// one else writes to. SQLite's backup interface does it in one transaction: the locks of other
 /// processes are waited for, up to ten seconds, an unfinished journal or write-ahead log is settled

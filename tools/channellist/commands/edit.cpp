@@ -139,20 +139,11 @@ class EverywhereWrite {
             keeping_.store.discard();
             keeping_.store.keepLists(keeping_.command, total_.before, expectedLists(edits));
         }
-        UndoStore off("", false);
-        try {
-            Written const written = writeLists(std::move(edits), {off, ""});
-            add(written, total_);
-            return written.overtaken.empty();
-        } catch (PartlyWritten const& partly) {
-            add(partly.written, total_);
-            throw;
-        }
+        return channel_lists::writeRound(std::move(edits), total_);
     }
 
     Written const& end() {
-        keeping_.store.correct(total_.before);
-        keeping_.store.keepOnlyChanged(total_.after);
+        keepRounds(total_, keeping_.store);
         return total_;
     }
 
@@ -174,8 +165,9 @@ void applyEverywhere(Options const& options, std::vector<Operation> const& opera
     } catch (std::exception const& error) {
         if (write.end().ending != Ending::Written)
             throw;
-        printDifferences(differences(write.end().before, write.end().after));
-        throw Failure(error.what() + std::string("; what is shown above is written"));
+        if (!options.json)
+            printDifferences(differences(write.end().before, write.end().after));
+        throw Failure(error.what() + std::string("; a part is written"));
     }
     report(options, write.end());
 }
