@@ -189,7 +189,7 @@ class Planner {
 
     // An item that was not shown is of the service that it was of, or of none.
     static bool isOfAnother(StoredItem const& item) {
-        Query service(db, "SELECT Uuid FROM Service WHERE Pid = ?");
+        Query service(db, "SELECT printf('%s', Uuid) FROM Service WHERE Pid = ?");
         return service.bind(item.service).next() && service.text(0) != item.uuid;
     }
 
@@ -197,12 +197,10 @@ class Planner {
     void addUndelivered(ListEntries const& kept, ListEdit& edit) {
         std::vector<StoredItem> items = undelivered(storedItems(kept.uuid), edit.seen.entries);
         std::size_t const now = items.size();
-        if (auto const before = copy_.items.find(kept.uuid); before != copy_.items.end())
-            for (StoredItem const& item : undelivered(before->second, kept.entries))
-                if (std::none_of(items.begin(), items.end(), [&](StoredItem const& each) {
-                        return each.service == item.service;
-                    }))
-                    items.push_back(item);
+        for (StoredItem const& item : undelivered(kept.items, kept.entries))
+            if (std::none_of(items.begin(), items.end(),
+                             [&](StoredItem const& each) { return each.service == item.service; }))
+                items.push_back(item);
         if (items.size() == now && edit.wanted.entries == edit.seen.entries)
             return;
         for (std::size_t i = 0; i < items.size(); ++i) {
@@ -229,14 +227,16 @@ class Planner {
 // False when somebody wrote in between.
 bool write(Plan const& plan, KeptCopy const& copy, TakenBack& result) {
     JoiningItems joining;
-    for (ListEdit const& edit : plan.edits)
-        if (auto const items = copy.items.find(edit.seen.list.uuid);
-            items != copy.items.end() && edit.seen.list.favIndex != 0)
-            for (StoredItem item : items->second) {
-                if (auto const key = plan.newKeys.find(item.service); key != plan.newKeys.end())
-                    item.service = key->second;
-                joining.add(edit.seen.list.pid, item);
-            }
+    for (ListEdit const& edit : plan.edits) {
+        ListEntries const* const kept = withUuid(copy.lists, edit.seen.list.uuid);
+        if (kept == nullptr || edit.seen.list.favIndex == 0)
+            continue;
+        for (StoredItem item : kept->items) {
+            if (auto const key = plan.newKeys.find(item.service); key != plan.newKeys.end())
+                item.service = key->second;
+            joining.add(kept->uuid, item);
+        }
+    }
     return writeRound(plan.edits, result);
 }
 
