@@ -35,7 +35,7 @@ test("what an operation makes of a list", () => {
         [{what: "move", list: "gaps", keys: ["10", "12"], number: 7}, "1:13 2:-11 7:10 8:12"],
         [{what: "move", list: "odd", keys: ["11", "13", "14"], number: 2}, "2:13 3:14 4:11 5:10 6:12"],
         [{what: "move", list: "odd", keys: ["13"], before: "11"}, "null:14 2:10 3:13 4:11 6:12"],
-        [{what: "move", list: "odd", keys: ["12"], before: "13"}, "null:13 null:14 2:12 3:10 6:11"],
+        [{what: "move", list: "odd", keys: ["12"], before: "10"}, "null:13 null:14 2:12 3:10 6:11"],
         [{what: "add", list: "gaps", ids: [14, 15], before: "12"}, "1:10 2:-11 7:14 8:15 9:12 10:13"],
         [{what: "show", list: "gaps", keys: ["11"]}, "1:10 2:11 7:12 8:13"],
         [{what: "close", list: "gaps"}, "1:10 2:-11 2:12 3:13"],
