@@ -57,7 +57,7 @@ bool writeRound(std::vector<ListEdit> edits, Written& total) {
     try {
         Written const written = writeLists(std::move(edits), {off, ""});
         add(written, total);
-        return written.overtaken.empty();
+        return !written.overtaken;
     } catch (PartlyWritten const& partly) {
         add(partly.written, total);
         throw;
