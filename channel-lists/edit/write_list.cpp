@@ -52,12 +52,13 @@ bool areStillTheSame(SeenList const& seen, std::vector<Entry> const& wanted) {
     std::set<unsigned int> held;
     for (Entry const& entry : seen.entries)
         held.insert(entry.serviceId);
-    // As a C string, which is how the library delivers it.
-    Query service(db, "SELECT 1 FROM Service WHERE Pid = ? AND printf('%s', Uuid) = ?");
+    // As a C string, which is how the library delivers it; "" of none.
+    Query service(db, "SELECT (SELECT printf('%s', Uuid) FROM Service WHERE Pid = ?)");
     return std::all_of(wanted.begin(), wanted.end(), [&](Entry const& entry) {
         service.reset();
-        return held.count(entry.serviceId) != 0 || entry.uuid.empty() ||
-               service.bind(std::int64_t{entry.serviceId}).bind(entry.uuid).next();
+        return held.count(entry.serviceId) != 0 ||
+               (service.bind(std::int64_t{entry.serviceId}).next() &&
+                service.text(0) == entry.uuid);
     });
 }
 

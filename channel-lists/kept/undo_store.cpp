@@ -180,26 +180,32 @@ void UndoStore::confirm(std::string const& content) {
     rewriteAndConfirm();
 }
 
-bool UndoStore::tryToWrite() const {
+// N.part stays whole until another file is: the process may die at any moment.
+bool UndoStore::tryToWriteAnew() const {
+    std::string const file = fileOf(last_.number, ".new");
+    int const descriptor = open(file.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600);
+    bool isWritten = true;
     try {
-        write(last_);
+        write(last_, descriptor, ".new");
     } catch (Failure const& failure) {
         listener().note(failure.what());
-        return false;
+        unlink(file.c_str());
+        isWritten = false;
     }
-    return true;
+    close(descriptor);
+    return isWritten;
 }
 
 void UndoStore::rewriteAndConfirm() {
     if (last_.number == 0)
         return;
-    if (!tryToWrite()) {  // it had room without what was added
-        last_.after.clear();
-        last_.content.clear();
-        tryToWrite();
-    }
-    if (rename(fileOf(last_.number, ".part").c_str(), fileOf(last_.number, ".json").c_str()) != 0)
+    bool const isAnew = tryToWriteAnew();  // else what it was to be has to do
+    std::string const part = fileOf(last_.number, ".part");
+    std::string const whole = isAnew ? fileOf(last_.number, ".new") : part;
+    if (rename(whole.c_str(), fileOf(last_.number, ".json").c_str()) != 0)
         listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
+    else if (isAnew)
+        unlink(part.c_str());
     last_.number = 0;
     close(std::exchange(claimed_, -1));
     try {
@@ -229,7 +235,7 @@ std::vector<int> UndoStore::numbers(char const* ending) const {
 }
 
 void UndoStore::remove(int number) const {
-    for (char const* ending : {".json", ".db", ".part"})
+    for (char const* ending : {".json", ".db", ".part", ".new"})
         unlink(fileOf(number, ending).c_str());
 }
 
@@ -266,8 +272,7 @@ bool UndoStore::claim(int number) {
     throw Failure("cannot write to " + folder_ + ": " + std::strerror(errno));
 }
 
-// Into the claimed file, which gets its name when the write is done.
-void UndoStore::write(KeptCopy const& copy) const {
+void UndoStore::write(KeptCopy const& copy, int descriptor, char const* ending) const {
     Json lists = Json::array();
     for (ListEntries const& list : copy.lists) {
         lists.push_back(toJson(list));
@@ -286,9 +291,9 @@ void UndoStore::write(KeptCopy const& copy) const {
     auto const size = static_cast<ssize_t>(text.size());
     ssize_t done = 0;
     for (ssize_t part = 1; part > 0 && done < size; done += part)
-        part = pwrite(claimed_, text.data() + done, static_cast<std::size_t>(size - done), done);
-    if (done != size || ftruncate(claimed_, size) != 0 || fsync(claimed_) != 0)
-        throw Failure("cannot write " + fileOf(copy.number, ".part") + ": " + std::strerror(errno));
+        part = pwrite(descriptor, text.data() + done, static_cast<std::size_t>(size - done), done);
+    if (done != size || fsync(descriptor) != 0)
+        throw Failure("cannot write " + fileOf(copy.number, ending) + ": " + std::strerror(errno));
 }
 
 KeptCopy UndoStore::read(int number, char const* ending) const {
@@ -335,7 +340,7 @@ void UndoStore::keep(KeptCopy& copy) {
     try {
         if (copy.lists.empty())
             channel_database::copyToNewFile(database_, fileOf(copy.number, ".db"));
-        write(copy);
+        write(copy, claimed_, ".part");
     } catch (...) {
         remove(copy.number);
         close(std::exchange(claimed_, -1));
@@ -420,10 +425,14 @@ void UndoStore::settle(std::function<bool(KeptCopy const&)> const& wasWritten) c
         int const claimed = open(file.c_str(), O_RDWR | O_CLOEXEC);
         if (claimed >= 0 && lockNamed(claimed, file)) {
             KeptCopy const copy = read(number, ".part");
-            if (!copy.isReadable || !wasWritten(copy))
+            std::string const whole = fileOf(number, ".json");
+            if (fs::exists(whole))  // it only had to go
+                unlink(file.c_str());
+            else if (!copy.isReadable || !wasWritten(copy))  // unreadable: it died before the write
                 remove(number);
             else
-                rename(file.c_str(), fileOf(number, ".json").c_str());
+                rename(file.c_str(), whole.c_str());
+            unlink(fileOf(number, ".new").c_str());
         }
         close(claimed);
     }

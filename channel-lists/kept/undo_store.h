@@ -3,7 +3,8 @@
 // The copies of a database lie in $XDG_STATE_HOME/channellist (~/.local/state/channellist), in a
 // folder that is called as the database's real path, the last ten of them and of those that "undo"
 // itself makes: N.json with the lists that an edit reached, or N.json beside N.db with the whole
-// database. Until the write is done N.json is called N.part, and its process holds a lock on it.
+// database. Until the write is done N.json is called N.part, and its process holds a lock on it;
+// what the write has made is told by N.new, which becomes N.json when it is whole.
 #pragma once
 
 #include <functional>
@@ -71,11 +72,11 @@ class UndoStore {
     std::vector<int> numbers(char const* ending) const;
     void makeFolder() const;
     bool claim(int number);
-    void write(KeptCopy const& copy) const;
+    void write(KeptCopy const& copy, int descriptor, char const* ending) const;
     KeptCopy read(int number, char const* ending) const;
     void removeOld(bool isUndo) const;
     void keep(KeptCopy& copy);
-    bool tryToWrite() const;
+    bool tryToWriteAnew() const;
     void rewriteAndConfirm();
     void keepIn(KeptCopy copy);
 

@@ -180,34 +180,50 @@ class Planner {
         return found;
     }
 
-    // An item that was not shown is of the service that it was of, or of none.
-    static bool isOfAnother(StoredItem const& item) {
+    // The entry for an item that was not shown: of the service that it was of, or of none. Nothing
+    // where another service has its key by now.
+    static std::optional<Entry> entryOf(StoredItem const& item) {
+        Entry entry;
+        entry.number = item.number;
+        entry.serviceId = static_cast<unsigned int>(item.service);
+        entry.deleted = item.hidden.value_or(0) != 0;
+        Query same(db, "SELECT Pid FROM Service WHERE Uuid = ? ORDER BY Pid <> ?");
+        if (!item.uuid.empty() && same.bind(item.uuid).bind(item.service).next()) {
+            entry.serviceId = static_cast<unsigned int>(same.number(0));
+            entry.uuid = item.uuid;
+            return entry;
+        }
         Query service(db, "SELECT printf('%s', Uuid) FROM Service WHERE Pid = ?");
-        return service.bind(item.service).next() && service.text(0) != item.uuid;
+        bool const isOfAnother = service.bind(item.service).next() && !service.text(0).empty();
+        return isOfAnother ? std::nullopt : std::optional(entry);
     }
 
     // A request is the whole content of the list: what the library does not deliver is named, too.
     void addUndelivered(ListEntries const& kept, ListEdit& edit) {
-        std::vector<StoredItem> items = undelivered(storedItems(kept.uuid), edit.seen.entries);
-        std::size_t const now = items.size();
-        for (StoredItem const& item : undelivered(kept.items, kept.entries))
-            if (std::none_of(items.begin(), items.end(),
-                             [&](StoredItem const& each) { return each.service == item.service; }))
-                items.push_back(item);
-        if (items.size() == now && edit.wanted.entries == edit.seen.entries)
-            return;
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            if (i >= now && isOfAnother(items[i])) {
+        std::vector<Entry>& wanted = edit.wanted.entries;
+        std::vector<Entry> entries;
+        std::set<unsigned int> held;
+        for (Entry const& entry : wanted)
+            held.insert(entry.serviceId);
+        for (StoredItem const& item : undelivered(storedItems(kept.uuid), edit.seen.entries))
+            if (auto const entry = entryOf(item)) {
+                held.insert(entry->serviceId);
+                entries.push_back(*entry);
+            }
+        std::size_t const now = entries.size();
+        for (StoredItem const& item : undelivered(kept.items, kept.entries)) {
+            auto const entry = entryOf(item);
+            if (!entry)
                 result_.notes.push_back(kept.listName + ": an entry that was not shown is left " +
                                         "out: another service has its key now");
-                continue;
-            }
-            Entry entry;
-            entry.number = items[i].number;
-            entry.serviceId = static_cast<unsigned int>(items[i].service);
-            entry.deleted = items[i].hidden.value_or(0) != 0;
-            edit.wanted.entries.push_back(entry);
+            else if (held.count(entry->serviceId) == 0)
+                entries.push_back(*entry);
+            if (entry)
+                plan_.newKeys[item.service] = entry->serviceId;
         }
+        if (entries.size() == now && wanted == edit.seen.entries)
+            return;
+        wanted.insert(wanted.end(), entries.begin(), entries.end());
         edit.seen.undelivered = 0;
     }
 

@@ -12,6 +12,7 @@
 #include "failure.h"
 #include "library_messages/library_messages.h"
 #include "listener.h"
+#include "lists/current_keys.h"
 
 namespace channel_lists {
 namespace {
@@ -36,7 +37,9 @@ Snapshot inOrder(Snapshot const& order, Snapshot const& lists) {
     return result;
 }
 
-std::vector<Change> changesBetween(Snapshot const& before, Snapshot const& after) {
+std::vector<Change> changesBetween(Snapshot before, Snapshot const& after, CurrentKeys& keys) {
+    for (ListEntries& list : before)
+        keys.giveTo(list.entries);
     Snapshot both = after;
     for (ListEntries const& list : before)
         if (listOf(after, list.uuid) == nullptr)
@@ -51,6 +54,7 @@ ListWatch::ListWatch(std::string file, std::vector<std::string> const& words)
     for (std::string const& word : words)
         uuids_.push_back(findList(word).uuid);
     version_ = dataVersion();
+    FrozenDatabase const frozen;
     told_ = read();
 }
 
@@ -62,7 +66,6 @@ std::vector<std::string> ListWatch::listNames() const {
 }
 
 Snapshot ListWatch::read() const {
-    FrozenDatabase const frozen;
     Snapshot lists;
     for (List const& list : allLists()) {
         bool const isMeant =
@@ -82,8 +85,10 @@ std::vector<Change> ListWatch::look() {
         openAgain();
         std::int64_t const version = dataVersion();
         if (version != version_) {
+            FrozenDatabase const frozen;
             Snapshot now = read();
-            changes = changesBetween(told_, now);
+            CurrentKeys keys;
+            changes = changesBetween(told_, now, keys);
             told_ = std::move(now);
             version_ = version;
         }

@@ -3,6 +3,7 @@
 
 #include "commands/commands.h"
 #include "compare/database_difference.h"
+#include "database/frozen_database.h"
 #include "database/session.h"
 #include "failure.h"
 #include "output/differences.h"
@@ -109,6 +110,7 @@ void printObject(DatabaseDifference const& difference) {
 
 ComparedContent contentOf(std::string const& file) {
     Session const session(file);
+    FrozenDatabase const frozen;
     return readForComparison();
 }
 

@@ -247,8 +247,10 @@ void editInEditor(Options const& options, Keeping const& keeping) {
     bool const isUnchanged = !wanted;
     Written written;
     while (wanted) {
+        std::optional<FrozenDatabase> frozen(std::in_place);
         Sight now = look(sight.seen.list.uuid);
         CurrentKeys keys;
+        frozen.reset();
         keys.giveTo(*wanted);
         keys.giveTo(sight.seen.entries);
         if (now.seen.entries != sight.seen.entries) {

@@ -13,6 +13,7 @@
 #include <set>
 
 #include "commands/commands.h"
+#include "database/frozen_database.h"
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "database/session.h"
@@ -275,6 +276,7 @@ int run(std::string const& database, Options const& options) {
     Session const session(database);
     if (!options.like.empty() && options.format != "enigma2")
         throw Failure("--like is for --format enigma2, whose entries have namespaces", kUsage);
+    FrozenDatabase const frozen;
     std::vector<List> lists;
     for (std::string const& word : options.lists)
         lists.push_back(findList(word));

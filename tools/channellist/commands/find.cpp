@@ -7,6 +7,7 @@
 #include "commands/commands.h"
 #include "commands/filter_options.h"
 #include "commands/service_fields.h"
+#include "database/frozen_database.h"
 #include "database/session.h"
 #include "failure.h"
 #include "services/database_content.h"
@@ -125,6 +126,7 @@ int run(std::string const& database, Options const& options) {
     if (words.empty() && !options.filter.isSet())
         throw Failure("find needs a word, or a filter", kUsage);
     Session const session(database);
+    FrozenDatabase const frozen;
     DatabaseContent const content = readAllLists();
     std::vector<ServicePlaces> const found =
         filtered(servicesWith(words, content.lists), options.filter);

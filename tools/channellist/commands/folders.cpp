@@ -6,6 +6,7 @@
 #include <map>
 
 #include "commands/commands.h"
+#include "database/frozen_database.h"
 #include "database/list_naming.h"
 #include "database/query.h"
 #include "database/session.h"
@@ -124,6 +125,7 @@ int run(std::string const& database, Options const& options) {
     if (format.raw && !options.columns.empty())
         throw Failure("--raw prints the rows as the library gives them", kUsage);
     Session const session(database);
+    FrozenDatabase const frozen;
     Rows folders = format.raw ? readRawFolders() : readFolders();
     if (!format.raw)
         addAllServicesList(folders.rows);

@@ -3,6 +3,7 @@
 
 #include "commands/commands.h"
 #include "commands/filter_options.h"
+#include "database/frozen_database.h"
 #include "database/list_naming.h"
 #include "database/session.h"
 #include "failure.h"
@@ -20,6 +21,7 @@ struct Options {
 
 int run(std::string const& database, Options const& options) {
     Session const session(database);
+    FrozenDatabase const frozen;
     List const list = findList(options.list);
     Rows const content = readServices(list.uuid);
     std::vector<Entry> entries;

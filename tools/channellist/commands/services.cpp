@@ -2,6 +2,7 @@
 #include "commands/commands.h"
 #include "commands/filter_options.h"
 #include "commands/service_fields.h"
+#include "database/frozen_database.h"
 #include "database/list_naming.h"
 #include "database/session.h"
 #include "failure.h"
@@ -27,6 +28,7 @@ int run(std::string const& database, Options const& options) {
         throw Failure("--raw prints the rows as the library gives them: all, and in its order",
                       kUsage);
     Session const session(database);
+    FrozenDatabase const frozen;
     List const list = findList(options.list);
     Rows services = options.format.raw ? readRawServices(list.uuid) : readServices(list.uuid);
     if (!options.format.raw)
