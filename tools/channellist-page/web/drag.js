@@ -1,10 +1,11 @@
 // Dragging rows with the mouse, and by their handles with a finger or pen.
+import {$} from "./element.js";
 
 const SLACK = 5;   // pixels that are no drag yet
 const EDGE = 48;   // pixels at the edges of a list that scroll it
 const SPEED = 18;  // pixels a frame
 
-const ghost = document.getElementById("ghost");
+const ghost = $("ghost");
 
 // From the press on a row; only once it has a label it is seen.
 class Drag {
