@@ -35,16 +35,13 @@ class KeptServices {
     KeptServices(std::vector<Entry> const& stored, std::vector<Entry> const& all)
         : services_(stored, all) {}
 
-    std::optional<Entry> find(Entry const& kept, std::string& error) const {
+    std::optional<Entry> find(Entry const& kept, std::string& error) {
         Entry entry = kept;
-        if (!kept.uuid.empty()) {
-            Query same(db, "SELECT Pid FROM Service WHERE Uuid = ?");
-            same.bind(kept.uuid);
-            if (same.next()) {
-                entry.serviceId = static_cast<unsigned int>(same.number(0));
-                if (!same.next())  // else only what else is known tells them apart
-                    return entry;
-            }
+        same_.reset();
+        if (!kept.uuid.empty() && same_.bind(kept.uuid).next()) {
+            entry.serviceId = static_cast<unsigned int>(same_.number(0));
+            if (!same_.next())  // else only what else is known tells them apart
+                return entry;
         }
         TextLine line;
         line.name = kept.name;
@@ -60,21 +57,23 @@ class KeptServices {
     }
 
   private:
+    Query same_{db, "SELECT Pid FROM Service WHERE Uuid = ?"};
     TextServices services_;
 };
 
 // Nothing joins or leaves a list that is none of FAV1 to FAV4.
-std::vector<Entry> inPlacesOf(std::vector<Entry> entries, std::vector<Entry> const& places) {
+std::vector<Entry> inPlacesOf(std::vector<Entry> const& entries, std::vector<Entry> const& places) {
+    std::multimap<unsigned int, Entry const*> left;  // those of one service in their order
+    for (Entry const& entry : entries)
+        left.emplace(entry.serviceId, &entry);
     std::vector<Entry> result = places;
     for (Entry& place : result) {
-        auto const entry = std::find_if(entries.begin(), entries.end(), [&](Entry const& each) {
-            return each.serviceId == place.serviceId;
-        });
-        if (entry == entries.end())
+        auto const entry = left.lower_bound(place.serviceId);
+        if (entry == left.end() || entry->first != place.serviceId)
             continue;
-        place.number = entry->number;
-        place.deleted = entry->deleted;
-        entries.erase(entry);
+        place.number = entry->second->number;
+        place.deleted = entry->second->deleted;
+        left.erase(entry);
     }
     return result;
 }
@@ -92,13 +91,12 @@ bool takesReserved(std::vector<Entry> const& entries, SeenList const& seen) {
 // Stored items without those that are delivered.
 std::vector<StoredItem> undelivered(std::vector<StoredItem> items,
                                     std::vector<Entry> const& delivered) {
-    for (Entry const& entry : delivered) {
-        auto const item = std::find_if(items.begin(), items.end(), [&](StoredItem const& each) {
-            return each.service == std::int64_t{entry.serviceId};
-        });
-        if (item != items.end())
-            items.erase(item);
-    }
+    std::map<std::int64_t, int> counts;
+    for (Entry const& entry : delivered)
+        ++counts[entry.serviceId];
+    items.erase(std::remove_if(items.begin(), items.end(),
+                               [&](StoredItem const& item) { return counts[item.service]-- > 0; }),
+                items.end());
     return items;
 }
 
@@ -162,25 +160,20 @@ class Planner {
     // What the command left as it was is nothing to bring back.
     std::vector<Entry> findAll(SeenList const& seen, std::vector<Entry> const& kept,
                                ListEntries const* after) {
-        KeptServices const services(seen.entries, all_);
+        KeptServices services(seen.entries, all_);
+        std::set<unsigned int> held;
+        for (Entry const& entry : seen.entries)
+            held.insert(entry.serviceId);
         std::vector<Entry> found;
         for (Entry const& entry : kept) {
             std::string error;
             std::optional<Entry> service = services.find(entry, error);
             if (service)
                 plan_.newKeys[entry.serviceId] = service->serviceId;
-            bool const isThere =
-                service &&
-                (seen.list.favIndex != 0 ||
-                 std::any_of(seen.entries.begin(), seen.entries.end(), [&](Entry const& each) {
-                     return each.serviceId == service->serviceId;
-                 }));
-            bool const isChanged = after == nullptr ||
-                                   std::find(after->entries.begin(), after->entries.end(), entry) ==
-                                       after->entries.end();
-            if (isThere)
+            if (service && (seen.list.favIndex != 0 || held.count(service->serviceId) != 0))
                 found.push_back(*service);
-            else if (isChanged)
+            else if (after == nullptr || std::find(after->entries.begin(), after->entries.end(),
+                                                   entry) == after->entries.end())
                 result_.lost.push_back(displayName(seen.list) + ": " + entry.name +
                                        (service ? " is in it no more" : ": " + error));
         }
