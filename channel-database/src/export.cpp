@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "enigma2_ids.h"
 #include "set_numbers.h"
 
 namespace channel_database {
@@ -29,13 +30,6 @@ std::map<std::string, int> numbersOf(std::string_view uri) {
     return numbers;
 }
 
-std::string satelliteSource(int number) {
-    int const position = satellitePosition(number);
-    int const tenths = std::abs(position);
-    std::string const fraction = tenths % 10 == 0 ? "" : "." + std::to_string(tenths % 10);
-    return "S" + std::to_string(tenths / 10) + fraction + (position < 0 ? "W" : "E");
-}
-
 int toMHz(int kHz) { return std::max(1, static_cast<int>((std::int64_t{kHz} + 500) / 1000)); }
 
 std::string oneLine(std::string text) {
@@ -56,7 +50,7 @@ void setSource(std::map<std::string, int>& numbers, Delivery delivery, Channel& 
             channel.source = "C";
             break;
         default:
-            channel.source = satelliteSource(numbers["satid"]);
+            channel.source = orbitalSource(satellitePosition(numbers["satid"]));
             channel.polarization = polarizationLetter(numbers["polarization"]);
             break;
     }
@@ -125,6 +119,12 @@ std::optional<Channel> streamOf(StoredService const& service) {
     channel.name = oneLine(service.name);
     channel.videoPid = service.radio ? "0" : "8191";
     return channel;
+}
+
+std::string satelliteName(int number) {
+    int const position = satellitePosition(number);
+    std::string const source = orbitalSource(position);  // "S19.2E"
+    return position == 0 ? "" : source.substr(1, source.size() - 2) + "°" + source.back();
 }
 
 std::vector<std::string> lossesOf(StoredService const& service) {

@@ -26,6 +26,20 @@ void leaveOutGone(std::vector<Entry> const& now, std::vector<Entry>& before,
             entries->end());
 }
 
+// And of its items those of entries that are gone from it.
+void leaveOutGone(std::vector<Entry> const& old, std::vector<Entry> const& now,
+                  std::vector<StoredItem>& items) {
+    std::set<std::int64_t> gone;
+    for (Entry const& entry : old)
+        gone.insert(entry.serviceId);
+    for (Entry const& entry : now)
+        gone.erase(entry.serviceId);
+    items.erase(
+        std::remove_if(items.begin(), items.end(),
+                       [&](StoredItem const& item) { return gone.count(item.service) != 0; }),
+        items.end());
+}
+
 void add(Written const& written, Written& total) {
     if (written.ending != Ending::Written)
         return;
@@ -43,7 +57,7 @@ bool writeRound(std::vector<ListEdit> edits, Written& total) {
     try {
         Written const written = writeLists(std::move(edits), {off, ""});
         add(written, total);
-        return written.overtaken.empty();
+        return !written.overtaken;
     } catch (PartlyWritten const& partly) {
         add(partly.written, total);
         throw;
@@ -62,8 +76,11 @@ void follow(Snapshot const& now, Written& total) {
                 keys.emplace();
             keys->giveTo(before);
             keys->giveTo(after);
+            keys->giveTo(total.before[i].items);
+            std::vector<Entry> const old = before;
             leaveOutGone(list.entries, before, after);
             before = merge(after, list.entries, before, {}).entries;
+            leaveOutGone(old, before, total.before[i].items);
             after = list.entries;
         }
     addMissing(now, total.before);

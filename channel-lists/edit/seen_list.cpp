@@ -7,15 +7,6 @@
 #include "lists/reserved_numbers.h"
 
 namespace channel_lists {
-namespace {
-
-std::size_t storedItems(List const& list) {
-    Query count(db, "SELECT count(*) FROM FavoriteItem WHERE FavoriteId = ?");
-    count.bind(std::int64_t{list.pid}).next();
-    return static_cast<std::size_t>(count.number(0));
-}
-
-}  // namespace
 
 SeenList seeList(List const& list) {
     Query same(db, "SELECT count(*) > 1 FROM FavoriteList WHERE Uuid = ?");
@@ -36,11 +27,13 @@ SeenList seeList(List const& list) {
     for (List const& fav : allLists())
         if (list.favIndex == 0 && fav.favIndex != 0)
             seen.favReserved.emplace(fav.uuid, reservedNumbers(fav, Tell::Nothing));
-    std::size_t const items = storedItems(list);
-    seen.undelivered = items > seen.entries.size() ? items - seen.entries.size() : 0;
     seen.reached = takeSnapshot(list);
-    for (ListEntries const& each : seen.reached)
+    for (ListEntries& each : seen.reached) {
+        each.items = storedItems(each.uuid);
+        if (each.uuid == list.uuid && each.items.size() > seen.entries.size())
+            seen.undelivered = each.items.size() - seen.entries.size();
         seen.reachedStates.emplace(each.uuid, storedState(each.uuid));
+    }
     seen.stored = seen.reachedStates[list.uuid];
     return seen;
 }

@@ -223,7 +223,7 @@ class Write {
     }
 
     Written run() {
-        for (std::size_t i = 0; i < edits_.size() && result_.overtaken.empty(); ++i) {
+        for (std::size_t i = 0; i < edits_.size() && !result_.overtaken; ++i) {
             try {
                 writeNext(i);
             } catch (std::exception const& error) {
@@ -257,7 +257,7 @@ class Write {
                 std::find_if(expected_.begin(), expected_.end(),
                              [&](ListEntries const& each) { return each.uuid == now.list.uuid; });
             if (!areOfSameServices(list->entries, now.entries)) {
-                result_.overtaken = displayName(now.list);
+                result_.overtaken = now.list;
                 return false;
             }
             now.undelivered = seen.undelivered;
@@ -277,7 +277,7 @@ class Write {
         isKept_ = true;
         Ending const ending = writeOne(edit, writer_);
         if (ending == Ending::Overtaken)
-            result_.overtaken = displayName(edit.seen.list);
+            result_.overtaken = edit.seen.list;
         if (ending != Ending::Written)
             return;
         result_.ending = Ending::Written;
@@ -290,7 +290,7 @@ class Write {
             result_.after = writtenLists(expected_, writer_);
         if (areSame(result_.before, result_.after)) {  // there were no gaps
             keeping_.store.discard();
-            result_.ending = result_.overtaken.empty() ? Ending::NothingToDo : Ending::Overtaken;
+            result_.ending = !result_.overtaken ? Ending::NothingToDo : Ending::Overtaken;
         } else {
             keeping_.store.keepOnlyChanged(result_.after);
         }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,7 @@ struct Written {
     // Of the lists that the write reaches. `after` is by this write alone: where others wrote to
     // the lists, too, it is what the request alone makes of them.
     Snapshot before, after;
-    std::string overtaken;  // the list that somebody changed, of several the first; "" for none
+    std::optional<List> overtaken;  // the list that somebody changed, of several the first
 };
 
 // A list could not be written, after others were.

@@ -104,7 +104,7 @@ constexpr std::pair<char const*, std::optional<std::int64_t> StoredItem::*> kMem
 Json toJson(std::vector<StoredItem> const& items) {
     Json all = Json::array();
     for (StoredItem const& item : items) {
-        Json each = {{"key", item.service}, {"uuid", item.uuid}};
+        Json each = {{"key", item.service}, {"uuid", item.uuid}, {"list", item.originalList}};
         for (auto const& [name, member] : kMembers)
             each[name] = item.*member ? Json(*(item.*member)) : Json();
         all.push_back(std::move(each));
@@ -118,6 +118,7 @@ std::vector<StoredItem> itemsFrom(Json const& json) {
         StoredItem& item = items.emplace_back();
         item.service = each.at("key");
         item.uuid = each.value("uuid", "");
+        item.originalList = each.value("list", "");
         for (auto const& [name, member] : kMembers)
             if (!each.at(name).is_null())
                 item.*member = each.at(name).get<std::int64_t>();
@@ -136,7 +137,7 @@ KeptCopy copyFrom(int number, Json const& json) {
     for (Json const& list : json.at("lists")) {
         copy.lists.push_back(listFrom(list));
         if (list.contains("items"))
-            copy.items[copy.lists.back().uuid] = itemsFrom(list.at("items"));
+            copy.lists.back().items = itemsFrom(list.at("items"));
     }
     for (Json const& list : json.value("after", Json::array()))
         copy.after.push_back(listFrom(list));
@@ -144,26 +145,6 @@ KeptCopy copyFrom(int number, Json const& json) {
 }
 
 }  // namespace
-
-std::vector<StoredItem> storedItems(std::string const& listUuid) {
-    Query rows(db,
-               "SELECT ServiceId, ChannelNum, isDeleted, Visible, Selectable, OriginalFavoriteId,"
-               " (SELECT Uuid FROM Service WHERE Pid = ServiceId)"
-               " FROM FavoriteItem WHERE FavoriteId = (SELECT Pid FROM FavoriteList WHERE Uuid = ?)"
-               " ORDER BY Id");
-    rows.bind(listUuid);
-    std::vector<StoredItem> items;
-    while (rows.next()) {
-        StoredItem& item = items.emplace_back();
-        item.service = rows.number(0);
-        int column = 0;
-        for (auto const& [name, member] : kMembers)
-            if (rows.isInteger(++column))
-                item.*member = rows.number(column);
-        item.uuid = rows.text(++column);
-    }
-    return items;
-}
 
 bool isTakenBack(KeptCopy const& copy, std::vector<KeptCopy> const& copies) {
     return std::any_of(
@@ -290,8 +271,7 @@ void UndoStore::write(KeptCopy const& copy) const {
     Json lists = Json::array();
     for (ListEntries const& list : copy.lists) {
         lists.push_back(toJson(list));
-        if (auto const items = copy.items.find(list.uuid); items != copy.items.end())
-            lists.back()["items"] = toJson(items->second);
+        lists.back()["items"] = toJson(list.items);
     }
     Json json = {{"time", copy.time}, {"command", copy.command}, {"lists", lists}};
     if (copy.undoes != 0)
@@ -353,8 +333,6 @@ void UndoStore::keep(KeptCopy& copy) {
     while (!claim(copy.number))
         ++copy.number;
     try {
-        for (ListEntries const& list : copy.lists)
-            copy.items[list.uuid] = storedItems(list.uuid);
         if (copy.lists.empty())
             channel_database::copyToNewFile(database_, fileOf(copy.number, ".db"));
         write(copy);
@@ -407,26 +385,7 @@ void UndoStore::keepDatabase(std::string const& command, std::string const& cont
     }
 }
 
-void UndoStore::correct(Snapshot const& lists) {
-    auto const holds = [](std::vector<Entry> const& entries, StoredItem const& item) {
-        return std::any_of(entries.begin(), entries.end(), [&](Entry const& entry) {
-            return std::int64_t{entry.serviceId} == item.service;
-        });
-    };
-    for (ListEntries const& list : lists)
-        for (ListEntries const& old : last_.lists) {
-            if (old.uuid != list.uuid)
-                continue;
-            std::vector<StoredItem>& items = last_.items[list.uuid];
-            items.erase(std::remove_if(items.begin(), items.end(),
-                                       [&](StoredItem const& item) {  // that others removed
-                                           return holds(old.entries, item) &&
-                                                  !holds(list.entries, item);
-                                       }),
-                        items.end());
-        }
-    last_.lists = lists;
-}
+void UndoStore::correct(Snapshot const& lists) { last_.lists = lists; }
 
 void UndoStore::keepOnlyChanged(Snapshot const& now) {
     if (last_.number == 0)

@@ -6,10 +6,7 @@
 // database. Until the write is done N.json is called N.part, and its process holds a lock on it.
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,25 +14,15 @@
 
 namespace channel_lists {
 
-// A row of a list as it was stored, one that the library does not deliver, too.
-struct StoredItem {
-    std::int64_t service = 0;
-    std::string uuid;  // of the service; "" without one
-    std::optional<std::int64_t> number, hidden, visible, selectable, original;
-};
-
-std::vector<StoredItem> storedItems(std::string const& listUuid);
-
 struct KeptCopy {
     int number = 0;  // newer ones have higher ones
     std::string time;
     std::string command;  // that kept it: "edit FAV1"
-    Snapshot lists;       // before the command
+    Snapshot lists;       // before the command, with their items
     Snapshot after;       // the same lists as it left them, until then as it was to leave them
-    std::map<std::string, std::vector<StoredItem>> items;  // by the uuid of a list, before
-    std::string file;            // the whole database; "" where there are lists
-    std::string content;         // digest of the whole database as the command left it; "" unknown
-    int undoes = 0;              // the copy that was taken back by this write
+    std::string file;     // the whole database; "" where there are lists
+    std::string content;  // digest of the whole database as the command left it; "" unknown
+    int undoes = 0;       // the copy that was taken back by this write
     std::vector<int> alongside;  // later ones that went with it
     bool isReadable = true;      // else nothing but the number is known
 };

@@ -20,13 +20,21 @@ CurrentKeys::CurrentKeys() {
 }
 
 void CurrentKeys::giveTo(std::vector<Entry>& entries) {
-    for (Entry& entry : entries) {
-        if (entry.uuid.empty() || current_.count({entry.serviceId, entry.uuid}) != 0)
-            continue;
-        auto const [key, isNew] = keys_.emplace(entry.uuid, unused_);
-        unused_ -= isNew ? 1 : 0;
-        entry.serviceId = key->second;
-    }
+    for (Entry& entry : entries)
+        entry.serviceId = keyOf(entry.serviceId, entry.uuid);
+}
+
+void CurrentKeys::giveTo(std::vector<StoredItem>& items) {
+    for (StoredItem& item : items)
+        item.service = keyOf(static_cast<unsigned int>(item.service), item.uuid);
+}
+
+unsigned int CurrentKeys::keyOf(unsigned int key, std::string const& uuid) {
+    if (uuid.empty() || current_.count({key, uuid}) != 0)
+        return key;
+    auto const [current, isNew] = keys_.emplace(uuid, unused_);
+    unused_ -= isNew ? 1 : 0;
+    return current->second;
 }
 
 }  // namespace channel_lists

@@ -8,6 +8,7 @@
 
 #include "database/list_naming.h"
 #include "lists/list_content.h"
+#include "lists/stored_items.h"
 #include "text/json_text.h"
 
 namespace channel_lists {
@@ -17,6 +18,7 @@ struct ListEntries {
     std::string listName;
     std::vector<Entry> entries;
     bool isFav = true;
+    std::vector<StoredItem> items = {};  // of the same moment, where somebody asked for them
 };
 
 // The edited list, if one has its key, and the FAV lists.

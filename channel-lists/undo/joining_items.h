@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kept/undo_store.h"
+#include "lists/stored_items.h"
 
 namespace channel_lists {
 
@@ -17,7 +17,7 @@ class JoiningItems {
     JoiningItems(JoiningItems const&) = delete;
     JoiningItems& operator=(JoiningItems const&) = delete;
 
-    void add(unsigned int listPid, StoredItem const& item);
+    void add(std::string const& listUuid, StoredItem const& item);
 };
 
 }  // namespace channel_lists

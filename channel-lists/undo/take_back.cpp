@@ -35,16 +35,13 @@ class KeptServices {
     KeptServices(std::vector<Entry> const& stored, std::vector<Entry> const& all)
         : services_(stored, all) {}
 
-    std::optional<Entry> find(Entry const& kept, std::string& error) const {
+    std::optional<Entry> find(Entry const& kept, std::string& error) {
         Entry entry = kept;
-        if (!kept.uuid.empty()) {
-            Query same(db, "SELECT Pid FROM Service WHERE Uuid = ?");
-            same.bind(kept.uuid);
-            if (same.next()) {
-                entry.serviceId = static_cast<unsigned int>(same.number(0));
-                if (!same.next())  // else only what else is known tells them apart
-                    return entry;
-            }
+        same_.reset();
+        if (!kept.uuid.empty() && same_.bind(kept.uuid).next()) {
+            entry.serviceId = static_cast<unsigned int>(same_.number(0));
+            if (!same_.next())  // else only what else is known tells them apart
+                return entry;
         }
         TextLine line;
         line.name = kept.name;
@@ -60,21 +57,23 @@ class KeptServices {
     }
 
   private:
+    Query same_{db, "SELECT Pid FROM Service WHERE Uuid = ?"};
     TextServices services_;
 };
 
 // Nothing joins or leaves a list that is none of FAV1 to FAV4.
-std::vector<Entry> inPlacesOf(std::vector<Entry> entries, std::vector<Entry> const& places) {
+std::vector<Entry> inPlacesOf(std::vector<Entry> const& entries, std::vector<Entry> const& places) {
+    std::multimap<unsigned int, Entry const*> left;  // those of one service in their order
+    for (Entry const& entry : entries)
+        left.emplace(entry.serviceId, &entry);
     std::vector<Entry> result = places;
     for (Entry& place : result) {
-        auto const entry = std::find_if(entries.begin(), entries.end(), [&](Entry const& each) {
-            return each.serviceId == place.serviceId;
-        });
-        if (entry == entries.end())
+        auto const entry = left.lower_bound(place.serviceId);
+        if (entry == left.end() || entry->first != place.serviceId)
             continue;
-        place.number = entry->number;
-        place.deleted = entry->deleted;
-        entries.erase(entry);
+        place.number = entry->second->number;
+        place.deleted = entry->second->deleted;
+        left.erase(entry);
     }
     return result;
 }
@@ -92,13 +91,12 @@ bool takesReserved(std::vector<Entry> const& entries, SeenList const& seen) {
 // Stored items without those that are delivered.
 std::vector<StoredItem> undelivered(std::vector<StoredItem> items,
                                     std::vector<Entry> const& delivered) {
-    for (Entry const& entry : delivered) {
-        auto const item = std::find_if(items.begin(), items.end(), [&](StoredItem const& each) {
-            return each.service == std::int64_t{entry.serviceId};
-        });
-        if (item != items.end())
-            items.erase(item);
-    }
+    std::map<std::int64_t, int> counts;
+    for (Entry const& entry : delivered)
+        ++counts[entry.serviceId];
+    items.erase(std::remove_if(items.begin(), items.end(),
+                               [&](StoredItem const& item) { return counts[item.service]-- > 0; }),
+                items.end());
     return items;
 }
 
@@ -162,25 +160,20 @@ class Planner {
     // What the command left as it was is nothing to bring back.
     std::vector<Entry> findAll(SeenList const& seen, std::vector<Entry> const& kept,
                                ListEntries const* after) {
-        KeptServices const services(seen.entries, all_);
+        KeptServices services(seen.entries, all_);
+        std::set<unsigned int> held;
+        for (Entry const& entry : seen.entries)
+            held.insert(entry.serviceId);
         std::vector<Entry> found;
         for (Entry const& entry : kept) {
             std::string error;
             std::optional<Entry> service = services.find(entry, error);
             if (service)
                 plan_.newKeys[entry.serviceId] = service->serviceId;
-            bool const isThere =
-                service &&
-                (seen.list.favIndex != 0 ||
-                 std::any_of(seen.entries.begin(), seen.entries.end(), [&](Entry const& each) {
-                     return each.serviceId == service->serviceId;
-                 }));
-            bool const isChanged = after == nullptr ||
-                                   std::find(after->entries.begin(), after->entries.end(), entry) ==
-                                       after->entries.end();
-            if (isThere)
+            if (service && (seen.list.favIndex != 0 || held.count(service->serviceId) != 0))
                 found.push_back(*service);
-            else if (isChanged)
+            else if (after == nullptr || std::find(after->entries.begin(), after->entries.end(),
+                                                   entry) == after->entries.end())
                 result_.lost.push_back(displayName(seen.list) + ": " + entry.name +
                                        (service ? " is in it no more" : ": " + error));
         }
@@ -189,7 +182,7 @@ class Planner {
 
     // An item that was not shown is of the service that it was of, or of none.
     static bool isOfAnother(StoredItem const& item) {
-        Query service(db, "SELECT Uuid FROM Service WHERE Pid = ?");
+        Query service(db, "SELECT printf('%s', Uuid) FROM Service WHERE Pid = ?");
         return service.bind(item.service).next() && service.text(0) != item.uuid;
     }
 
@@ -197,12 +190,10 @@ class Planner {
     void addUndelivered(ListEntries const& kept, ListEdit& edit) {
         std::vector<StoredItem> items = undelivered(storedItems(kept.uuid), edit.seen.entries);
         std::size_t const now = items.size();
-        if (auto const before = copy_.items.find(kept.uuid); before != copy_.items.end())
-            for (StoredItem const& item : undelivered(before->second, kept.entries))
-                if (std::none_of(items.begin(), items.end(), [&](StoredItem const& each) {
-                        return each.service == item.service;
-                    }))
-                    items.push_back(item);
+        for (StoredItem const& item : undelivered(kept.items, kept.entries))
+            if (std::none_of(items.begin(), items.end(),
+                             [&](StoredItem const& each) { return each.service == item.service; }))
+                items.push_back(item);
         if (items.size() == now && edit.wanted.entries == edit.seen.entries)
             return;
         for (std::size_t i = 0; i < items.size(); ++i) {
@@ -229,14 +220,16 @@ class Planner {
 // False when somebody wrote in between.
 bool write(Plan const& plan, KeptCopy const& copy, TakenBack& result) {
     JoiningItems joining;
-    for (ListEdit const& edit : plan.edits)
-        if (auto const items = copy.items.find(edit.seen.list.uuid);
-            items != copy.items.end() && edit.seen.list.favIndex != 0)
-            for (StoredItem item : items->second) {
-                if (auto const key = plan.newKeys.find(item.service); key != plan.newKeys.end())
-                    item.service = key->second;
-                joining.add(edit.seen.list.pid, item);
-            }
+    for (ListEdit const& edit : plan.edits) {
+        ListEntries const* const kept = withUuid(copy.lists, edit.seen.list.uuid);
+        if (kept == nullptr || edit.seen.list.favIndex == 0)
+            continue;
+        for (StoredItem item : kept->items) {
+            if (auto const key = plan.newKeys.find(item.service); key != plan.newKeys.end())
+                item.service = key->second;
+            joining.add(kept->uuid, item);
+        }
+    }
     return writeRound(plan.edits, result);
 }
 

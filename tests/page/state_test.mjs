@@ -6,12 +6,14 @@ import * as st from "../../tools/channellist-page/web/state.js";
 const lists = {
     fav: {fav: 1, reserved: new Set([3])},
     gaps: {fav: 2, reserved: new Set()},
+    odd: {fav: 3, reserved: new Set()},
     all: {fav: 0, reserved: new Set()},
 };
 const row = (id, number, hidden = 0) => [id, number, hidden, `${id}`, "TV", "", 0, 0];
 const base = () => ({
     fav: {version: "1", entries: st.entriesOf([row(10, 1), row(11, 2), row(12, 4), row(13, 5)])},
     gaps: {version: "1", entries: st.entriesOf([row(10, 1), row(11, 2, 1), row(12, 7), row(13, 8)])},
+    odd: {version: "1", entries: st.entriesOf([row(10, 2), row(11, 3), row(12, 6), row(13, null), row(14, null)])},
     all: {version: "1", entries: st.entriesOf([10, 11, 12, 13, 14, 15].map((id, i) => row(id, i + 1)))},
 });
 const told = (entries) => entries.map((e) => `${e.number}:${e.hidden ? "-" : ""}${e.id}`).join(" ");
@@ -30,6 +32,10 @@ test("what an operation makes of a list", () => {
         [{what: "remove", list: "gaps", keys: ["12"]}, "1:10 2:-11 8:13"],
         [{what: "move", list: "gaps", keys: ["13"], number: 3}, "1:10 2:-11 3:13 7:12"],
         [{what: "move", list: "gaps", keys: ["13"], number: 7}, "1:10 2:-11 7:13 8:12"],
+        [{what: "move", list: "gaps", keys: ["10", "12"], number: 7}, "1:13 2:-11 7:10 8:12"],
+        [{what: "move", list: "odd", keys: ["11", "13", "14"], number: 2}, "2:13 3:14 4:11 5:10 6:12"],
+        [{what: "move", list: "odd", keys: ["13"], before: "11"}, "null:14 2:10 3:13 4:11 6:12"],
+        [{what: "move", list: "odd", keys: ["12"], before: "10"}, "null:13 null:14 2:12 3:10 6:11"],
         [{what: "add", list: "gaps", ids: [14, 15], before: "12"}, "1:10 2:-11 7:14 8:15 9:12 10:13"],
         [{what: "show", list: "gaps", keys: ["11"]}, "1:10 2:11 7:12 8:13"],
         [{what: "close", list: "gaps"}, "1:10 2:-11 2:12 3:13"],

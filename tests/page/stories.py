@@ -139,7 +139,7 @@ class Finding(Story):
             ("hd BBC", {}, lambda each: "HD" in each["name"] and "BBC" in each["name"]),
             ("19", {}, lambda each: "19" in each["name"] or str(each["number"]).startswith("19")),
             ("", {"kind": "radio"}, lambda each: each["kind"] == "radio"),
-            ("", {"place": "satellite 1282"}, lambda each: each["satellite"] == 1282),
+            ("", {"place": "satellite 28.2°E"}, lambda each: each["satellite"] == 1282),
             ("", {"hidden": "yes"}, lambda each: "hidden" in each["state"]),
             ("", {"scrambled": "yes", "hd": "no"},
              lambda each: "scrambled" in each["state"] and not each["hd"]),
@@ -192,15 +192,25 @@ class Numbers(Story):
         self.addCleanup(other.close)
         other.tool("import", "--favourites", FAVOURITES)
         other.tool("edit", "FAV2", "move", "4", "to", "30", "move", "6", "to", "40", "hide", "2")
+        for each in (world, other):
+            each.execute("UPDATE FavoriteItem SET ChannelNum = 'none' WHERE FavoriteId IN (SELECT Pid FROM"
+                         " FavoriteList WHERE Name = 'FAV2') AND ServiceId IN (SELECT Pid FROM Service"
+                         " WHERE Name LIKE 'Sky Sports F1%')")
         _, page, _ = self.begin()
         page.choose(0, "FAV2")
-        page.wait(lambda: page.rows(0)[-1][0] == "40")
 
         def number(name, digits):
             page.do(0, "number", name)
             page.find("#number").send_keys(digits, Keys.ENTER)
             ActionChains(page.driver).pause(0.1).perform()
 
+        page.search(0, "sky")
+        page.begins(0, "Sky Sport News HD", "Sky Sports F1")
+        page.press("all", 0)
+        page.press("number", 0)
+        page.find("#number").send_keys("5", Keys.ENTER)
+        page.search(0, "")
+        other.tool("edit", "FAV2", "move", "Sky*", "to", "5")
         for name, to in ((names[0], "5"), (names[-1], "7"), (names[4], "1"), (names[2], "99")):
             number(name, to)
             other.tool("edit", "FAV2", "move", name, "to", to)

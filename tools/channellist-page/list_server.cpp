@@ -1,5 +1,6 @@
 #include "list_server.h"
 
+#include <channel-database/export.h>
 #include <channellist-access/db_access.h>
 #include <channellist-access/field_ids.h>
 #include <sys/stat.h>
@@ -49,9 +50,14 @@ List listOf(std::string const& uuid) {
 }
 
 std::string placeOf(ResultRow const& service) {
-    std::string const& satellite = service[SERVICE_FIELD_SATELLITE];
     std::string const delivery = deliveryOf(service);
-    return delivery == "satellite" && !satellite.empty() ? delivery + " " + satellite : delivery;
+    std::string const& satellite = service[SERVICE_FIELD_SATELLITE];
+    if (delivery != "satellite" || satellite.empty())
+        return delivery;
+    std::int64_t const number =
+        std::clamp<std::int64_t>(wholeNumber(satellite).value_or(0), 0, INT32_MAX);
+    std::string const name = channel_database::satelliteName(static_cast<int>(number));
+    return delivery + " " + (name.empty() ? satellite : name);
 }
 
 std::string quoted(std::string const& text) { return dumpJson(text, -1); }
@@ -290,9 +296,8 @@ Json ListServer::save(Json const& request) {
         UndoStore undo(database_);
         Written const written = writeLists(task.edits, {undo, "page: " + names});
         isWritten = written.ending == Ending::Written;
-        for (ListEdit const& edit : task.edits)
-            if (displayName(edit.seen.list) == written.overtaken)
-                task.overtaken.push_back(edit.seen.list.uuid);
+        if (written.overtaken)
+            task.overtaken.push_back(written.overtaken->uuid);
     }
     return {{"written", isWritten}, {"overtaken", task.overtaken}, {"notes", notes_}};
 }

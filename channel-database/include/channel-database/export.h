@@ -29,6 +29,9 @@ std::optional<Channel> channelOf(StoredService const& service);
 /// The channel of an IP service, which has a name, a kind and an address; nothing for others.
 std::optional<Channel> streamOf(StoredService const& service);
 
+/// "19.2°E" of the number that a database has for a satellite; "" of one that tells no position.
+std::string satelliteName(int number);
+
 /// What the channel does not carry of the service, each in a few words.
 std::vector<std::string> lossesOf(StoredService const& service);
 

@@ -1,7 +1,6 @@
 // The state: what the lists held when they were read (the base), what was done to them since, and
 // what was taken back. All of it are values; every function gives a new one.
-import {append, closeGaps, hasNoGaps, insert, moveBefore, moveToNumber, numbersOf, renumbered,
-        restore, sorted} from "./numbers.js";
+import {closeGaps, dealt, hasNoGaps, moveBefore, moveToNumber, restore, sorted} from "./numbers.js";
 
 // `rows` as the server sends them, with the number that was read and the entry's key: its service
 // and, where a list names one again, which of them it is. A list that is not in the order of its
@@ -29,12 +28,12 @@ const pick = (entries, keys) => {
 };
 
 // Steps up or down among the shown entries, the block as a whole.
-function step(entries, block, by) {
+function step(entries, block, by, reserved) {
     const moving = new Set(block.map((entry) => entry.key));
     const shown = entries.filter((entry) => !entry.hidden);
     const first = shown.findIndex((entry) => moving.has(entry.key));
     const others = shown.filter((entry) => !moving.has(entry.key));
-    return first < 0 ? entries : moveBefore(entries, block, others[Math.max(0, first + by)]?.key ?? null);
+    return first < 0 ? entries : moveBefore(entries, block, others[Math.max(0, first + by)]?.key ?? null, reserved);
 }
 
 const operations = {
@@ -42,16 +41,13 @@ const operations = {
         const block = pick(entries, op.keys);
         if (op.number !== undefined)
             return moveToNumber(entries, block, op.number, list.reserved);
-        return op.by ? step(entries, block, op.by) : moveBefore(entries, block, op.before);
+        return op.by ? step(entries, block, op.by, list.reserved)
+            : moveBefore(entries, block, op.before, list.reserved);
     },
     add(entries, op, list) {
         const held = new Set(entries.map((entry) => entry.id));
         const block = [...new Set(op.ids)].filter((id) => !held.has(id)).map(newEntry);
-        const shown = entries.slice(Math.max(0, entries.findIndex((e) => e.key === op.before)))
-            .find((entry) => !entry.hidden);
-        if (op.before == null || !shown)
-            return append(entries, block, list.reserved);
-        return insert(entries, block, shown.number ?? 1, list.reserved);
+        return moveBefore(entries, block, op.before, list.reserved);
     },
     remove(entries, op) {
         const keys = new Set(op.keys);
@@ -66,8 +62,7 @@ const operations = {
     },
     // The selected ones, in the order of `keys`, on the places that they hold.
     order(entries, op) {
-        const block = pick(entries, op.keys);
-        return renumbered(entries, block, numbersOf(block));
+        return dealt(entries, pick(entries, op.keys));
     },
     close: (entries, op, list) => closeGaps(entries, list.reserved),
 };

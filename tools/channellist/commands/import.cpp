@@ -136,9 +136,9 @@ void writeFavourites(ChannelsConf const& list, Options const& options) {
     if (!changes.empty())
         printDifferences(changes);
     tell(all);
-    if (!written.overtaken.empty()) {
+    if (written.overtaken) {
         throw Failure(
-            written.overtaken + " has changed meanwhile; " +
+            displayName(*written.overtaken) + " has changed meanwhile; " +
             (changes.empty() ? "nothing is written" : "only what is shown above is written"));
     }
     if (changes.empty() || options.dryRun)
