@@ -71,40 +71,42 @@ export function beginDrag(app, pane, key) {
     return block.length === 1 ? app.services.get(block[0].id).name : many(block.length, "channel");
 }
 
-// `what`: a button's data-do or id, or what keyboard.js names so.
-export function command(app, pane, what, digits = "") {
+const commandsOfPage = (app, pane) => ({
+    undo: () => app.become(undo(app.state), "undone"),
+    redo: () => app.become(redo(app.state, app.lists), "done again"),
+    save: () => sync.save(app),
+    "take-back": () => sync.takeBack(app),
+    discard: () => sync.discard(app),
+    merge: () => sync.merge(app),
+    "show-changes": () => showChanges(app),
+    help: () => $("keys").showModal(),
+    switch: () => app.activate(app.other(pane)),
+    "other-side": () => app.other(pane).scroller.focus(),
+    search: () => pane.part(".search").focus(),
+    list: () => pane.scroller.focus(),
+    all: () => pane.selectAll(),
+    none: () => pane.selectNone(),
+});
+
+function commandsOfList(app, pane, digits) {
     const block = chosen(pane);
-    const other = app.other(pane);
+    const other = app.other(pane).uuid;
     const all = app.uuidOfAll();
-    const told = many(block.length, "channel");
-    const change = (what, list, keys, done) => app.act({what, list, keys}, `${told} ${done}`);
+    const change = (what, list, entries, done) =>
+        app.act({what, list, keys: keysOf(entries)}, `${many(block.length, "channel")} ${done}`);
     const everywhere = () => {
         const ids = new Set(block.map((entry) => entry.id));
-        return keysOf(app.entries(all).filter((entry) => ids.has(entry.id)));
+        return app.entries(all).filter((entry) => ids.has(entry.id));
     };
-    const commands = {
-        undo: () => app.become(undo(app.state), "undone"),
-        redo: () => app.become(redo(app.state, app.lists), "done again"),
-        save: () => sync.save(app),
-        "take-back": () => sync.takeBack(app),
-        discard: () => sync.discard(app),
-        merge: () => sync.merge(app),
-        "show-changes": () => showChanges(app),
-        help: () => $("keys").showModal(),
-        switch: () => app.activate(other),
-        "other-side": () => other.scroller.focus(),
-        search: () => pane.part(".search").focus(),
-        list: () => pane.scroller.focus(),
-        all: () => pane.selectAll(),
-        none: () => pane.selectNone(),
+    return {
         top: () => moveTo(app, pane, {before: pane.entries[0]?.key}),
         up: () => moveTo(app, pane, {by: -1}),
         down: () => moveTo(app, pane, {by: 1}),
         end: () => moveTo(app, pane, {before: null}),
         number: () => block.length > 0 && askNumber(app, pane, digits),
-        remove: () => app.lists[pane.uuid].fav && change("remove", pane.uuid, keysOf(block), "removed"),
-        hide: () => change("hide", pane.uuid, keysOf(block), "hidden"),
-        show: () => change("show", pane.uuid, keysOf(block), "shown"),
+        remove: () => app.lists[pane.uuid].fav && change("remove", pane.uuid, block, "removed"),
+        hide: () => change("hide", pane.uuid, block, "hidden"),
+        show: () => change("show", pane.uuid, block, "shown"),
         "hide-everywhere": () => change("hide", all, everywhere(), "hidden"),
         "show-everywhere": () => change("show", all, everywhere(), "shown"),
         "by-name": () => order(app, pane, block, (entry) => app.services.get(entry.id).folded),
@@ -113,10 +115,17 @@ export function command(app, pane, what, digits = "") {
             order(app, pane, block, (entry) => numbers.get(entry.id) ?? Infinity);
         },
         close: () => app.act({what: "close", list: pane.uuid}, "the gaps are closed"),
-        copy: () => add(app, other.uuid, pane.entries.filter((entry) => !entry.hidden)),
-        "add-other": () => add(app, other.uuid, block),
+        copy: () => add(app, other, pane.entries.filter((entry) => !entry.hidden)),
+        "add-other": () => add(app, other, block),
+        "add-1": () => add(app, app.uuidOfFav(1), block),
+        "add-2": () => add(app, app.uuidOfFav(2), block),
+        "add-3": () => add(app, app.uuidOfFav(3), block),
+        "add-4": () => add(app, app.uuidOfFav(4), block),
     };
-    for (const n of [1, 2, 3, 4])
-        commands[`add-${n}`] = () => add(app, app.uuidOfFav(n), block);
+}
+
+// `what`: a button's data-do or id, or what keyboard.js names so.
+export function command(app, pane, what, digits = "") {
+    const commands = {...commandsOfPage(app, pane), ...commandsOfList(app, pane, digits)};
     commands[what]?.();
 }

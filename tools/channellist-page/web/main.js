@@ -6,7 +6,7 @@ import {beginDrag, command, drop} from "./commands.js";
 import {drawBar, drawConflict} from "./changes.js";
 import {drawFilters, drawLists} from "./choices.js";
 import {$, element} from "./element.js";
-import {enableDragging} from "./drag.js";
+import {Dragging} from "./drag.js";
 import {enableKeys} from "./keyboard.js";
 import {Pane} from "./pane.js";
 
@@ -18,7 +18,6 @@ const app = {
     conflict: null,       // lists as others left them: {uuid: {version, entries}}
     isReadOnly: false,
     isBegun: false,       // until then, the work of before a reload stays kept as it is
-    isDragging: () => false,
     panes: [],
 
     entries: (uuid) => st.current(app.state)[uuid],
@@ -103,10 +102,7 @@ function enablePrinting() {
 app.panes.push(new Pane(app), new Pane(app));
 document.querySelector("main").append(...app.panes.map((pane) => pane.root));
 app.activate(app.panes[0]);
-app.isDragging = enableDragging(app.panes, {
-    begin: (...words) => beginDrag(app, ...words),
-    drop: (...words) => drop(app, ...words),
-});
+app.dragging = new Dragging(app.panes, (...words) => beginDrag(app, ...words), (...words) => drop(app, ...words));
 document.addEventListener("click", ({target}) => {
     const button = target.closest("button");
     app.command(button?.dataset.do ?? button?.id);

@@ -33,7 +33,7 @@ export class Pane {
         this.scroller.addEventListener("pointerdown", (event) => isTouch = event.pointerType !== "mouse");
         this.scroller.addEventListener("click", (event) => {
             const key = event.target.closest(".row")?.dataset.key;
-            if (key && !this.app.isDragging())
+            if (key && !this.app.dragging.label)
                 this.click(key, event.shiftKey, event.ctrlKey || event.metaKey || isTouch);
         });
     }

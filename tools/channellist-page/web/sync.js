@@ -166,7 +166,7 @@ function resume(app, {past, future = [], prints = {}, versions}) {
 
 // For as long as the page is open; work of before a reload waits until the first reading succeeds.
 export async function follow(app) {
-    if (!app.isBusy && !app.isDragging())
+    if (!app.isBusy && !app.dragging.label)
         await attempt(app, async () => {
             if (!app.isBegun)
                 await begin(app);
