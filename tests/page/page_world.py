@@ -185,13 +185,13 @@ class Page:
 
     def filter(self, pane, **wishes):
         for name in ("kind", "place", "hd", "scrambled", "hidden"):
-            self.set(self.find(f"[data-filter={name}]", pane), wishes.get(name, "all"))
+            self.set(self.find(f"[name={name}]", pane), wishes.get(name, "all"))
 
     def set(self, select, text):
         self.run("""
             const [select, text] = arguments;
             select.value = [...select.options].find((each) => each.text === text).value;
-            select.dispatchEvent(new Event('change'));""", select, text)
+            select.dispatchEvent(new Event('input', {bubbles: true}));""", select, text)
 
     def press(self, label, pane=None):
         self.find(f"[data-do={label}]" if pane is not None else f"#{label}", pane).click()
@@ -205,7 +205,7 @@ class Page:
     def emptying(self):
         """The request that would empty FAV1."""
         return self.run("""return (async () => {
-            const [{uuid, version}] = (await (await fetch('api/first')).json()).content.lists;
+            const [{uuid, version}] = (await (await fetch('api/lists')).json()).content.lists;
             return JSON.stringify({lists: [{uuid, version, entries: []}]});
         })();""")
 

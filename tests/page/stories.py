@@ -169,7 +169,7 @@ class Finding(Story):
     def test_read_only_lets_nothing_be_written_and_says_so(self):
         world, page, names = self.begin("--read-only")
         before = pathlib.Path(world.database).read_bytes()
-        page.reads("#trouble", "Read-only")
+        page.reads("#connection", "read-only")
         page.do(0, "top", names[2])
         page.reads("#trouble", "nothing can be changed")
         self.assertEqual(page.text("#said"), "")  # not that it moved
@@ -342,11 +342,11 @@ class Together(Story):
         os.rename(world.database, world.database + ".away")
         page.reads("#trouble", "there is no database")
         shutil.copy(other.database, world.database)
-        page.reads("#trouble", "has other lists now")
+        page.reads("#trouble", "has other lists or services now")
         page.press("save")
         page.reads("#trouble", "no such list any more")
         page.driver.refresh()
-        page.reads("#trouble", "for lists that this database does not have")
+        page.reads("#trouble", "that this database does not have")
         self.assertEqual(world.content("FAV1"), before)
         os.rename(world.database + ".away", world.database)
         page.driver.refresh()
@@ -359,9 +359,9 @@ class Together(Story):
         page.do(0, "top", names[2])
         before = world.content("FAV1")
         world.execute("UPDATE Service SET Uuid = 'another' || Uuid WHERE Name = ?", names[5])
-        page.reads("#trouble", "other keys")
+        page.reads("#trouble", "other lists or services")
         page.press("save")
-        page.reads("#trouble", "other keys")
+        page.wait(lambda: page.find("#save").is_enabled())
         self.assertEqual(world.content("FAV1"), before)
         page.press("discard")
         page.begins(0, names[0])
@@ -410,22 +410,22 @@ class Strangers(Story):
         self.assertRegex(place, "^/[0-9a-f]{32}/$")  # browsers send the cookie nowhere else
         home = f"127.0.0.1:{world.port}"
         own = {"Cookie": cookie, "Origin": f"http://{home}", "Content-Type": "application/json"}
-        listed = json.loads(self.ask("GET", place + "api/first", {"Cookie": cookie})[2])["content"]
+        listed = json.loads(self.ask("GET", place + "api/lists", {"Cookie": cookie})[2])["content"]
         fav1, version = listed["lists"][0]["uuid"], listed["lists"][0]["version"]
         emptied = json.dumps({"lists": [{"uuid": fav1, "version": version, "entries": []}]}).encode()
         before = world.content("FAV1")
         cases = [
-            ("no cookie", "GET", place + "api/overview", {}, 403),
-            ("a wrong cookie", "GET", place + "api/overview", {"Cookie": cookie[:-1] + "x"}, 403),
+            ("no cookie", "GET", place + "api/lists", {}, 403),
+            ("a wrong cookie", "GET", place + "api/lists", {"Cookie": cookie[:-1] + "x"}, 403),
             ("a wrong key", "GET", "/?key=" + "0" * 32, {}, 403),
-            ("a foreign name", "GET", place + "api/overview", {"Cookie": cookie, "Host": "evil.example"}, 403),
+            ("a foreign name", "GET", place + "api/lists", {"Cookie": cookie, "Host": "evil.example"}, 403),
             ("a name and our port", "GET", "/", {"Cookie": cookie, "Host": f"evil.example:{world.port}"}, 403),
             ("the key by a foreign name", "GET", f"/?key={key}", {"Host": "evil.example"}, 403),
             ("a foreign page", "POST", place + "api/save", {**own, "Origin": "http://evil.example"}, 403),
             ("another port", "POST", place + "api/save", {**own, "Origin": "http://127.0.0.1:1"}, 403),
             ("no origin", "POST", place + "api/save", {"Cookie": cookie, "Content-Type": "application/json"}, 403),
             ("a form", "POST", place + "api/save", {**own, "Content-Type": "text/plain"}, 400),
-            ("a foreign fetch", "GET", place + "api/overview", {"Cookie": cookie, "Sec-Fetch-Site": "same-site"}, 403),
+            ("a foreign fetch", "GET", place + "api/lists", {"Cookie": cookie, "Sec-Fetch-Site": "same-site"}, 403),
             ("parts without end", "GET", place, {"Cookie": cookie, "Range": "bytes=0-,0-"}, 200),
             ("a path of the disk", "GET", place + "../../../etc/passwd", {"Cookie": cookie}, 404),
             ("a file of the page with dots", "GET", place + "..%2f..%2fetc%2fpasswd", {"Cookie": cookie}, 404),

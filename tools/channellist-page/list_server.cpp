@@ -49,6 +49,20 @@ List listOf(std::string const& uuid) {
     throw Failure("the database has no such list any more");
 }
 
+// FAV1 to FAV4 first, then the list of all services.
+std::vector<List> shownLists() {
+    std::vector<List> lists;
+    for (List& list : allLists())
+        if (!list.uuid.empty())
+            lists.push_back(std::move(list));
+    auto const rankOf = [](List const& list) {
+        return list.favIndex != 0 ? list.favIndex : isAllList(list) ? 5 : 6;
+    };
+    std::stable_sort(lists.begin(), lists.end(),
+                     [&](List const& a, List const& b) { return rankOf(a) < rankOf(b); });
+    return lists;
+}
+
 std::string placeOf(ResultRow const& service) {
     std::string const delivery = deliveryOf(service);
     std::string const& satellite = service[SERVICE_FIELD_SATELLITE];
@@ -70,7 +84,7 @@ std::string rowOf(ResultRow const& service) {
     std::string text = "[" + std::to_string(entry.serviceId) + ",";
     text += entry.number ? numberText(entry) : "null";
     text += std::string(",") + flag(entry.deleted) + ",";
-    text += quoted(entry.name) + "," + quoted(kindOf(service)) + ",";
+    text += quoted(displayText(entry.name)) + "," + quoted(kindOf(service)) + ",";
     text += quoted(placeOf(service)) + "," + flag((attributes & kHighDefinition) != 0) + ",";
     text += std::string(flag((attributes & kScrambled) != 0)) + ",";
     return text + std::to_string(printOf(entry)) + "]";
@@ -81,17 +95,21 @@ struct Content {
     std::vector<ResultRow> services;
 };
 
-std::vector<Content> readContents(std::vector<std::string> const& uuids) {
-    std::vector<Content> lists;
-    for (std::string const& uuid : uuids) {
-        listOf(uuid);
-        Rows services = readServices(uuid);
+// Of FAV1 to FAV4, and of those of the other lists that are asked for.
+std::vector<Content> readContents(std::vector<List> const& lists,
+                                  std::vector<std::string> const& asked) {
+    std::vector<Content> contents;
+    for (List const& list : lists) {
+        if (list.favIndex == 0 && std::find(asked.begin(), asked.end(), list.uuid) == asked.end())
+            continue;
+        Rows services = readServices(list.uuid);
         if (!services.complete)
             throw Failure(
                 "not all services of a list could be read; \"channellist check\" tells why");
-        lists.push_back({uuid, versionOf(storedState(uuid)), std::move(services.rows)});
+        contents.push_back(
+            {list.uuid, versionOf(storedState(list.uuid)), std::move(services.rows)});
     }
-    return lists;
+    return contents;
 }
 
 std::string textOf(std::vector<Content> const& lists) {
@@ -229,57 +247,38 @@ std::string ListServer::mark() const {
     return text;
 }
 
-Json ListServer::readOverview() const {
-    std::string const seenMark = mark();
+Json ListServer::overviewOf(std::vector<List> const& lists, std::string const& seenMark) const {
     auto const counts = itemCounts();
-    Json lists = Json::array();
-    for (List const& list : allLists()) {
-        if (list.uuid.empty())
-            continue;
+    Json told = Json::array();
+    for (List const& list : lists) {
         auto const count = counts.find(list.pid);
-        lists.push_back({{"uuid", list.uuid},
-                         {"name", displayName(list)},
-                         {"fav", list.favIndex},
-                         {"all", isAllList(list)},
-                         {"count", count == counts.end() ? 0 : count->second.entries},
-                         {"reserved", reservedNumbers(list)}});
+        told.push_back({{"uuid", list.uuid},
+                        {"name", isAllList(list) ? "All" : displayText(displayName(list))},
+                        {"fav", list.favIndex},
+                        {"all", isAllList(list)},
+                        {"count", count == counts.end() ? 0 : count->second.entries},
+                        {"reserved", reservedNumbers(list)}});
     }
     bool const isWritable = !isReadOnly_ && access(database_.c_str(), W_OK) == 0;
     return {
-        {"database", database_}, {"mark", seenMark}, {"readOnly", !isWritable}, {"lists", lists}};
+        {"database", database_}, {"mark", seenMark}, {"readOnly", !isWritable}, {"lists", told}};
 }
 
-Json ListServer::overview() {
-    std::lock_guard const lock(mutex_);
-    begin("reading the lists");
-    Session const session(database_);
-    return readOverview();
-}
-
-std::string ListServer::lists(std::vector<std::string> const& uuids) {
-    std::vector<Content> content;
+std::string ListServer::lists(std::vector<std::string> const& asked) {
+    Json overview;
+    std::vector<Content> contents;
     {
         std::lock_guard const lock(mutex_);
-        begin("reading lists");
+        begin("reading the lists");
         Session const session(database_);
+        std::string const seenMark = mark();
         FrozenDatabase const frozen;
-        content = readContents(uuids);
+        std::vector<List> const lists = shownLists();
+        overview = overviewOf(lists, seenMark);
+        contents = readContents(lists, asked);
     }
-    return textOf(content);  // others may read meanwhile
-}
-
-std::string ListServer::first() {
-    std::lock_guard const lock(mutex_);
-    begin("reading the lists");
-    Session const session(database_);
-    FrozenDatabase const frozen;
-    Json const overview = readOverview();
-    std::vector<std::string> uuids;
-    for (Json const& list : overview.at("lists"))
-        if (list.at("fav") != 0)
-            uuids.push_back(list.at("uuid"));
-    return "{\"overview\":" + dumpJson(overview, -1) +
-           ",\"content\":" + textOf(readContents(uuids)) + "}";
+    // Others may read meanwhile.
+    return "{\"overview\":" + dumpJson(overview, -1) + ",\"content\":" + textOf(contents) + "}";
 }
 
 Json ListServer::save(Json const& request) {

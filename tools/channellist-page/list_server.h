@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "database/list_naming.h"
 #include "listener.h"
 #include "text/json_text.h"
 
@@ -28,17 +29,15 @@ class ListServer : private channel_lists::Listener {
 
     // Differs once the file was written to, replaced or removed; reads nothing of it.
     std::string mark() const;
-    // The lists, without what they hold.
-    Json overview();
-    // What the lists hold, of one moment, each with its version; as text, for there may be much.
-    std::string lists(std::vector<std::string> const& uuids);
-    // Both at once, of the FAV lists: what the page shows first.
-    std::string first();
+    // The lists, and what FAV1 to FAV4 and those that are asked for hold, of one moment, each with
+    // its version; as text, for there may be much.
+    std::string lists(std::vector<std::string> const& asked);
     // Brings the lists to what the request says, if each still has the version that it was read at.
     Json save(Json const& request);
 
   private:
-    Json readOverview() const;
+    Json overviewOf(std::vector<channel_lists::List> const& lists,
+                    std::string const& seenMark) const;
     void note(std::string const& sentence) override { notes_.push_back(sentence); }
 
     std::string database_;

@@ -162,14 +162,7 @@ void PageServer::addRequests() {
                     response, [&] { return work(request); });
             });
     };
-    get(
-        "mark",
-        [this](auto const&) {
-            return textOf({{"mark", lists_.mark()}});
-        });
-    get(
-        "overview", [this](auto const&) { return textOf(lists_.overview()); });
-    get("first", [this](auto const&) { return lists_.first(); });
+    get("mark", [this](auto const&) { return textOf({{"mark", lists_.mark()}}); });
     get(
         "lists",
         [this](auto const& request) {

@@ -1,9 +1,8 @@
 // The changes that are not saved: their count in the bar, their table, and what others changed.
 import * as st from "./state.js";
-import {element} from "./element.js";
+import {$, element} from "./element.js";
 
 const MOST_LINES = 1000; // of a table of changes
-const $ = (id) => document.getElementById(id);
 
 export const many = (count, word) => `${count} ${word}${count === 1 ? "" : "s"}`;
 
@@ -26,7 +25,7 @@ export function drawBar(app, text) {
     document.title = count ? `(${count}) Channels` : "Channels";
 }
 
-const sentence = (app, line) => `${line.list}: ${app.services.get(line.id)?.shown ?? line.id} ${line.what.join(", ")}`
+const sentence = (app, line) => `${line.list}: ${app.services.get(line.id)?.name ?? line.id} ${line.what.join(", ")}`
     + (line.before !== null && line.after !== null && line.before !== line.after
         ? ` from ${line.before} to ${line.after}` : "");
 
@@ -42,7 +41,7 @@ export function drawConflict(app) {
 export function showChanges(app) {
     const lines = myLines(app);
     const cells = (line) => [line.list, line.what.join(", "), line.before ?? "", line.after ?? "",
-                             app.services.get(line.id)?.shown ?? line.id];
+                             app.services.get(line.id)?.name ?? line.id];
     $("changes").querySelector("tbody").replaceChildren(...lines.slice(0, MOST_LINES).map((line) =>
         element("tr", {}, ...cells(line).map((text) => element("td", {}, text)))));
     $("changes-title").textContent = lines.length > MOST_LINES

@@ -1,5 +1,8 @@
-// What a person does to the chosen rows: by a button, a key or a drag.
-import {many} from "./changes.js";
+// What a person does, by a button, a key or a drag.
+import * as sync from "./sync.js";
+import {many, showChanges} from "./changes.js";
+import {$} from "./element.js";
+import {redo, undo} from "./state.js";
 
 // The selected ones, else the one with the focus.
 function chosen(pane) {
@@ -7,19 +10,30 @@ function chosen(pane) {
     return block.length > 0 ? block : pane.entries.filter((entry) => entry.key === pane.focus);
 }
 
-export function moveTo(app, pane, place) {
+const keysOf = (block) => block.map((entry) => entry.key);
+
+function moveTo(app, pane, place) {
     const block = chosen(pane);
-    if (block.length === 0)
-        return;
-    const reserved = app.lists[pane.uuid].reserved;
-    if (place.number !== undefined && reserved.has(place.number))
+    if (app.lists[pane.uuid].reserved.has(place.number))
         return app.trouble(`Number ${place.number} belongs to an OTT channel.`);
-    const key = block.some((entry) => entry.key === pane.focus) ? pane.focus : block[0].key;
-    if (!app.act({what: "move", list: pane.uuid, keys: block.map((entry) => entry.key), ...place}, ""))
+    if (!app.act({what: "move", list: pane.uuid, keys: keysOf(block), ...place}, ""))
         return;
+    const key = block.some((entry) => entry.key === pane.focus) ? pane.focus : block[0].key;
     pane.follow(key);
     const now = app.entries(pane.uuid).find((entry) => entry.key === key);
-    app.say(`${app.services.get(now.id).shown} is number ${now.number} now`);
+    app.say(`${app.services.get(now.id).name} is number ${now.number} now`);
+}
+
+function askNumber(app, pane, digits) {
+    const dialog = $("ask-number");
+    $("number").value = digits;
+    dialog.returnValue = "";
+    dialog.onclose = () => {
+        if (dialog.returnValue === "yes")
+            moveTo(app, pane, {number: $("number").valueAsNumber});
+        pane.scroller.focus();
+    };
+    dialog.showModal();
 }
 
 function order(app, pane, block, value) {
@@ -35,16 +49,16 @@ function add(app, uuid, block, before = null) {
     const ids = block.map((entry) => entry.id).filter((id) => !held.has(id));
     if (ids.length > 0)
         app.act({what: "add", list: uuid, ids, before}, `${many(ids.length, "channel")} added to ${app.nameOf(uuid)}`);
-    else
+    else if (block.length > 0)
         app.say(`${app.nameOf(uuid)} holds them already`);
 }
 
 export function drop(app, from, to, gap) {
-    const block = chosen(from);
     const before = to.keyAtGap(gap);
     if (from.uuid === to.uuid)
-        return moveTo(app, from, {before});
-    add(app, to.uuid, block, before);
+        moveTo(app, from, {before});
+    else
+        add(app, to.uuid, chosen(from), before);
 }
 
 // What a dragged row takes along; null where nothing may be changed.
@@ -54,46 +68,64 @@ export function beginDrag(app, pane, key) {
     if (!pane.selected.has(key))
         pane.click(key, false, false);
     const block = pane.selection();
-    return block.length === 1 ? app.services.get(block[0].id).shown : many(block.length, "channel");
+    return block.length === 1 ? app.services.get(block[0].id).name : many(block.length, "channel");
 }
 
-// `what`: as the buttons' data-do names it.
-export function command(app, pane, what) {
+const commandsOfPage = (app, pane) => ({
+    undo: () => app.become(undo(app.state), "undone"),
+    redo: () => app.become(redo(app.state, app.lists), "done again"),
+    save: () => sync.save(app),
+    "take-back": () => sync.takeBack(app),
+    discard: () => sync.discard(app),
+    merge: () => sync.merge(app),
+    "show-changes": () => showChanges(app),
+    help: () => $("keys").showModal(),
+    switch: () => app.activate(app.other(pane)),
+    "other-side": () => app.other(pane).scroller.focus(),
+    search: () => pane.part(".search").focus(),
+    list: () => pane.scroller.focus(),
+    all: () => pane.selectAll(),
+    none: () => pane.selectNone(),
+});
+
+function commandsOfList(app, pane, digits) {
     const block = chosen(pane);
-    const uuid = pane.uuid;
-    const keys = block.map((entry) => entry.key);
-    const told = many(block.length, "channel");
+    const other = app.other(pane).uuid;
     const all = app.uuidOfAll();
+    const change = (what, list, entries, done) =>
+        app.act({what, list, keys: keysOf(entries)}, `${many(block.length, "channel")} ${done}`);
     const everywhere = () => {
         const ids = new Set(block.map((entry) => entry.id));
-        return app.entries(all).filter((entry) => ids.has(entry.id)).map((entry) => entry.key);
+        return app.entries(all).filter((entry) => ids.has(entry.id));
     };
-    const other = app.other(pane);
-    const commands = {
-        all: () => pane.selectAll(),
-        top: () => moveTo(app, pane, {before: app.entries(uuid)[0]?.key}),
+    return {
+        top: () => moveTo(app, pane, {before: pane.entries[0]?.key}),
         up: () => moveTo(app, pane, {by: -1}),
         down: () => moveTo(app, pane, {by: 1}),
         end: () => moveTo(app, pane, {before: null}),
-        number: () => app.askNumber(pane),
-        remove: () => app.lists[uuid].fav
-            && app.act({what: "remove", list: uuid, keys}, `${told} removed`),
-        hide: () => app.act({what: "hide", list: uuid, keys}, `${told} hidden`),
-        show: () => app.act({what: "show", list: uuid, keys}, `${told} shown`),
-        "hide-everywhere": () => app.act({what: "hide", list: all, keys: everywhere()}, `${told} hidden`),
-        "show-everywhere": () => app.act({what: "show", list: all, keys: everywhere()}, `${told} shown`),
+        number: () => block.length > 0 && askNumber(app, pane, digits),
+        remove: () => app.lists[pane.uuid].fav && change("remove", pane.uuid, block, "removed"),
+        hide: () => change("hide", pane.uuid, block, "hidden"),
+        show: () => change("show", pane.uuid, block, "shown"),
+        "hide-everywhere": () => change("hide", all, everywhere(), "hidden"),
+        "show-everywhere": () => change("show", all, everywhere(), "shown"),
         "by-name": () => order(app, pane, block, (entry) => app.services.get(entry.id).folded),
         "by-number": () => {
             const numbers = new Map(app.entries(all).map((entry) => [entry.id, entry.number]));
             order(app, pane, block, (entry) => numbers.get(entry.id) ?? Infinity);
         },
-        close: () => app.act({what: "close", list: uuid}, "the gaps are closed"),
-        copy: () => add(app, other.uuid, pane.entries.filter((entry) => !entry.hidden)),
-        "add-other": () => add(app, other.uuid, block),
+        close: () => app.act({what: "close", list: pane.uuid}, "the gaps are closed"),
+        copy: () => add(app, other, pane.entries.filter((entry) => !entry.hidden)),
+        "add-other": () => add(app, other, block),
+        "add-1": () => add(app, app.uuidOfFav(1), block),
+        "add-2": () => add(app, app.uuidOfFav(2), block),
+        "add-3": () => add(app, app.uuidOfFav(3), block),
+        "add-4": () => add(app, app.uuidOfFav(4), block),
     };
-    for (const n of [1, 2, 3, 4])
-        commands[`add-${n}`] = () => add(app, app.uuidOfFav(n), block);
-    const isForSome = !["all", "close", "copy"].includes(what);
-    if (!isForSome || block.length > 0)
-        commands[what]();
+}
+
+// `what`: a button's data-do or id, or what keyboard.js names so.
+export function command(app, pane, what, digits = "") {
+    const commands = {...commandsOfPage(app, pane), ...commandsOfList(app, pane, digits)};
+    commands[what]?.();
 }

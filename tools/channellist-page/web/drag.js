@@ -1,27 +1,50 @@
 // Dragging rows with the mouse, and by their handles with a finger or pen.
+import {$} from "./element.js";
 
 const SLACK = 5;   // pixels that are no drag yet
 const EDGE = 48;   // pixels at the edges of a list that scroll it
 const SPEED = 18;  // pixels a frame
 
-const ghost = document.getElementById("ghost");
+const ghost = $("ghost");
 
-// From the press on a row; only once it has a label it is seen.
-class Drag {
-    constructor(panes, from, key, event) {
-        Object.assign(this, {panes, from, key, pointer: event.pointerId, x: event.clientX, y: event.clientY});
-        this.start = [this.x, this.y];
+export class Dragging {
+    // `panes`: each {view, scroller, line}. `begin(pane, key)` gives the label of what is dragged, or
+    // null; `drop(from, to, gap)` ends it.
+    constructor(panes, begin, drop) {
+        Object.assign(this, {panes, begin, drop, pointer: null, label: null, over: null});
+        for (const pane of panes)
+            pane.scroller.addEventListener("pointerdown", (event) => this.press(pane, event));
+        addEventListener("pointermove", (event) => event.pointerId === this.pointer && this.move(event));
+        addEventListener("pointerup", (event) => event.pointerId === this.pointer && this.end(true));
+        addEventListener("pointercancel", () => this.end(false));
+        addEventListener("keydown", (event) => {
+            if (event.key === "Escape" && this.label) {
+                event.stopImmediatePropagation();
+                this.end(false);
+            }
+        }, true);
     }
 
-    isOffTheStart() {
-        return Math.hypot(this.x - this.start[0], this.y - this.start[1]) >= SLACK;
+    press(from, {target, pointerType, pointerId, button, clientX, clientY}) {
+        const row = target.closest(".row");
+        const isMeant = pointerType === "mouse" || target.closest(".handle");
+        if (row && isMeant && button === 0 && !this.label)
+            Object.assign(this, {from, key: row.dataset.key, pointer: pointerId, start: [clientX, clientY]});
     }
 
-    begin(label) {
-        this.label = ghost.textContent = label;
-        ghost.hidden = false;
-        document.body.classList.add("dragging");
-        requestAnimationFrame(() => this.scrollAtEdges());
+    // It is a drag, and seen, once it has a label.
+    move({clientX, clientY}) {
+        [this.x, this.y] = [clientX, clientY];
+        if (!this.label && Math.hypot(this.x - this.start[0], this.y - this.start[1]) >= SLACK) {
+            this.label = ghost.textContent = this.begin(this.from, this.key);
+            if (!this.label)
+                return this.end(false);
+            ghost.hidden = false;
+            document.body.classList.add("dragging");
+            requestAnimationFrame(() => this.scrollAtEdges());
+        }
+        if (this.label)
+            this.show();
     }
 
     // Where it would drop.
@@ -38,7 +61,7 @@ class Drag {
     }
 
     scrollAtEdges() {
-        if (ghost.hidden)
+        if (!this.label)
             return;
         const box = this.over?.scroller.getBoundingClientRect();
         const pull = !box ? 0 : Math.min(0, this.y - box.top - EDGE) + Math.max(0, this.y - box.bottom + EDGE);
@@ -49,52 +72,14 @@ class Drag {
         requestAnimationFrame(() => this.scrollAtEdges());
     }
 
-    end() {
+    end(isDropped) {
+        const {from, over, gap} = this;
+        Object.assign(this, {pointer: null, label: null, over: null});
         ghost.hidden = true;
         document.body.classList.remove("dragging");
         for (const pane of this.panes)
             pane.line.hidden = true;
-    }
-}
-
-// `panes`: each {view, scroller, line}. `begin(pane, key)` gives the label of what is dragged, or
-// null; `drop(from, to, gap)` ends it. Gives a function that tells whether something is dragged.
-export function enableDragging(panes, {begin, drop}) {
-    let drag = null;
-    const end = (isDropped) => {
-        const {from, over, gap} = drag;
-        drag.end();
-        drag = null;
         if (isDropped && over)
-            drop(from, over, gap);
-    };
-    for (const pane of panes)
-        pane.scroller.addEventListener("pointerdown", (event) => {
-            const row = event.target.closest(".row");
-            const isMeant = event.pointerType === "mouse" || event.target.closest(".handle");
-            if (row && isMeant && event.button === 0)
-                drag = new Drag(panes, pane, row.dataset.key, event);
-        });
-    addEventListener("pointermove", (event) => {
-        if (drag?.pointer !== event.pointerId)
-            return;
-        [drag.x, drag.y] = [event.clientX, event.clientY];
-        if (!drag.label && drag.isOffTheStart()) {
-            const label = begin(drag.from, drag.key);
-            if (!label)
-                return end(false);
-            drag.begin(label);
-        }
-        if (drag.label)
-            drag.show();
-    });
-    addEventListener("pointerup", (event) => drag?.pointer === event.pointerId && end(true));
-    addEventListener("pointercancel", () => drag && end(false));
-    addEventListener("keydown", (event) => {
-        if (event.key === "Escape" && drag?.label) {
-            event.stopImmediatePropagation();
-            end(false);
-        }
-    }, true);
-    return () => Boolean(drag?.label);
+            this.drop(from, over, gap);
+    }
 }

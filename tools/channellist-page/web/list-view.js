@@ -1,4 +1,5 @@
 // Draws the rows in sight of a list of any length: all rows have one height.
+import {$} from "./element.js";
 
 const SPARE = 8;  // rows beyond the edges
 
@@ -10,8 +11,8 @@ export class ListView {
         this.rows = [];
         this.elements = [];
         this.space = scroller.querySelector(".space");
-        scroller.addEventListener("scroll", () => this.later(), {passive: true});
-        new ResizeObserver(() => this.later()).observe(scroller);
+        scroller.addEventListener("scroll", () => this.paint(), {passive: true});
+        new ResizeObserver(() => this.paint()).observe(scroller);
         this.height = 36;
     }
 
@@ -20,13 +21,6 @@ export class ListView {
         this.height = parseFloat(getComputedStyle(this.scroller).getPropertyValue("--row")) || 36;
         this.space.style.height = `${rows.length * this.height}px`;
         this.paint();
-    }
-
-    later() {
-        this.wanted ??= requestAnimationFrame(() => {
-            this.wanted = undefined;
-            this.paint();
-        });
     }
 
     paint() {
@@ -44,7 +38,7 @@ export class ListView {
     }
 
     newRow() {
-        const row = document.getElementById("row").content.firstElementChild.cloneNode(true);
+        const row = $("row").content.firstElementChild.cloneNode(true);
         this.space.append(row);
         return row;
     }

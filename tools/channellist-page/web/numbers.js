@@ -10,7 +10,7 @@ export const sorted = (entries) =>
 
 const isPlaced = (entry) => !entry.hidden && entry.number !== null;
 
-const without = (entries, block) => {
+export const without = (entries, block) => {
     const keys = new Set(block.map((entry) => entry.key));
     return entries.filter((entry) => !keys.has(entry.key));
 };
@@ -96,13 +96,9 @@ function moveOne(line, moved, number) {
 // Then those in front of or at their place go there from the last on, those behind it from the first
 // on: so none of the block is between the old and the new place of another.
 export function moveToNumber(entries, block, number, reserved) {
-    let next = number;
+    let last = number - 1;
     const ordered = [...block].sort(byNumber);
-    const places = ordered.map(() => {
-        const place = nextFree(next, reserved);
-        next = place + 1;
-        return place;
-    });
+    const places = ordered.map(() => last = nextFree(last + 1, reserved));
     const joined = ordered.filter((entry) => entry.number === null).reduce((list, entry, i) =>
         entry.hidden ? numbered(list, new Map([[entry.key, places[i]]]))
             : insert(without(list, [entry]), [entry], places[i], reserved), entries);

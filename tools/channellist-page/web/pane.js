@@ -1,5 +1,5 @@
 // One of the two lists: its choice, search and filters, its rows, and what is selected of them.
-import {element} from "./element.js";
+import {$, element} from "./element.js";
 import {found} from "./search.js";
 import {ListView} from "./list-view.js";
 
@@ -10,50 +10,36 @@ export class Pane {
     constructor(app) {
         this.app = app;
         this.id = `pane${panes++}`;
-        this.root = document.getElementById("pane").content.firstElementChild.cloneNode(true);
+        this.root = $("pane").content.firstElementChild.cloneNode(true);
         this.part = (name) => this.root.querySelector(name);
         this.scroller = this.part(".scroller");
         this.view = new ListView(this.scroller, (...row) => this.draw(...row));
         this.line = this.part(".line");  // where a drag would drop
-        this.filter = {};
+        this.form = this.part("form");
+        this.filter = {};     // see search.js
         this.selected = new Set();
         this.focus = null;   // key of the row that has the focus
         this.anchor = null;  // where a selection with Shift begins
-        this.rows = [];
         this.listen();
+        this.refresh();
     }
 
     listen() {
         this.root.addEventListener("focusin", () => this.app.activate(this));
         this.root.addEventListener("pointerdown", () => this.app.activate(this));
-        this.part(".choice").addEventListener("change", (event) => this.app.choose(this, event.target.value));
-        this.part(".search").addEventListener("input", (event) => this.setFilter("text", event.target.value));
-        for (const select of this.root.querySelectorAll("[data-filter]"))
-            select.addEventListener("change", () => this.setFilter(select.dataset.filter, select.value));
-        this.part(".tools").addEventListener("click", (event) => {
-            const button = event.target.closest("[data-do]");
-            if (button) {
-                this.app.command(this, button.dataset.do);
-                button.closest("details")?.removeAttribute("open");
-            }
-        });
+        this.part(".choice").addEventListener("input", (event) => this.app.choose(this, event.target.value));
+        this.form.addEventListener("input", () => this.search());
         let isTouch = false;
         this.scroller.addEventListener("pointerdown", (event) => isTouch = event.pointerType !== "mouse");
         this.scroller.addEventListener("click", (event) => {
             const key = event.target.closest(".row")?.dataset.key;
-            if (key && !this.app.isDragging())
+            if (key && !this.app.dragging.label)
                 this.click(key, event.shiftKey, event.ctrlKey || event.metaKey || isTouch);
-        });
-        this.scroller.addEventListener("focus", () => {
-            if (!this.focus && this.rows.length > 0)
-                this.moveFocus(0);
         });
     }
 
-    setFilter(name, value) {
-        this.filter[name] = value;
-        this.part(".filters").classList.toggle("on",
-            Object.entries(this.filter).some(([key, each]) => key !== "text" && each));
+    search() {
+        this.filter = Object.fromEntries(new FormData(this.form));
         this.scroller.scrollTop = 0;
         this.selected.clear();
         this.refresh();
@@ -80,9 +66,7 @@ export class Pane {
             if (!this.index.has(key))
                 this.selected.delete(key);
         if (!this.index.has(this.focus))
-            this.focus = null;
-        if (!this.focus && this.rows.length > 0 && document.activeElement === this.scroller)
-            this.focus = this.rows[0].key;
+            this.focus = this.rows[0]?.key ?? null;
         this.view.show(this.rows);
         this.part(".empty").hidden = this.rows.length > 0;
         this.part(".empty").textContent = !entries ? "Loading …"
@@ -113,7 +97,7 @@ export class Pane {
         for (const [look, is] of Object.entries(looks))
             drawn.classList.toggle(look, Boolean(is));
         number.textContent = row.number ?? "–";
-        name.textContent = row.ott ? "an OTT channel" : this.app.services.get(row.id).shown;
+        name.textContent = row.ott ? "an OTT channel" : this.app.services.get(row.id).name;
         marks.replaceChildren(...(row.ott ? [] : this.marksOf(row)));
     }
 
@@ -190,20 +174,17 @@ export class Pane {
     }
 
     moveFocus(index, isRange = false) {
-        const at = Math.max(0, Math.min(this.rows.length - 1, index));
-        if (this.rows.length === 0)
+        const row = this.rows[Math.max(0, Math.min(this.rows.length - 1, index))];
+        if (!row)
             return;
-        this.focus = this.rows[at].key;
+        this.anchor = isRange ? this.anchor ?? this.focus : row.key;
         if (isRange)
-            this.selectRange(this.anchor ??= this.rows[at].key, this.focus);
-        else
-            this.anchor = this.focus;
-        this.view.reveal(at);
-        this.showSelection();
+            this.selectRange(this.anchor, row.key);
+        this.follow(row.key);
     }
 
-    // After a move: the focus goes with its row.
-    follow(key = this.focus) {
+    // The focus goes with a row.
+    follow(key) {
         this.focus = key;
         if (this.index.has(key))
             this.view.reveal(this.index.get(key));
@@ -212,14 +193,11 @@ export class Pane {
 
     // The key of the entry that a gap between the rows is in front of; null behind all.
     keyAtGap(gap) {
-        return this.rows.slice(gap).find((row) => !row.ott)?.key
-            ?? (gap < this.rows.length ? null : this.keyBehindAllShown());
-    }
-
-    // Behind the last row that a search shows, not behind those that it does not.
-    keyBehindAllShown() {
-        const last = this.rows.filter((row) => !row.ott).pop();
-        const at = this.entries.findIndex((entry) => entry.key === last?.key);
-        return this.entries[at + 1]?.key ?? null;
+        const next = this.rows.slice(gap).find((row) => !row.ott);
+        if (next || gap < this.rows.length)
+            return next?.key ?? null;
+        // Behind the last row that a search shows, not behind those that it does not.
+        const last = this.rows.findLast((row) => !row.ott);
+        return this.entries[this.entries.indexOf(last) + 1]?.key ?? null;
     }
 }

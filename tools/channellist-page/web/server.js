@@ -1,14 +1,14 @@
 // The talk with the server.
 
-export class Refused extends Error {}      // it answered, and did not do it
-export class Unreachable extends Error {}  // it did not answer
+export class Refused extends Error {}        // it answered, and did not do it
+export class Unreachable extends Refused {}  // it did not answer
 
 async function ask(path, options = {}) {
     let response;
     try {
         response = await fetch(path, options);
     } catch {
-        throw new Unreachable("the server of this page does not answer");
+        throw new Unreachable("The server of this page does not answer: start \"channellist page\" again and open its address in this tab");
     }
     const answer = await response.json().catch(() => ({error: "the server broke off"}));
     if (!response.ok)
@@ -17,10 +17,9 @@ async function ask(path, options = {}) {
 }
 
 export const mark = async () => (await ask("api/mark")).mark;
-export const first = () => ask("api/first");  // index.html asks early
-export const overview = () => ask("api/overview");
+// Of no list but FAV1 to FAV4, index.html asks early.
 export const lists = (uuids) =>
-    ask("api/lists?" + uuids.map((uuid) => "uuid=" + encodeURIComponent(uuid)).join("&"));
+    ask("api/lists" + uuids.map((uuid, i) => (i ? "&uuid=" : "?uuid=") + encodeURIComponent(uuid)).join(""));
 export const save = (lists) => ask("api/save", {
     method: "POST",
     headers: {"Content-Type": "application/json"},

@@ -1,6 +1,7 @@
 // The state: what the lists held when they were read (the base), what was done to them since, and
 // what was taken back. All of it are values; every function gives a new one.
-import {closeGaps, dealt, hasNoGaps, moveBefore, moveToNumber, restore, sorted} from "./numbers.js";
+import {closeGaps, dealt, hasNoGaps, moveBefore, moveToNumber, restore, sorted,
+        without} from "./numbers.js";
 
 // `rows` as the server sends them, with the number that was read and the entry's key: its service
 // and, where a list names one again, which of them it is. A list that is not in the order of its
@@ -27,44 +28,30 @@ const pick = (entries, keys) => {
     return keys.map((key) => byKey.get(key)).filter(Boolean);
 };
 
-// Steps up or down among the shown entries, the block as a whole.
-function step(entries, block, by, reserved) {
-    const moving = new Set(block.map((entry) => entry.key));
+// What the shown entry is in front of which the block steps up or down, as a whole.
+function stepped(entries, block, by) {
     const shown = entries.filter((entry) => !entry.hidden);
-    const first = shown.findIndex((entry) => moving.has(entry.key));
-    const others = shown.filter((entry) => !moving.has(entry.key));
-    return first < 0 ? entries : moveBefore(entries, block, others[Math.max(0, first + by)]?.key ?? null, reserved);
+    const first = shown.findIndex((entry) => block.includes(entry));
+    return without(shown, block)[Math.max(0, first + by)]?.key ?? null;
 }
 
 const operations = {
-    move(entries, op, list) {
-        const block = pick(entries, op.keys);
-        if (op.number !== undefined)
-            return moveToNumber(entries, block, op.number, list.reserved);
-        return op.by ? step(entries, block, op.by, list.reserved)
-            : moveBefore(entries, block, op.before, list.reserved);
-    },
-    add(entries, op, list) {
+    move: (entries, block, {number, by, before}, reserved) => number !== undefined
+        ? moveToNumber(entries, block, number, reserved)
+        : moveBefore(entries, block, by ? stepped(entries, block, by) : before, reserved),
+    add(entries, block, {ids, before}, reserved) {
         const held = new Set(entries.map((entry) => entry.id));
-        const block = [...new Set(op.ids)].filter((id) => !held.has(id)).map(newEntry);
-        return moveBefore(entries, block, op.before, list.reserved);
+        const joining = [...new Set(ids)].filter((id) => !held.has(id)).map(newEntry);
+        return moveBefore(entries, joining, before, reserved);
     },
-    remove(entries, op) {
-        const keys = new Set(op.keys);
-        return entries.filter((entry) => !keys.has(entry.key));
+    remove: without,
+    hide(entries, block) {
+        const hiding = new Set(block);
+        return entries.map((entry) => hiding.has(entry) ? {...entry, hidden: true} : entry);
     },
-    hide(entries, op) {
-        const keys = new Set(op.keys);
-        return entries.map((entry) => keys.has(entry.key) ? {...entry, hidden: true} : entry);
-    },
-    show(entries, op, list) {
-        return restore(entries, pick(entries, op.keys).filter((entry) => entry.hidden), list.reserved);
-    },
-    // The selected ones, in the order of `keys`, on the places that they hold.
-    order(entries, op) {
-        return dealt(entries, pick(entries, op.keys));
-    },
-    close: (entries, op, list) => closeGaps(entries, list.reserved),
+    show: (entries, block, op, reserved) => restore(entries, block.filter((entry) => entry.hidden), reserved),
+    order: dealt,
+    close: (entries, block, op, reserved) => closeGaps(entries, reserved),
 };
 
 // `doc` holds the entries of lists by uuid, `lists` what else is known of them: {fav, reserved}.
@@ -72,19 +59,17 @@ const operations = {
 // it in the FAV lists, too.
 export function apply(doc, op, lists) {
     const before = doc[op.list];
-    const next = {...doc, [op.list]: sorted(operations[op.what](before, op, lists[op.list]))};
-    if (lists[op.list].fav === 0) {
-        const old = new Map(before.map((entry) => [entry.key, entry]));
-        const marks = new Map(next[op.list].filter((entry) => entry !== old.get(entry.key))
-            .map((entry) => [entry.id, entry.hidden]));
-        for (const uuid of Object.keys(doc))
-            if (lists[uuid].fav && doc[uuid].some((e) => marks.has(e.id) && marks.get(e.id) !== e.hidden))
-                next[uuid] = doc[uuid].map((e) => marks.has(e.id) ? {...e, hidden: marks.get(e.id)} : e);
-    }
-    for (const uuid of Object.keys(doc)) {
-        const {fav, reserved} = lists[uuid];
-        if (fav && next[uuid] !== doc[uuid] && hasNoGaps(doc[uuid], reserved))
-            next[uuid] = closeGaps(next[uuid], reserved);
+    const {fav, reserved} = lists[op.list];
+    const after = sorted(operations[op.what](before, pick(before, op.keys ?? []), op, reserved));
+    const old = new Set(before);
+    const marks = new Map(fav ? [] : after.filter((entry) => !old.has(entry))
+        .map((entry) => [entry.id, entry.hidden]));
+    const next = {...doc, [op.list]: after};
+    for (const uuid of Object.keys(doc).filter((each) => lists[each].fav)) {
+        const marked = next[uuid].map((entry) => (marks.get(entry.id) ?? entry.hidden) === entry.hidden
+            ? entry : {...entry, hidden: !entry.hidden});
+        next[uuid] = hasNoGaps(doc[uuid], lists[uuid].reserved)
+            ? closeGaps(marked, lists[uuid].reserved) : marked;
     }
     return next;
 }

@@ -4,8 +4,8 @@ const name = (database) => `work of ${database}`;
 
 const idsOf = (op) => op.ids ?? (op.keys ?? []).map((key) => parseInt(key, 10));
 
-// `print` tells what a service is, whatever its key.
-export function keep(database, state, print) {
+// The `print` of a service tells what it is, whatever its key.
+export function keep(database, state, services) {
     try {
         if (state.past.length === 0)
             sessionStorage.removeItem(name(database));
@@ -13,7 +13,7 @@ export function keep(database, state, print) {
             sessionStorage.setItem(name(database), JSON.stringify({
                 past: state.past,
                 future: state.future,
-                prints: Object.fromEntries(state.past.flatMap(idsOf).map((id) => [id, print(id)])),
+                prints: Object.fromEntries(state.past.flatMap(idsOf).map((id) => [id, services.get(id)?.print])),
                 versions: Object.fromEntries(
                     Object.entries(state.base).map(([uuid, list]) => [uuid, list.version])),
             }));
