@@ -1,6 +1,7 @@
 #include "edit/list_edit.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 #include <tuple>
@@ -21,6 +22,17 @@ void closeGaps(std::vector<Entry>& entries, std::set<std::int64_t> const& reserv
         } while (reserved.count(last) != 0);
         entry.number = last;
     }
+}
+
+// A request for FAV1 to FAV4 drops what the library does not deliver.
+std::vector<StoredItem> delivered(ListEntries const& list) {
+    std::set<std::int64_t> held;
+    for (Entry const& entry : list.entries)
+        held.insert(entry.serviceId);
+    std::vector<StoredItem> items;
+    std::copy_if(list.items.begin(), list.items.end(), std::back_inserter(items),
+                 [&](StoredItem const& item) { return held.count(item.service) != 0; });
+    return items;
 }
 
 std::multiset<std::pair<unsigned int, std::string>> uuidsOf(std::vector<Entry> const& entries) {
@@ -61,6 +73,8 @@ void expect(ListEdit const& edit, Snapshot& lists) {
     }
     for (ListEntries& list : lists) {
         if (list.uuid == seen.list.uuid) {
+            if (isFav && !areSame(entries, list.entries))
+                list.items = delivered(list);
             list.entries = entries;
             if (isFav && edit.wanted.renumber)
                 closeGaps(list.entries, seen.reserved);

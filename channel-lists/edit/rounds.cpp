@@ -26,18 +26,18 @@ void leaveOutGone(std::vector<Entry> const& now, std::vector<Entry>& before,
             entries->end());
 }
 
-// And of its items those of entries that are gone from it.
-void leaveOutGone(std::vector<Entry> const& old, std::vector<Entry> const& now,
-                  std::vector<StoredItem>& items) {
+void leaveOutGone(std::vector<StoredItem> const& now, std::vector<StoredItem>& before,
+                  std::vector<StoredItem>& after) {
     std::set<std::int64_t> gone;
-    for (Entry const& entry : old)
-        gone.insert(entry.serviceId);
-    for (Entry const& entry : now)
-        gone.erase(entry.serviceId);
-    items.erase(
-        std::remove_if(items.begin(), items.end(),
+    for (StoredItem const& item : after)
+        gone.insert(item.service);
+    for (StoredItem const& item : now)
+        gone.erase(item.service);
+    before.erase(
+        std::remove_if(before.begin(), before.end(),
                        [&](StoredItem const& item) { return gone.count(item.service) != 0; }),
-        items.end());
+        before.end());
+    after = now;
 }
 
 void add(Written const& written, Written& total) {
@@ -46,8 +46,10 @@ void add(Written const& written, Written& total) {
     total.ending = Ending::Written;
     for (ListEntries const& list : written.after)
         for (ListEntries& each : total.after)
-            if (each.uuid == list.uuid)
+            if (each.uuid == list.uuid) {
                 each.entries = list.entries;
+                each.items = list.items;
+            }
 }
 
 }  // namespace
@@ -68,20 +70,22 @@ void follow(Snapshot const& now, Written& total) {
     std::optional<CurrentKeys> keys;
     for (std::size_t i = 0; i < total.after.size(); ++i)
         for (ListEntries const& list : now) {
-            std::vector<Entry>& after = total.after[i].entries;
-            if (list.uuid != total.after[i].uuid || areOfSameServices(after, list.entries))
+            ListEntries& before = total.before[i];
+            ListEntries& after = total.after[i];
+            if (list.uuid != after.uuid)
                 continue;
-            std::vector<Entry>& before = total.before[i].entries;
-            if (!keys)
-                keys.emplace();
-            keys->giveTo(before);
-            keys->giveTo(after);
-            keys->giveTo(total.before[i].items);
-            std::vector<Entry> const old = before;
-            leaveOutGone(list.entries, before, after);
-            before = merge(after, list.entries, before, {}).entries;
-            leaveOutGone(old, before, total.before[i].items);
-            after = list.entries;
+            if (!areOfSameServices(after.entries, list.entries)) {
+                if (!keys)
+                    keys.emplace();
+                for (ListEntries* const each : {&before, &after}) {
+                    keys->giveTo(each->entries);
+                    keys->giveTo(each->items);
+                }
+                leaveOutGone(list.entries, before.entries, after.entries);
+                before.entries = merge(after.entries, list.entries, before.entries, {}).entries;
+                after.entries = list.entries;
+            }
+            leaveOutGone(list.items, before.items, after.items);
         }
     addMissing(now, total.before);
     addMissing(now, total.after);

@@ -153,7 +153,8 @@ Snapshot writtenLists(Snapshot const& expected, OnlyWriter const& writer) {
         if (!writer.isAlone(fileVersion(file)))
             return expected;
         for (ListEntries const& list : expected)
-            lists.push_back({list.uuid, list.listName, readEntries(list.uuid).entries, list.isFav});
+            lists.push_back({list.uuid, list.listName, readEntries(list.uuid).entries, list.isFav,
+                             storedItems(list.uuid)});
     } catch (Failure const& failure) {
         listener().note(std::string("the list is written, but cannot be read again: ") +
                         failure.what());
@@ -196,6 +197,19 @@ Ending writeOne(ListEdit const& edit, OnlyWriter& writer) {
                 writer.hasCommittedUnseen();
         });
     return Ending::Written;
+}
+
+// The library finds the items of a FAV list by their services: of two, both get what the last one
+// is to be.
+void noteTwins(ListEntries const& expected, ListEntries const& written) {
+    std::set<unsigned int> services;
+    bool const hasTwins =
+        std::any_of(expected.entries.begin(), expected.entries.end(),
+                    [&](Entry const& entry) { return !services.insert(entry.serviceId).second; });
+    if (expected.isFav && hasTwins && !areSame(expected.entries, written.entries))
+        listener().note(expected.listName +
+                        " names a service twice, and not all of it is as it was to be; "
+                        "\"channellist check\" tells more");
 }
 
 bool isAsked(ListEdit const& edit) {
@@ -289,6 +303,8 @@ class Write {
     void end() {
         if (result_.ending == Ending::Written)
             result_.after = writtenLists(expected_, writer_);
+        for (std::size_t i = 0; i < expected_.size(); ++i)
+            noteTwins(expected_[i], result_.after[i]);
         if (areSame(result_.before, result_.after)) {  // there were no gaps
             keeping_.store.discard();
             result_.ending = !result_.overtaken ? Ending::NothingToDo : Ending::Overtaken;

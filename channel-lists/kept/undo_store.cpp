@@ -46,53 +46,6 @@ std::string localTime() {
     return text;
 }
 
-Json toJson(ListEntries const& list) {
-    Json entries = Json::array();
-    for (Entry const& entry : list.entries) {
-        entries.push_back({{"number", entry.number ? Json(*entry.number) : Json()},
-                           {"key", entry.serviceId},
-                           {"hidden", entry.deleted},
-                           {"name", displayText(entry.name)},
-                           {"service", displayText(entry.uuid)},
-                           {"triplet", entry.triplet}});
-    }
-    return {{"uuid", list.uuid}, {"name", list.listName}, {"entries", std::move(entries)}};
-}
-
-ListEntries listFrom(Json const& json) {
-    ListEntries list;
-    list.uuid = json.at("uuid");
-    list.listName = json.at("name");
-    for (Json const& each : json.at("entries")) {
-        Entry entry;
-        if (!each.at("number").is_null())
-            entry.number = each.at("number").get<std::int64_t>();
-        entry.serviceId = each.at("key");
-        entry.deleted = each.at("hidden");
-        entry.name = each.at("name");
-        entry.triplet = each.at("triplet");
-        entry.uuid = each.value("service", "");
-        list.entries.push_back(std::move(entry));
-    }
-    return list;
-}
-
-bool isChanged(ListEntries const& list, Snapshot const& now) {
-    return std::none_of(
-        now.begin(), now.end(),
-        [&](ListEntries const& each) {
-            return each.uuid == list.uuid && each.entries == list.entries;
-        });
-}
-
-// Locks the open file unless another process has, or has given the name to something else since.
-bool lockNamed(int descriptor, std::string const& file) {
-    struct stat opened, named;
-    return flock(descriptor, LOCK_EX | LOCK_NB) == 0 && fstat(descriptor, &opened) == 0 &&
-           stat(file.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
-           opened.st_ino == named.st_ino;
-}
-
 // The members of a stored item and their names in a copy.
 constexpr std::pair<char const*, std::optional<std::int64_t> StoredItem::*> kMembers[] = {
     {"number", &StoredItem::number},
@@ -126,6 +79,57 @@ std::vector<StoredItem> itemsFrom(Json const& json) {
     return items;
 }
 
+Json toJson(ListEntries const& list) {
+    Json entries = Json::array();
+    for (Entry const& entry : list.entries) {
+        entries.push_back({{"number", entry.number ? Json(*entry.number) : Json()},
+                           {"key", entry.serviceId},
+                           {"hidden", entry.deleted},
+                           {"name", displayText(entry.name)},
+                           {"service", displayText(entry.uuid)},
+                           {"triplet", entry.triplet}});
+    }
+    return {{"uuid", list.uuid},
+            {"name", list.listName},
+            {"entries", std::move(entries)},
+            {"items", toJson(list.items)}};
+}
+
+ListEntries listFrom(Json const& json) {
+    ListEntries list;
+    list.uuid = json.at("uuid");
+    list.listName = json.at("name");
+    for (Json const& each : json.at("entries")) {
+        Entry entry;
+        if (!each.at("number").is_null())
+            entry.number = each.at("number").get<std::int64_t>();
+        entry.serviceId = each.at("key");
+        entry.deleted = each.at("hidden");
+        entry.name = each.at("name");
+        entry.triplet = each.at("triplet");
+        entry.uuid = each.value("service", "");
+        list.entries.push_back(std::move(entry));
+    }
+    list.items = itemsFrom(json.value("items", Json::array()));
+    return list;
+}
+
+bool isChanged(ListEntries const& list, Snapshot const& now) {
+    return std::none_of(
+        now.begin(), now.end(),
+        [&](ListEntries const& each) {
+            return each.uuid == list.uuid && each.entries == list.entries;
+        });
+}
+
+// Locks the open file unless another process has, or has given the name to something else since.
+bool lockNamed(int descriptor, std::string const& file) {
+    struct stat opened, named;
+    return flock(descriptor, LOCK_EX | LOCK_NB) == 0 && fstat(descriptor, &opened) == 0 &&
+           stat(file.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+           opened.st_ino == named.st_ino;
+}
+
 KeptCopy copyFrom(int number, Json const& json) {
     KeptCopy copy;
     copy.number = number;
@@ -134,11 +138,8 @@ KeptCopy copyFrom(int number, Json const& json) {
     copy.undoes = json.value("undoes", 0);
     copy.alongside = json.value("alongside", copy.alongside);
     copy.content = json.value("content", "");
-    for (Json const& list : json.at("lists")) {
+    for (Json const& list : json.at("lists"))
         copy.lists.push_back(listFrom(list));
-        if (list.contains("items"))
-            copy.lists.back().items = itemsFrom(list.at("items"));
-    }
     for (Json const& list : json.value("after", Json::array()))
         copy.after.push_back(listFrom(list));
     return copy;
@@ -261,9 +262,12 @@ void UndoStore::makeFolder() const {
 bool UndoStore::claim(int number) {
     std::string const file = fileOf(number, ".part");
     claimed_ = open(file.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-    if (claimed_ >= 0 && lockNamed(claimed_, file))
-        return true;
-    if (claimed_ >= 0) {  // whoever settles was faster
+    if (claimed_ >= 0 && lockNamed(claimed_, file)) {
+        if (!fs::exists(fileOf(number, ".json")))
+            return true;
+        unlink(file.c_str());  // another has finished since the numbers were read
+    }
+    if (claimed_ >= 0) {  // or whoever settles was faster
         close(std::exchange(claimed_, -1));
         return false;
     }
@@ -274,10 +278,8 @@ bool UndoStore::claim(int number) {
 
 void UndoStore::write(KeptCopy const& copy, int descriptor, char const* ending) const {
     Json lists = Json::array();
-    for (ListEntries const& list : copy.lists) {
+    for (ListEntries const& list : copy.lists)
         lists.push_back(toJson(list));
-        lists.back()["items"] = toJson(list.items);
-    }
     Json json = {{"time", copy.time}, {"command", copy.command}, {"lists", lists}};
     if (copy.undoes != 0)
         json["undoes"] = copy.undoes;

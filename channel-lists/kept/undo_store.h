@@ -19,7 +19,7 @@ struct KeptCopy {
     int number = 0;  // newer ones have higher ones
     std::string time;
     std::string command;  // that kept it: "edit FAV1"
-    Snapshot lists;       // before the command, with their items
+    Snapshot lists;       // before the command
     Snapshot after;       // the same lists as it left them, until then as it was to leave them
     std::string file;     // the whole database; "" where there are lists
     std::string content;  // digest of the whole database as the command left it; "" unknown

@@ -198,6 +198,20 @@ class Planner {
         return isOfAnother ? std::nullopt : std::optional(entry);
     }
 
+    // What was not shown, and went with the command's request for the list.
+    std::vector<StoredItem> dropped(ListEntries const& kept) const {
+        std::vector<StoredItem> items = undelivered(kept.items, kept.entries);
+        std::set<std::int64_t> left;
+        if (ListEntries const* const after = withUuid(copy_.after, kept.uuid))
+            for (StoredItem const& item : after->items)
+                left.insert(item.service);
+        items.erase(
+            std::remove_if(items.begin(), items.end(),
+                           [&](StoredItem const& item) { return left.count(item.service) != 0; }),
+            items.end());
+        return items;
+    }
+
     // A request is the whole content of the list: what the library does not deliver is named, too.
     void addUndelivered(ListEntries const& kept, ListEdit& edit) {
         std::vector<Entry>& wanted = edit.wanted.entries;
@@ -211,7 +225,7 @@ class Planner {
                 entries.push_back(*entry);
             }
         std::size_t const now = entries.size();
-        for (StoredItem const& item : undelivered(kept.items, kept.entries)) {
+        for (StoredItem const& item : dropped(kept)) {
             auto const entry = entryOf(item);
             if (!entry)
                 result_.notes.push_back(kept.listName + ": an entry that was not shown is left " +

@@ -124,6 +124,10 @@ TEST_F(ToolTest, BringsBackAllThatAnEntryWas) {
     EXPECT_THAT(rows(kAll), testing::Not(HasSubstr("999")));
     output("undo");
     EXPECT_EQ(rows(kAll), before);
+    output("edit all hide VOX");  // which drops nothing
+    change("DELETE FROM FavoriteItem WHERE ServiceId = 999");
+    output("undo");
+    EXPECT_THAT(rows(kAll), testing::Not(HasSubstr("999")));
     output("edit FAV1 remove VOX remove Jazz");
     change("DELETE FROM Service WHERE Pid = 3");
     std::string const now = fav(1);

@@ -53,6 +53,7 @@ TEST_F(WatchTest, TellsWhatHappensToTheDatabase) {
         {"edit FAV1 remove VOX", " FAV1: 9 VOX removed\n"},
         {"edit all hide 'Das Erste'", " FAV1: 1 Das Erste hidden\n"},
         {"UPDATE FavoriteItem SET ChannelNum = 7 WHERE FavoriteId = 12", " FAV2: 7 VOX moved"},
+        {"UPDATE Service SET Uuid = 'else', Name = 'Else' WHERE Pid = 1", " FAV1: 1 Else added"},
     };
     for (auto const& step : steps) {
         SCOPED_TRACE(step.happens);
