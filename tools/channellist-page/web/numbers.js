@@ -38,30 +38,42 @@ export function hasNoGaps(entries, reserved) {
 
 // `given`: numbers by key.
 const numbered = (entries, given) => entries.map((entry) =>
-    given.has(entry.key) && given.get(entry.key) !== entry.number
-        ? {...entry, number: given.get(entry.key)} : entry);
+    given.has(entry.key) ? {...entry, number: given.get(entry.key)} : entry);
 
 // The numbers of these entries, dealt out again in this order.
 export function dealt(entries, order) {
     const numbers = [...order].sort(byNumber).map((entry) => entry.number);
-    return numbered(entries, new Map(order.map((entry, i) => [entry.key, numbers[i]])));
+    const given = new Map();
+    order.forEach((entry, i) => entry.number === numbers[i] || given.set(entry.key, numbers[i]));
+    return numbered(entries, given);
 }
 
-// A block of entries comes to stand at `number` and behind it. Those that stand there, and those
-// behind them up to the next gap, move on.
-function insert(entries, block, number, reserved) {
+// `count` free numbers, the first of them at `number` or behind it.
+const placesFrom = (number, count, reserved) => Array.from({length: count}, () => {
+    const place = nextFree(number, reserved);
+    number = place + 1;
+    return place;
+});
+
+// Entries join at numbers, `wishes` being [entry, number] from the least number on. Those that stand
+// at such a number, and those behind them up to the next gap, move on; all in one pass.
+function insert(entries, wishes, reserved) {
     const at = new Map();
     for (const entry of entries.filter(isPlaced))
-        at.set(entry.number, [...(at.get(entry.number) ?? []), entry]);
+        if (!at.get(entry.number)?.push(entry))
+            at.set(entry.number, [entry]);
     const given = new Map();
-    const waiting = block.map((entry) => [entry]);
-    for (let i = 0, place = nextFree(number, reserved); i < waiting.length; ++i) {
-        waiting.push(...(at.has(place) ? [at.get(place)] : []));
-        for (const entry of waiting[i])
+    const waiting = [];  // for a place: those that stood at the same number stay together
+    for (let next = 0, place = 0; next < wishes.length || waiting.length > 0;) {
+        place = nextFree(waiting.length > 0 ? place + 1 : wishes[next][1], reserved);
+        for (; next < wishes.length && wishes[next][1] <= place; ++next)
+            waiting.unshift([wishes[next][0]]);
+        if (at.has(place))
+            waiting.push(at.get(place));
+        for (const entry of waiting.shift())
             given.set(entry.key, place);
-        place = nextFree(place + 1, reserved);
     }
-    return numbered([...entries, ...block], given);
+    return numbered([...entries, ...wishes.map(([entry]) => entry)], given);
 }
 
 // A block in front of the entry `before`; null: behind all. The numbers in use stay the same ones,
@@ -73,49 +85,94 @@ export function moveBefore(entries, block, before, reserved) {
     const index = at < 0 ? others.length : without(entries.slice(0, at), block).filter(isPlaced).length;
     if (block.some((entry) => entry.number === null)) {
         const last = rest.reduce((largest, entry) => Math.max(largest, entry.number ?? 0), 0);
-        return insert(rest, block, Math.max(1, others[index]?.number ?? last + 1), reserved);
+        const places = placesFrom(Math.max(1, others[index]?.number ?? last + 1), block.length, reserved);
+        return insert(rest, block.map((entry, i) => [entry, places[i]]), reserved);
     }
     return dealt(entries, [...others.slice(0, index), ...block, ...others.slice(index)]);
 }
 
-// One of `line`, which are entries to be changed, to `number`. When that is in use, those between the
-// old place and the new one close up.
-function moveOne(line, moved, number) {
-    const [least, most] = [moved.number, number].sort((a, b) => a - b);
-    const between = line.filter((entry) => entry !== moved && isPlaced(entry)
-        && entry.number >= least && entry.number <= most).sort(byNumber);
-    if (!moved.hidden && between.some((entry) => entry.number === number)) {
-        const order = number < moved.number ? [moved, ...between] : [...between, moved];
-        const numbers = [...order].sort(byNumber).map((entry) => entry.number);
-        order.forEach((entry, i) => entry.number = numbers[i]);
+// The first index of ascending numbers at which there is `number` or more.
+function firstAt(numbers, number) {
+    let [first, last] = [0, numbers.length];
+    while (first < last) {
+        const middle = (first + last) >> 1;
+        if (numbers[middle] < number)
+            first = middle + 1;
+        else
+            last = middle;
     }
-    moved.number = number;
+    return first;
+}
+
+// What is at `from` of an array goes to `to`, as `value`; those between close up.
+function shift(array, from, to, value) {
+    if (from < to)
+        array.copyWithin(from, from + 1, to + 1);
+    else
+        array.copyWithin(to + 1, to, from);
+    array[to] = value;
+}
+
+// The shown entries as they stand: indices of a list's entries in the order of their numbers, those
+// of one number in the order of the list.
+class Line {
+    constructor(entries) {
+        const indices = [...entries.keys()].filter((i) => isPlaced(entries[i]));
+        this.order = Int32Array.from(indices.sort((a, b) => byNumber(entries[a], entries[b])));
+        this.numbers = Float64Array.from(this.order, (i) => entries[i].number);
+        this.isTied = this.numbers.some((number, i) => number === this.numbers[i - 1]);
+    }
+
+    // When the number is in use, those between the old place and the new one close up.
+    move(index, number) {
+        const {order, numbers} = this;
+        const from = order.indexOf(index);
+        if (from < 0 || numbers[from] === number)
+            return;
+        const isUsed = numbers[firstAt(numbers, number)] === number;
+        const to = number > numbers[from] ? firstAt(numbers, number + 1) - 1 : firstAt(numbers, number);
+        shift(order, from, to, index);
+        if (!isUsed)
+            shift(numbers, from, to, number);
+        else if (this.isTied)
+            this.sortTied(Math.min(from, to), Math.max(from, to));
+    }
+
+    sortTied(first, last) {
+        const {order, numbers} = this;
+        for (let i = first; i <= last || numbers[i] === numbers[i - 1]; ++i)
+            for (let k = i; numbers[k] === numbers[k - 1] && order[k] < order[k - 1]; --k)
+                [order[k - 1], order[k]] = [order[k], order[k - 1]];
+    }
 }
 
 // A block to `number` and those behind it, as the command does it: those without a number join first.
 // Then those in front of or at their place go there from the last on, those behind it from the first
 // on: so none of the block is between the old and the new place of another.
 export function moveToNumber(entries, block, number, reserved) {
-    let last = number - 1;
     const ordered = [...block].sort(byNumber);
-    const places = ordered.map(() => last = nextFree(last + 1, reserved));
-    const joined = ordered.filter((entry) => entry.number === null).reduce((list, entry, i) =>
-        entry.hidden ? numbered(list, new Map([[entry.key, places[i]]]))
-            : insert(without(list, [entry]), [entry], places[i], reserved), entries);
-    const line = joined.map((entry) => ({...entry}));
-    const moves = ordered.map(({key}, i) => [line.find((entry) => entry.key === key), places[i]]);
-    const isInFront = ([entry, place]) => entry.number <= place;
-    const order = [...moves.filter(isInFront).reverse(), ...moves.filter((each) => !isInFront(each))];
-    for (const [entry, place] of order)
-        moveOne(line, entry, place);
-    return numbered(joined, new Map(line.map((entry) => [entry.key, entry.number])));
+    const places = placesFrom(number, block.length, reserved);
+    const placeOf = new Map(ordered.map((entry, i) => [entry.key, places[i]]));
+    const joining = ordered.filter((entry) => entry.number === null && !entry.hidden);
+    const joined = joining.length === 0 ? entries : insert(without(entries, joining),
+        joining.map((entry) => [entry, placeOf.get(entry.key)]), reserved);
+    const moves = [...joined.keys()].filter((i) => placeOf.has(joined[i].key))
+        .map((i) => [i, placeOf.get(joined[i].key)]).sort(([, a], [, b]) => a - b);
+    const isInFront = ([index, place]) => joined[index].number <= place;
+    const line = new Line(joined);
+    for (const move of [...moves.filter(isInFront).reverse(), ...moves.filter((each) => !isInFront(each))])
+        line.move(...move);
+    const given = joined.map((entry) => entry.number);
+    for (const [index, place] of moves)
+        given[index] = place;
+    line.order.forEach((index, i) => given[index] = line.numbers[i]);
+    return joined.map((entry, i) => entry.number === given[i] ? entry : {...entry, number: given[i]});
 }
 
 // Shows hidden entries again; one that took such a number in the meantime moves on.
 export function restore(entries, block, reserved) {
-    return block.reduce((list, entry) => {
-        const shown = {...entry, hidden: false};
-        return entry.number === null ? [...without(list, [entry]), shown]
-            : insert(without(list, [entry]), [shown], entry.number, reserved);
-    }, entries);
+    const wishes = [...block].sort(byNumber).map((entry) => [{...entry, hidden: false}, entry.number]);
+    const hasNone = ([, number]) => number === null;
+    return insert([...without(entries, block), ...wishes.filter(hasNone).map(([entry]) => entry)],
+        wishes.filter((each) => !hasNone(each)), reserved);
 }

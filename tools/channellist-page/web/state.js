@@ -24,14 +24,16 @@ export function entriesOf(rows) {
 const newEntry = (id) => ({key: `${id}`, id, number: null, hidden: false});
 
 const pick = (entries, keys) => {
-    const byKey = new Map(entries.map((entry) => [entry.key, entry]));
+    const wanted = new Set(keys);
+    const byKey = new Map(entries.filter(({key}) => wanted.has(key)).map((entry) => [entry.key, entry]));
     return keys.map((key) => byKey.get(key)).filter(Boolean);
 };
 
 // What the shown entry is in front of which the block steps up or down, as a whole.
 function stepped(entries, block, by) {
     const shown = entries.filter((entry) => !entry.hidden);
-    const first = shown.findIndex((entry) => block.includes(entry));
+    const moving = new Set(block);
+    const first = shown.findIndex((entry) => moving.has(entry));
     return without(shown, block)[Math.max(0, first + by)]?.key ?? null;
 }
 
@@ -65,11 +67,12 @@ export function apply(doc, op, lists) {
     const marks = new Map(fav ? [] : after.filter((entry) => !old.has(entry))
         .map((entry) => [entry.id, entry.hidden]));
     const next = {...doc, [op.list]: after};
+    const isMarked = (entry) => (marks.get(entry.id) ?? entry.hidden) !== entry.hidden;
     for (const uuid of Object.keys(doc).filter((each) => lists[each].fav)) {
-        const marked = next[uuid].map((entry) => (marks.get(entry.id) ?? entry.hidden) === entry.hidden
-            ? entry : {...entry, hidden: !entry.hidden});
-        next[uuid] = hasNoGaps(doc[uuid], lists[uuid].reserved)
-            ? closeGaps(marked, lists[uuid].reserved) : marked;
+        if (next[uuid].some(isMarked))
+            next[uuid] = next[uuid].map((entry) => isMarked(entry) ? {...entry, hidden: !entry.hidden} : entry);
+        if (next[uuid] !== doc[uuid] && hasNoGaps(doc[uuid], lists[uuid].reserved))
+            next[uuid] = closeGaps(next[uuid], lists[uuid].reserved);
     }
     return next;
 }
