@@ -9,19 +9,39 @@
 namespace channel_lists {
 namespace {
 
-// As the library renumbers: those that are shown get 1, 2, 3 in their order, around OTT channels.
-void closeGaps(std::vector<Entry>& entries, std::set<std::int64_t> const& reserved) {
+// As the library renumbers: those that are not hidden get 1, 2, 3 in their order, around OTT
+// channels; the numbers of items that it does not deliver count.
+void closeGaps(std::vector<Entry>& entries, std::set<std::int64_t> const& reserved,
+               std::multiset<std::int64_t> const& undelivered) {
     std::stable_sort(entries.begin(), entries.end(),
                      [](Entry const& a, Entry const& b) { return a.number < b.number; });
     std::int64_t last = 0;
-    for (Entry& entry : entries) {
-        if (entry.deleted)
-            continue;
+    auto const next = [&] {
         do {
             ++last;
         } while (reserved.count(last) != 0);
-        entry.number = last;
+        return last;
+    };
+    auto other = undelivered.begin();
+    for (Entry& entry : entries) {
+        if (entry.deleted)
+            continue;
+        for (; other != undelivered.end() && *other < entry.number; ++other)
+            next();
+        entry.number = next();
     }
+}
+
+// Of services that are there, and not hidden.
+std::multiset<std::int64_t> undeliveredNumbers(ListEntries const& list) {
+    std::set<std::int64_t> held;
+    for (Entry const& entry : list.entries)
+        held.insert(entry.serviceId);
+    std::multiset<std::int64_t> numbers;
+    for (StoredItem const& item : list.items)
+        if (held.count(item.service) == 0 && !item.uuid.empty() && item.hidden.value_or(0) == 0)
+            numbers.insert(item.number.value_or(0));
+    return numbers;
 }
 
 // A request for FAV1 to FAV4 drops what the library does not deliver.
@@ -77,7 +97,7 @@ void expect(ListEdit const& edit, Snapshot& lists) {
                 list.items = delivered(list);
             list.entries = entries;
             if (isFav && edit.wanted.renumber)
-                closeGaps(list.entries, seen.reserved);
+                closeGaps(list.entries, seen.reserved, undeliveredNumbers(list));
             continue;
         }
         bool closesGaps = false;
@@ -88,7 +108,7 @@ void expect(ListEdit const& edit, Snapshot& lists) {
         }
         if (auto const reserved = seen.favReserved.find(list.uuid);
             closesGaps && reserved != seen.favReserved.end())
-            closeGaps(list.entries, reserved->second);
+            closeGaps(list.entries, reserved->second, undeliveredNumbers(list));
     }
 }
 

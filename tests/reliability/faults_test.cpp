@@ -187,6 +187,44 @@ TEST_P(Faults, LeaveTheDatabaseWholeAndTheLibraryWorking) {
     EXPECT_EQ(raised_, entry().raisesBadAlloc) << "std::bad_alloc reached the host, or never did";
 }
 
+// A deadline of the host meets storage that fails: COMMIT is interrupted, whatever became of it.
+TEST(InterruptedCommit, IsDoneOrHasWrittenNothing) {
+    static int steps, first;
+    auto const begins = [](unsigned, void*, void* statement, void*) {
+        char const* const sql = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
+        steps = sql != nullptr && std::string(sql).compare(0, 6, "COMMIT") == 0 ? 1 : 0;
+        return 0;
+    };
+    auto const interrupts = [](void*) { return steps > 0 && ++steps > first ? 1 : 0; };
+    auto const entry = std::find_if(
+        kEntryPoints.begin(), kEntryPoints.end(),
+        [](EntryPoint const& each) { return each.writes == Writes::Whole && each.opens; });
+    int done = 0, failed = 0;
+    for (Journal const journal : {Journal::Rollback, Journal::Wal})
+        for (int const run : {2, 3, 4, 5}) {
+            first = 2 + run / 2;  // before and behind the step that commits
+            bool const lasting = run % 2 != 0;
+            Workshop workshop(journal);
+            std::string const before = workshop.contents().tables;
+            for (unsigned at = 1; at == 1 || fault.struck() > 0; ++at) {
+                workshop.renew();
+                dbaccess::select_Folders();
+                sqlite3_trace_v2(db, SQLITE_TRACE_STMT, begins, nullptr);
+                sqlite3_progress_handler(db, 1, interrupts, nullptr);
+                fault = {FaultKind::StorageError, at, lasting};
+                bool const hasFailed = entry->call().failed;
+                fault.kind = FaultKind::None;
+                checkConnection(db);
+                forgetLibraryState();
+                EXPECT_EQ(workshop.contents().tables == before, hasFailed)
+                    << journal << " " << at << (lasting ? " on" : "");
+                ++(hasFailed ? failed : done);
+            }
+        }
+    EXPECT_GT(done, 4);
+    EXPECT_GT(failed, 20);
+}
+
 // Each row needs more room than the one before left.
 TEST(Snapshot, ChangesAsAWholeOrNotAtAllWithoutMemory) {
     auto const texts = [] {

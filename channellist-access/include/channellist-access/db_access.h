@@ -342,7 +342,7 @@ CHANNELLIST_ACCESS_EXPORT std::string getBissKeyFromService(std::string uuid);
 /// row to `values`, read by `strtol` in base 10 and saturated at the signed 32-bit range (a
 /// negative number wraps; a row with a null is skipped). Opens the file on first use and keeps it
 /// open, even when HOME changes; after a failed open `db_zentova` is null and the next call tries
-/// anew. Takes no lock and does not wait.
+/// anew. Takes no mutex; on a connection that it opened it waits up to 1 s for a lock on the file.
 ///
 /// @return 0; -1 when HOME is not set, the file cannot be opened or the statement fails; the values
 ///         of rows before the failure stay.

@@ -4,6 +4,16 @@
 #include "db_access/data_version.h"
 
 namespace channellist {
+namespace {
+
+// What the connection keeps of the file in memory.
+int cachedBytes(sqlite3* connection) {
+    int bytes = 0, highest = 0;
+    sqlite3_db_status(connection, SQLITE_DBSTATUS_CACHE_USED, &bytes, &highest, 0);
+    return bytes;
+}
+
+}  // namespace
 
 int EditTransaction::begin() { return beginWith("BEGIN TRANSACTION"); }
 
@@ -29,12 +39,14 @@ int EditTransaction::beginWith(char const* sql) {
 
 int EditTransaction::commit(CallSite const& site) {
     auto const before = dataVersion(connection_);
+    int const cachedBefore = cachedBytes(connection_);
     int const code = retryWhileBusy(kCommitAttempts, site, LogModule::DatabaseAccess,
                                     [this] { return execute("COMMIT TRANSACTION"); });
     open_ = isInTransaction(connection_);
-    // The interrupt of a commit that got through came when all was written. One that storage failed
-    // is rolled back, and the interrupt may hide that.
-    bool const isWritten = !open_ && dataVersion(connection_) != before;
+    // The interrupt of a commit that got through came when all was written. It may also hide that
+    // storage failed: then the version stays, or moves twice, or once with the pages thrown away.
+    bool const isWritten = !open_ && before && dataVersion(connection_) == *before + 1 &&
+                           cachedBytes(connection_) > cachedBefore / 2;
     return code == SQLITE_INTERRUPT && isWritten ? SQLITE_OK : code;
 }
 

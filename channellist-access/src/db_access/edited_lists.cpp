@@ -38,14 +38,17 @@ EditOutcome findList(CallSite const& site, std::string const& uuid, unsigned int
 
 // Their order is SQLite's, by which a list is FAV1 or FAV4. A host may have asked its
 // connection for the reverse of any such order; SQLite is asked only where the keys look like it.
-void undoReverseOrder(std::vector<unsigned int>& pids) {
+EditOutcome undoReverseOrder(std::vector<unsigned int>& pids) {
     if (!std::is_sorted(pids.rbegin(), pids.rend()))
-        return;
+        return EditOutcome::Done;
     unsigned int isReversed = 0;
     char* error = nullptr;
-    sqlexec(db, "PRAGMA reverse_unordered_selects;", dbaccess::listIdCallback, &isReversed, &error);
+    if (sqlexec(db, "PRAGMA reverse_unordered_selects;", dbaccess::listIdCallback, &isReversed,
+                &error) != SQLITE_OK)
+        return EditOutcome::Failed;  // which has been told
     if (isReversed != 0)
         std::reverse(pids.begin(), pids.end());
+    return EditOutcome::Done;
 }
 
 // All four: both kinds of edit need them.
@@ -60,8 +63,7 @@ EditOutcome findFavLists(CallSite const& site, std::vector<unsigned int>& pids) 
                       static_cast<int>(pids.size()));
         return EditOutcome::Failed;
     }
-    undoReverseOrder(pids);
-    return EditOutcome::Done;
+    return undoReverseOrder(pids);
 }
 
 }  // namespace

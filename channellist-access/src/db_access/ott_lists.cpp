@@ -40,7 +40,7 @@ bool openOttDatabase(CallSite const& site) {
 
 // A null position belongs to no channel and is skipped; a negative one wraps.
 int positionCallback(void* context, int /*count*/, char** values, char** /*names*/) {
-    if (values[0] == nullptr)
+    if (values == nullptr || values[0] == nullptr)
         return kContinueQuery;
     auto const position = static_cast<unsigned int>(leadingNumber(values[0]));
     return appendNumber(position, *static_cast<std::vector<unsigned int>*>(context));
