@@ -8,7 +8,7 @@ const lists = {
     gaps: {fav: 2, reserved: new Set()},
     odd: {fav: 3, reserved: new Set()},
     lost: {fav: 4, reserved: new Set()},
-    twins: {fav: 0, reserved: new Set()},
+    kinds: {fav: 0, reserved: new Set()},
     all: {fav: 0, reserved: new Set()},
 };
 const row = (id, number, hidden = 0) => [id, number, hidden, `${id}`, "TV", "", 0, 0];
@@ -17,7 +17,8 @@ const base = () => ({
     gaps: {version: "1", entries: st.entriesOf([row(10, 1), row(11, 2, 1), row(12, 7), row(13, 8)])},
     odd: {version: "1", entries: st.entriesOf([row(10, 2), row(11, 3), row(12, 6), row(13, null), row(14, null)])},
     lost: {version: "1", entries: st.entriesOf([row(10, 1, 1), row(11, 1), row(12, 3, 1), row(13, 3), row(14, 6)])},
-    twins: {version: "1", entries: st.entriesOf([row(10, 1), row(11, 1), row(12, 2), row(13, 2), row(14, 3)])},
+    kinds: {version: "1", entries: st.entriesOf([10, 11, 12, 13, 14, 15].map((id, i) =>
+        [id, i % 3 + 1, 0, `${id}`, i < 3 ? "TV" : "Radio"]))},
     all: {version: "1", entries: st.entriesOf([10, 11, 12, 13, 14, 15].map((id, i) => row(id, i + 1)))},
 });
 const told = (entries) => entries.map((e) => `${e.number}:${e.hidden ? "-" : ""}${e.id}`).join(" ");
@@ -45,8 +46,7 @@ test("what an operation makes of a list", () => {
         [{what: "show", list: "lost", keys: ["10", "12"]}, "1:10 2:11 3:12 4:13 6:14"],
         [{what: "move", list: "lost", keys: ["14", "13", "10"], number: 2}, "1:11 2:-10 3:-12 3:13 4:14"],
         [{what: "move", list: "lost", keys: ["11", "13"], number: 6}, "1:-10 1:14 3:-12 6:11 7:13"],
-        [{what: "move", list: "twins", keys: ["10"], number: 2}, "1:11 1:12 2:10 2:13 3:14"],
-        [{what: "move", list: "twins", keys: ["10", "14"], number: 2}, "1:11 1:12 2:10 2:13 3:14"],
+        [{what: "move", list: "kinds", keys: ["10", "11"], number: 2}, "1:12 2:10 3:11 1:13 2:14 3:15"],
         [{what: "close", list: "gaps"}, "1:10 2:-11 2:12 3:13"],
     ];
     for (const [op, expected] of cases) {
