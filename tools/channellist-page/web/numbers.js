@@ -55,25 +55,35 @@ const placesFrom = (number, count, reserved) => Array.from({length: count}, () =
     return place;
 });
 
+const withNumbers = (entries, numbers) =>
+    entries.map((entry, i) => entry.number === numbers[i] ? entry : {...entry, number: numbers[i]});
+
+// The indices of the shown ones in the order of their numbers, those of one number in the list's.
+const shownIndices = (entries) => [...entries.keys()].filter((i) => isPlaced(entries[i]))
+    .sort((a, b) => byNumber(entries[a], entries[b]));
+
 // Entries join at numbers, `wishes` being [entry, number] from the least number on. Those that stand
 // at such a number, and those behind them up to the next gap, move on; all in one pass.
 function insert(entries, wishes, reserved) {
-    const at = new Map();
-    for (const entry of entries.filter(isPlaced))
-        if (!at.get(entry.number)?.push(entry))
-            at.set(entry.number, [entry]);
-    const given = new Map();
+    const all = [...entries, ...wishes.map(([entry]) => entry)];
+    const numbers = all.map((entry) => entry.number);
+    const shown = shownIndices(entries);
     const waiting = [];  // for a place: those that stood at the same number stay together
-    for (let next = 0, place = 0; next < wishes.length || waiting.length > 0;) {
-        place = nextFree(waiting.length > 0 ? place + 1 : wishes[next][1], reserved);
-        for (; next < wishes.length && wishes[next][1] <= place; ++next)
-            waiting.unshift([wishes[next][0]]);
-        if (at.has(place))
-            waiting.push(at.get(place));
-        for (const entry of waiting.shift())
-            given.set(entry.key, place);
+    for (let wish = 0, next = 0, place = 0; wish < wishes.length || waiting.length > 0;) {
+        place = nextFree(waiting.length > 0 ? place + 1 : wishes[wish][1], reserved);
+        for (; wish < wishes.length && wishes[wish][1] <= place; ++wish)
+            waiting.unshift([entries.length + wish]);
+        while (entries[shown[next]]?.number < place)
+            ++next;
+        const there = [];
+        for (; entries[shown[next]]?.number === place; ++next)
+            there.push(shown[next]);
+        if (there.length > 0)
+            waiting.push(there);
+        for (const index of waiting.shift())
+            numbers[index] = place;
     }
-    return numbered([...entries, ...wishes.map(([entry]) => entry)], given);
+    return withNumbers(all, numbers);
 }
 
 // A block in front of the entry `before`; null: behind all. The numbers in use stay the same ones,
@@ -113,12 +123,10 @@ function shift(array, from, to, value) {
     array[to] = value;
 }
 
-// The shown entries as they stand: indices of a list's entries in the order of their numbers, those
-// of one number in the order of the list.
+// The shown entries as they stand: their indices, and their numbers.
 class Line {
     constructor(entries) {
-        const indices = [...entries.keys()].filter((i) => isPlaced(entries[i]));
-        this.order = Int32Array.from(indices.sort((a, b) => byNumber(entries[a], entries[b])));
+        this.order = Int32Array.from(shownIndices(entries));
         this.numbers = Float64Array.from(this.order, (i) => entries[i].number);
         this.isTied = this.numbers.some((number, i) => number === this.numbers[i - 1]);
     }
@@ -166,7 +174,7 @@ export function moveToNumber(entries, block, number, reserved) {
     for (const [index, place] of moves)
         given[index] = place;
     line.order.forEach((index, i) => given[index] = line.numbers[i]);
-    return joined.map((entry, i) => entry.number === given[i] ? entry : {...entry, number: given[i]});
+    return withNumbers(joined, given);
 }
 
 // Shows hidden entries again; one that took such a number in the meantime moves on.

@@ -131,12 +131,11 @@ export function changedLists(state) {
 
 // A line for each entry that differs, as the command "diff" tells it.
 export function changes(before, after) {
-    const old = new Map(before.map((entry) => [entry.key, entry]));
-    const kept = new Map(after.map((entry) => [entry.key, entry]));
-    const lines = before.filter((entry) => !kept.has(entry.key))
-        .map((entry) => ({what: ["removed"], id: entry.id, before: entry.number, after: null}));
+    const gone = new Map(before.map((entry) => [entry.key, entry]));
+    const lines = [];
     for (const entry of after) {
-        const was = old.get(entry.key);
+        const was = gone.get(entry.key);
+        gone.delete(entry.key);
         const what = was ? [] : ["added"];
         if (was && was.number !== entry.number)
             what.push("moved");
@@ -145,5 +144,6 @@ export function changes(before, after) {
         if (what.length > 0)
             lines.push({what, id: entry.id, before: was?.number ?? null, after: entry.number});
     }
-    return lines;
+    const removed = ({id, number}) => ({what: ["removed"], id, before: number, after: null});
+    return [...[...gone.values()].map(removed), ...lines];
 }
