@@ -64,7 +64,7 @@ std::vector<List> shownLists() {
 }
 
 std::string placeOf(ResultRow const& service) {
-    std::string const delivery = deliveryOf(service);
+    std::string delivery = deliveryOf(service);
     std::string const& satellite = service[SERVICE_FIELD_SATELLITE];
     if (delivery != "satellite" || satellite.empty())
         return delivery;

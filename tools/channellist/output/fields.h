@@ -32,6 +32,7 @@ std::string columnsHelp(std::vector<std::string> const& keys);
 template <typename Row>
 std::vector<std::string> keysOf(std::vector<Field<Row>> const& fields) {
     std::vector<std::string> keys;
+    keys.reserve(fields.size());
     for (Field<Row> const& field : fields)
         keys.emplace_back(field.key);
     return keys;
@@ -77,6 +78,7 @@ void printFields(std::vector<Field<Row>> const& fields, std::vector<Row> const& 
     TextTable table(usualColumns(shown));
     for (Row const& row : rows) {
         std::vector<Cell> cells;
+        cells.reserve(shown.size());
         for (Field<Row> const& field : shown)
             cells.emplace_back(field.text(field.value(row)));
         table.add(std::move(cells), style(row));
