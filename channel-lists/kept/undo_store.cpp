@@ -197,15 +197,27 @@ bool UndoStore::tryToWriteAnew() const {
     return isWritten;
 }
 
+int UndoStore::firstFree() const {
+    std::vector<int> const kept = numbers(".json");
+    int last = 0;
+    std::ifstream(folder_ + "/last") >> last;
+    return std::max(kept.empty() ? 0 : kept.back(), last) + 1;
+}
+
+void UndoStore::giveName(int number, std::string const& whole) const {
+    int const last = firstFree() - 1;
+    std::ofstream(folder_ + "/last") << std::max(number, last) << "\n";
+    if (rename(whole.c_str(), fileOf(number, ".json").c_str()) != 0)
+        listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
+}
+
 void UndoStore::rewriteAndConfirm() {
     if (last_.number == 0)
         return;
     bool const isAnew = tryToWriteAnew();  // else what it was to be has to do
     std::string const part = fileOf(last_.number, ".part");
-    std::string const whole = isAnew ? fileOf(last_.number, ".new") : part;
-    if (rename(whole.c_str(), fileOf(last_.number, ".json").c_str()) != 0)
-        listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
-    else if (isAnew)
+    giveName(last_.number, isAnew ? fileOf(last_.number, ".new") : part);
+    if (isAnew && fs::exists(fileOf(last_.number, ".json")))
         unlink(part.c_str());
     last_.number = 0;
     close(std::exchange(claimed_, -1));
@@ -333,8 +345,7 @@ void UndoStore::removeOld(bool isUndo) const {
 }
 
 void UndoStore::keep(KeptCopy& copy) {
-    std::vector<int> const kept = numbers(".json");
-    copy.number = kept.empty() ? 1 : kept.back() + 1;
+    copy.number = firstFree();
     copy.time = localTime();
     makeFolder();
     while (!claim(copy.number))
@@ -421,19 +432,21 @@ std::vector<KeptCopy> UndoStore::copies() const {
     return found;
 }
 
-void UndoStore::settle(std::function<bool(KeptCopy const&)> const& wasWritten) const {
+void UndoStore::settle(
+    std::function<std::optional<bool>(KeptCopy const&)> const& wasWritten) const {
     for (int const number : numbers(".part")) {
         std::string const file = fileOf(number, ".part");
         int const claimed = open(file.c_str(), O_RDWR | O_CLOEXEC);
         if (claimed >= 0 && lockNamed(claimed, file)) {
             KeptCopy const copy = read(number, ".part");
-            std::string const whole = fileOf(number, ".json");
-            if (fs::exists(whole))  // it only had to go
+            // Of one that cannot be read the write had not begun.
+            std::optional<bool> const isWritten = copy.isReadable ? wasWritten(copy) : false;
+            if (fs::exists(fileOf(number, ".json")))  // it only had to go
                 unlink(file.c_str());
-            else if (!copy.isReadable || !wasWritten(copy))  // unreadable: it died before the write
+            else if (isWritten == false)
                 remove(number);
-            else
-                rename(file.c_str(), whole.c_str());
+            else if (isWritten)
+                giveName(number, file);
             unlink(fileOf(number, ".new").c_str());
         }
         close(claimed);

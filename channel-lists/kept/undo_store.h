@@ -4,10 +4,12 @@
 // folder that is called as the database's real path, the last ten of them and of those that "undo"
 // itself makes: N.json with the lists that an edit reached, or N.json beside N.db with the whole
 // database. Until the write is done N.json is called N.part, and its process holds a lock on it;
-// what the write has made is told by N.new, which becomes N.json when it is whole.
+// what the write has made is told by N.new, which becomes N.json when it is whole. "last" holds the
+// highest number that was ever given: no command takes another's copy for one that it read.
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,8 +63,9 @@ class UndoStore {
 
     // The oldest first. Throws Failure when the folder cannot be read.
     std::vector<KeptCopy> copies() const;
-    // What is left of processes that died is kept if they may have written, and removed else.
-    void settle(std::function<bool(KeptCopy const&)> const& wasWritten) const;
+    // What is left of processes that died is kept if they may have written, and removed else; left
+    // as it is where that cannot be told now.
+    void settle(std::function<std::optional<bool>(KeptCopy const&)> const& wasWritten) const;
     void remove(int number) const;
     // Whether another command takes the copy back, or has done so by now.
     bool isTakenBack(int number) const;
@@ -71,6 +74,8 @@ class UndoStore {
     std::string fileOf(int number, char const* ending) const;
     std::vector<int> numbers(char const* ending) const;
     void makeFolder() const;
+    int firstFree() const;
+    void giveName(int number, std::string const& whole) const;
     bool claim(int number);
     void write(KeptCopy const& copy, int descriptor, char const* ending) const;
     KeptCopy read(int number, char const* ending) const;

@@ -3,6 +3,7 @@
 #include <channellist-access/db_access.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <optional>
 #include <set>
@@ -180,9 +181,13 @@ class Planner {
         return found;
     }
 
-    // The entry for an item that was not shown: of the service that it was of, or of none. Nothing
-    // where another service has its key by now.
-    static std::optional<Entry> entryOf(StoredItem const& item) {
+    // The entry for an item that was not shown: of the service that it was of, or of none. Else why
+    // there can be none.
+    static std::optional<Entry> entryOf(StoredItem const& item, std::string& error) {
+        error = "has no number that could be written";
+        if (!item.number || *item.number > std::numeric_limits<std::int32_t>::max())
+            return std::nullopt;
+        error = "its key is another service's now";
         Entry entry;
         entry.number = item.number;
         entry.serviceId = static_cast<unsigned int>(item.service);
@@ -212,24 +217,30 @@ class Planner {
         return items;
     }
 
+    void noteLeftOut(ListEntries const& kept, std::string const& why) {
+        result_.notes.push_back(kept.listName + ": an entry that is not shown is left out: " + why);
+    }
+
     // A request is the whole content of the list: what the library does not deliver is named, too.
     void addUndelivered(ListEntries const& kept, ListEdit& edit) {
         std::vector<Entry>& wanted = edit.wanted.entries;
         std::vector<Entry> entries;
+        std::string error;
         std::set<unsigned int> held;
         for (Entry const& entry : wanted)
             held.insert(entry.serviceId);
         for (StoredItem const& item : undelivered(storedItems(kept.uuid), edit.seen.entries))
-            if (auto const entry = entryOf(item)) {
+            if (auto const entry = entryOf(item, error)) {
                 held.insert(entry->serviceId);
                 entries.push_back(*entry);
+            } else {
+                noteLeftOut(kept, error);
             }
         std::size_t const now = entries.size();
         for (StoredItem const& item : dropped(kept)) {
-            auto const entry = entryOf(item);
+            auto const entry = entryOf(item, error);
             if (!entry)
-                result_.notes.push_back(kept.listName + ": an entry that was not shown is left " +
-                                        "out: another service has its key now");
+                noteLeftOut(kept, error);
             else if (held.count(entry->serviceId) == 0)
                 entries.push_back(*entry);
             if (entry)

@@ -167,6 +167,12 @@ TEST_F(ToolTest, KnowsNothingOfEditsThatNeverWere) {
     expect({"undo", 1, "Taking back", "does not tell what others wrote since"});
     expect({"undo --force", 0, "Written, and flushed", nullptr});
     EXPECT_EQ(fav(1), "4 3");
+    output("undo --redo");  // its copy goes, its number does not come again
+    output("edit FAV1 hide Jazz");
+    EXPECT_TRUE(fs::exists(copies / "11.json"));
+    fs::copy_file(copies / "11.json", copies / "12.part");
+    fs::remove(folder / "set.db");
+    expect({"undo --list", 0, "\n11  ", nullptr});  // though nothing tells what became of 12
 }
 
 TEST_F(ToolTest, TellsWhatGoesWithAWholeDatabase) {

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 #include "commands/commands.h"
@@ -128,10 +129,16 @@ bool wasWritten(std::string const& database, KeptCopy const& copy) {
 Copies settledCopies(std::string const& database) {
     UndoStore const store(database);
     std::unique_ptr<Session> session;
-    store.settle([&](KeptCopy const& copy) {
-        if (session == nullptr)
-            session = std::make_unique<Session>(database);
-        return wasWritten(database, copy);
+    store.settle([&](KeptCopy const& copy) -> std::optional<bool> {
+        try {
+            if (session == nullptr)
+                session = std::make_unique<Session>(database);
+            return wasWritten(database, copy);
+        } catch (Locked const&) {
+            throw;
+        } catch (Failure const&) {  // what it died in may be the reason
+            return copy.file.empty() ? std::nullopt : std::optional(true);
+        }
     });
     return store.copies();
 }
