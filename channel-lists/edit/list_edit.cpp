@@ -93,9 +93,10 @@ void expect(ListEdit const& edit, Snapshot& lists) {
     }
     for (ListEntries& list : lists) {
         if (list.uuid == seen.list.uuid) {
-            if (isFav && !areSame(entries, list.entries))
-                list.items = delivered(list);
+            bool const isRequested = isFav && !areSame(entries, list.entries);
             list.entries = entries;
+            if (isRequested)
+                list.items = delivered(list);
             if (isFav && edit.wanted.renumber)
                 closeGaps(list.entries, seen.reserved, undeliveredNumbers(list));
             continue;

@@ -19,8 +19,8 @@ struct SeenList {
     std::set<std::int64_t> reserved;                            // numbers of OTT channels
     std::map<std::string, std::set<std::int64_t>> favReserved;  // of other lists: in FAV1 to FAV4
     std::size_t undelivered = 0;  // stored items that the library does not show
-    Snapshot reached;  // the lists that an edit of it reaches, itself among them, with their items
-    std::string stored;                                // see storedState
+    Snapshot reached;             // what an edit of it reaches, itself among it, with the items
+    std::string stored;           // see storedState
     std::map<std::string, std::string> reachedStates;  // the same of the lists that it reaches
 };
 

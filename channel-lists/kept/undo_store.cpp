@@ -248,6 +248,8 @@ std::vector<int> UndoStore::numbers(char const* ending) const {
 }
 
 void UndoStore::remove(int number) const {
+    if (folder_.empty())
+        return;
     for (char const* ending : {".json", ".db", ".part", ".new"})
         unlink(fileOf(number, ending).c_str());
 }

@@ -254,6 +254,9 @@ TEST_P(WriteList, TellsAndTakesBackNothingOfOthers) {
             SCOPED_TRACE(std::string(c.list) + " at " + std::to_string(moment));
             if (written.ending == Ending::Overtaken)
                 continue;
+            // Which is told where others have written, too.
+            Snapshot const expected = other.hasWritten ? written.after : expectedLists(edits);
+            EXPECT_THAT(differences(expected, written.after), testing::IsEmpty());
             for (Change const& change : differences(written.before, written.after))
                 EXPECT_TRUE(change.serviceId != 4 || change.listName == "FAV2");
             bool const isGoneAgain = moment % 4 == 1;
