@@ -46,6 +46,8 @@ std::string localTime() {
     return text;
 }
 
+bool isThere(std::string const& file) { return access(file.c_str(), F_OK) == 0; }
+
 // The members of a stored item and their names in a copy.
 constexpr std::pair<char const*, std::optional<std::int64_t> StoredItem::*> kMembers[] = {
     {"number", &StoredItem::number},
@@ -199,14 +201,19 @@ bool UndoStore::tryToWriteAnew() const {
 
 int UndoStore::firstFree() const {
     std::vector<int> const kept = numbers(".json");
-    int last = 0;
-    std::ifstream(folder_ + "/last") >> last;
-    return std::max(kept.empty() ? 0 : kept.back(), last) + 1;
+    std::string text;
+    std::ifstream(folder_ + "/last") >> text;
+    auto const last = wholeNumber(text);
+    bool const isForeign = !last || *last < 0 || *last >= kLastNumber;
+    return std::max(kept.empty() ? 0 : kept.back(), isForeign ? 0 : static_cast<int>(*last)) + 1;
 }
 
 void UndoStore::giveName(int number, std::string const& whole) const {
-    int const last = firstFree() - 1;
-    std::ofstream(folder_ + "/last") << std::max(number, last) << "\n";
+    try {
+        int const last = firstFree() - 1;
+        std::ofstream(folder_ + "/last") << std::max(number, last) << "\n";
+    } catch (Failure const&) {  // the copy is worth more than its number
+    }
     if (rename(whole.c_str(), fileOf(number, ".json").c_str()) != 0)
         listener().note("\"undo\" will not know of this: " + std::string(std::strerror(errno)));
 }
@@ -217,7 +224,7 @@ void UndoStore::rewriteAndConfirm() {
     bool const isAnew = tryToWriteAnew();  // else what it was to be has to do
     std::string const part = fileOf(last_.number, ".part");
     giveName(last_.number, isAnew ? fileOf(last_.number, ".new") : part);
-    if (isAnew && fs::exists(fileOf(last_.number, ".json")))
+    if (isAnew && isThere(fileOf(last_.number, ".json")))
         unlink(part.c_str());
     last_.number = 0;
     close(std::exchange(claimed_, -1));
@@ -277,7 +284,7 @@ bool UndoStore::claim(int number) {
     std::string const file = fileOf(number, ".part");
     claimed_ = open(file.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
     if (claimed_ >= 0 && lockNamed(claimed_, file)) {
-        if (!fs::exists(fileOf(number, ".json")))
+        if (!isThere(fileOf(number, ".json")))
             return true;
         unlink(file.c_str());  // another has finished since the numbers were read
     }
@@ -443,7 +450,7 @@ void UndoStore::settle(
             KeptCopy const copy = read(number, ".part");
             // Of one that cannot be read the write had not begun.
             std::optional<bool> const isWritten = copy.isReadable ? wasWritten(copy) : false;
-            if (fs::exists(fileOf(number, ".json")))  // it only had to go
+            if (isThere(fileOf(number, ".json")))  // it only had to go
                 unlink(file.c_str());
             else if (isWritten == false)
                 remove(number);

@@ -185,7 +185,11 @@ class Planner {
     // there can be none.
     static std::optional<Entry> entryOf(StoredItem const& item, std::string& error) {
         error = "has no number that could be written";
-        if (!item.number || *item.number > std::numeric_limits<std::int32_t>::max())
+        using Numbers = std::numeric_limits<std::int32_t>;
+        if (!item.number || *item.number < Numbers::min() || *item.number > Numbers::max())
+            return std::nullopt;
+        error = "has no key that a service can have";
+        if (item.service < 0 || item.service > std::numeric_limits<unsigned int>::max())
             return std::nullopt;
         error = "its key is another service's now";
         Entry entry;
