@@ -42,7 +42,7 @@ void checkContent(std::string const& path, int code) {
     if (code == SQLITE_CORRUPT)
         throw Damaged("cannot read " + path + ": " + sqlite3_errmsg(db));
     if (code == SQLITE_BUSY)
-        throw Failure(path + " is locked by another process");
+        throw Locked(path + " is locked by another process");
     if (code != SQLITE_OK)
         throw Failure("cannot read " + path + ": " + sqlite3_errmsg(db));
     if (queryNumber(db,

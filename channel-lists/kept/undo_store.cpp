@@ -441,8 +441,9 @@ std::vector<KeptCopy> UndoStore::copies() const {
     return found;
 }
 
-void UndoStore::settle(
+std::vector<int> UndoStore::settle(
     std::function<std::optional<bool>(KeptCopy const&)> const& wasWritten) const {
+    std::vector<int> untold;
     for (int const number : numbers(".part")) {
         std::string const file = fileOf(number, ".part");
         int const claimed = open(file.c_str(), O_RDWR | O_CLOEXEC);
@@ -456,10 +457,13 @@ void UndoStore::settle(
                 remove(number);
             else if (isWritten)
                 giveName(number, file);
+            else
+                untold.push_back(number);
             unlink(fileOf(number, ".new").c_str());
         }
         close(claimed);
     }
+    return untold;
 }
 
 }  // namespace channel_lists

@@ -63,9 +63,10 @@ class UndoStore {
 
     // The oldest first. Throws Failure when the folder cannot be read.
     std::vector<KeptCopy> copies() const;
-    // What is left of processes that died is kept if they may have written, and removed else; left
-    // as it is where that cannot be told now.
-    void settle(std::function<std::optional<bool>(KeptCopy const&)> const& wasWritten) const;
+    // What is left of processes that died is kept if they may have written, and removed else.
+    // Returns the numbers of those of which that cannot be told now.
+    std::vector<int> settle(
+        std::function<std::optional<bool>(KeptCopy const&)> const& wasWritten) const;
     void remove(int number) const;
     // Whether another command takes the copy back, or has done so by now.
     bool isTakenBack(int number) const;

@@ -172,7 +172,8 @@ TEST_F(ToolTest, KnowsNothingOfEditsThatNeverWere) {
     EXPECT_TRUE(fs::exists(copies / "11.json"));
     fs::copy_file(copies / "11.json", copies / "12.part");
     fs::remove(folder / "set.db");
-    expect({"undo --list", 0, "\n11  ", nullptr});  // though nothing tells what became of 12
+    expect({"undo --list", 0, "\n11  ", nullptr});
+    expect({"undo", 1, nullptr, "copy 12 cannot be read"});  // nothing tells what became of it
 }
 
 TEST_F(ToolTest, TellsWhatGoesWithAWholeDatabase) {

@@ -129,7 +129,7 @@ bool wasWritten(std::string const& database, KeptCopy const& copy) {
 Copies settledCopies(std::string const& database) {
     UndoStore const store(database);
     std::unique_ptr<Session> session;
-    store.settle([&](KeptCopy const& copy) -> std::optional<bool> {
+    std::vector<int> const untold = store.settle([&](KeptCopy const& copy) -> std::optional<bool> {
         try {
             if (session == nullptr)
                 session = std::make_unique<Session>(database);
@@ -140,7 +140,16 @@ Copies settledCopies(std::string const& database) {
             return copy.file.empty() ? std::nullopt : std::optional(true);
         }
     });
-    return store.copies();
+    Copies copies = store.copies();
+    for (int const number : untold) {  // none behind it is the newest
+        KeptCopy copy;
+        copy.number = number;
+        copy.isReadable = false;
+        copies.insert(std::find_if(copies.begin(), copies.end(),
+                                   [&](KeptCopy const& each) { return each.number > number; }),
+                      copy);
+    }
+    return copies;
 }
 
 // "" of what cannot be read, which may be the reason to take it back.
